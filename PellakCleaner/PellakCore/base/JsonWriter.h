@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace pellak {
+
+/// Writes JSON text straight into one string, in the order of the calls, without spaces.
+///
+/// Made for the state reply, which holds every finding: no tree is built. Commas are placed by
+/// the writer; nesting is the caller's. Every text passes through the byte encoding of
+/// BytePath.h, so the result is well-formed UTF-8 whatever the bytes. One object serves one
+/// thread.
+class JsonWriter {
+ public:
+  JsonWriter& beginObject();
+  JsonWriter& endObject();
+  JsonWriter& beginArray();
+  JsonWriter& endArray();
+
+  /// The name of the next member; names are the program's own plain ASCII words.
+  JsonWriter& key(std::string_view nome);
+  /// A member name that comes from outside (a path, an icon key).
+  JsonWriter& textKey(std::string_view nome);
+
+  JsonWriter& text(std::string_view valore);
+  JsonWriter& integer(std::int64_t valore);
+  /// Whole numbers without a fraction, others in their shortest exact form, no finite value lost;
+  /// infinities and NaN, which JSON can't hold, become 0.
+  JsonWriter& number(double valore);
+  JsonWriter& boolean(bool valore);
+  /// JSON text that is already complete.
+  JsonWriter& raw(std::string_view json);
+
+  /// Direct access for formatters that append digits and plain ASCII of their own: an opened
+  /// string takes whatever is appended to `uscita()` until `closeText`.
+  JsonWriter& openText();
+  JsonWriter& closeText();
+  std::string& uscita() { return uscita_; }
+
+  void reserve(std::size_t byte) { uscita_.reserve(byte); }
+  /// The text so far; the writer is empty afterwards.
+  std::string take();
+
+ private:
+  void separate();
+
+  std::string uscita_;
+  bool comma_ = false;
+};
+
+/// One JSON string, with its quotes.
+std::string jsonText(std::string_view valore);
+
+}  // namespace pellak

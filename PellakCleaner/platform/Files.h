@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "platform/Result.h"
+
+namespace pellak {
+
+/// Held while it lives; dropped by its destructor and by the end of the process.
+class FileLock {
+ public:
+  virtual ~FileLock() = default;
+};
+
+/// Our own small files: settings, results, logs. Paths are bytes, absolute. Any thread.
+class Files {
+ public:
+  virtual ~Files() = default;
+
+  /// The whole content. Errors: missing, denied, invalid (no regular file, or more than
+  /// `limite` bytes), failed.
+  virtual Result<std::string> read(std::string_view percorso, std::size_t limite) = 0;
+
+  /// Puts `pezzi`, joined, in the place of the file or leaves the old file untouched: temporary
+  /// file in the same folder, write, sync, rename, sync of the folder. Missing folders are
+  /// made. Errors: denied, full, readOnly, failed.
+  virtual Result<void> replace(std::string_view percorso,
+                               std::span<const std::string_view> pezzi) = 0;
+
+  /// Appends `riga` and a newline with one write and syncs before it returns. Missing folders
+  /// are made.
+  virtual Result<void> appendLine(std::string_view percorso, std::string_view riga) = 0;
+
+  /// The folder and the ones above it. Success when it is there already.
+  virtual Result<void> makeFolder(std::string_view percorso) = 0;
+
+  /// Takes away a file that this program itself wrote (settings reset, login item). Never called
+  /// with a path of the user's. A missing file is success.
+  virtual Result<void> removeOwn(std::string_view percorso) = 0;
+
+  /// Gives a file of our own another name, replacing what is there.
+  virtual Result<void> renameOwn(std::string_view da, std::string_view a) = 0;
+
+  /// Whether a file or folder can be opened for reading (and a folder listed); the error says
+  /// why not. Touches nothing.
+  virtual Result<void> readable(std::string_view percorso) = 0;
+
+  /// Whether something is at the path, a dangling link included.
+  virtual bool exists(std::string_view percorso) = 0;
+
+  /// Waits for the advisory lock on a file, which is made when missing, against other processes
+  /// and other callers here. Errors: denied, readOnly, failed.
+  virtual Result<std::unique_ptr<FileLock>> lock(std::string_view percorso) = 0;
+};
+
+}  // namespace pellak

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/Applications.h"
+#include "platform/Clock.h"
+#include "platform/DirectoryLister.h"
+#include "platform/FileManager.h"
+#include "platform/Files.h"
+#include "platform/ProcessLauncher.h"
+#include "platform/ToolFamily.h"
+
+namespace pellak {
+
+/// The back ends of the system the program was built for. They live as long as the `Native` that
+/// made them; each may be used from any thread.
+struct Platform {
+  Files& files;
+  Clock& clock;
+  DirectoryLister& lister;
+  ProcessLauncher& launcher;
+  FileManager& fileManager;
+  Applications& applicazioni;
+};
+
+/// Owns the back ends. Making one opens nothing and starts nothing.
+class Native {
+ public:
+  virtual ~Native() = default;
+
+  virtual Platform platform() = 0;
+  /// The tools of the system the program runs on.
+  virtual FamigliaStrumenti famiglia() const = 0;
+  /// The running program's own file; empty when the system does not tell.
+  virtual std::string executablePath() const = 0;
+  /// The home folder of the user by the system's own records, for when HOME is not set.
+  virtual std::string homeFolder() const = 0;
+};
+
+std::unique_ptr<Native> creaNative();
+
+}  // namespace pellak

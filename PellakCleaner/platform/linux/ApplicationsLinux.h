@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/Applications.h"
+
+namespace pellak::linux_ {
+
+/// The applications of the desktop's ".desktop" files, with their icons from the icon theme.
+/// Nothing is read before the first request; what was read is kept until a folder of entries
+/// changes.
+class ApplicationsLinux final : public Applications {
+ public:
+  ApplicationsLinux();
+  ~ApplicationsLinux() override;
+
+  std::optional<ApplicationInfo> find(std::string_view chiave) override;
+  bool running(const ApplicationInfo& app) override;
+  Result<std::string> iconPng(std::string_view chiave) override;
+
+ private:
+  struct Installed;
+
+  std::shared_ptr<Installed> installed();
+
+  std::mutex lock_;
+  std::shared_ptr<Installed> installed_;
+};
+
+}  // namespace pellak::linux_

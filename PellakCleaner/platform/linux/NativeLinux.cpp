@@ -1,0 +1,58 @@
+#include <array>
+#include <climits>
+#include <pwd.h>
+#include <unistd.h>
+#include <vector>
+
+#include "platform/Native.h"
+#include "platform/linux/ApplicationsLinux.h"
+#include "platform/linux/DirectoryListerLinux.h"
+#include "platform/linux/FileManagerLinux.h"
+#include "platform/posix/ClockPosix.h"
+#include "platform/posix/FilesPosix.h"
+#include "platform/posix/ProcessLauncherPosix.h"
+
+namespace pellak {
+namespace {
+
+class NativeLinux : public Native {
+ public:
+  Platform platform() override {
+    return {files_, clock_, lister_, launcher_, fileManager_, applicazioni_};
+  }
+
+  FamigliaStrumenti famiglia() const override { return FamigliaStrumenti::linux; }
+
+  std::string executablePath() const override {
+    std::array<char, PATH_MAX> percorso{};
+    const ssize_t lunghezza = ::readlink("/proc/self/exe", percorso.data(), percorso.size());
+    return lunghezza <= 0 ? std::string()
+                          : std::string(percorso.data(), static_cast<std::size_t>(lunghezza));
+  }
+
+  std::string homeFolder() const override {
+    constexpr std::size_t kRecordBytes = std::size_t{16} << 10U;
+    std::vector<char> memoria(kRecordBytes);
+    passwd record{};
+    passwd* trovato = nullptr;
+    if (::getpwuid_r(::getuid(), &record, memoria.data(), memoria.size(), &trovato) != 0 ||
+        trovato == nullptr) {
+      return {};
+    }
+    return record.pw_dir;
+  }
+
+ private:
+  posix::FilesPosix files_;
+  posix::ClockPosix clock_;
+  native::DirectoryListerLinux lister_;
+  posix::ProcessLauncherPosix launcher_;
+  linux_::FileManagerLinux fileManager_{launcher_};
+  linux_::ApplicationsLinux applicazioni_;
+};
+
+}  // namespace
+
+std::unique_ptr<Native> creaNative() { return std::make_unique<NativeLinux>(); }
+
+}  // namespace pellak

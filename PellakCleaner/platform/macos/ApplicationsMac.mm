@@ -1,0 +1,98 @@
+#include "platform/macos/ApplicationsMac.h"
+
+#import <AppKit/AppKit.h>
+
+namespace pellak::macos {
+namespace {
+
+constexpr CGFloat kIconSide = 64;
+
+/// nil when the bytes are no valid UTF-8.
+NSString* textOf(std::string_view bytes) {
+  return [[NSString alloc] initWithBytes:bytes.data()
+                                  length:bytes.size()
+                                encoding:NSUTF8StringEncoding];
+}
+
+std::string bytesOf(NSString* text) {
+  const char* utf8 = text.UTF8String;
+  return utf8 == nullptr ? std::string() : std::string(utf8);
+}
+
+/// The bundle that a path names or lies in; nil when it is in none.
+NSBundle* bundleAround(NSString* path) {
+  const NSRange inside = [path rangeOfString:@".app/"];
+  if (inside.location != NSNotFound) path = [path substringToIndex:inside.location + 4];
+  return [path.pathExtension isEqualToString:@"app"] ? [NSBundle bundleWithPath:path] : nil;
+}
+
+NSBundle* bundleNamed(NSString* name) {
+  if ([name containsString:@"/"]) return nil;
+  NSString* file =
+      [name.pathExtension isEqualToString:@"app"] ? name : [name stringByAppendingString:@".app"];
+  NSArray<NSString*>* folders = @[
+    @"/Applications", @"/System/Applications",
+    [NSHomeDirectory() stringByAppendingPathComponent:@"Applications"]
+  ];
+  for (NSString* folder in folders) {
+    NSBundle* bundle = [NSBundle bundleWithPath:[folder stringByAppendingPathComponent:file]];
+    if (bundle != nil) return bundle;
+  }
+  return nil;
+}
+
+NSBundle* bundleFor(std::string_view chiave) {
+  NSString* key = textOf(chiave);
+  if (key.length == 0) return nil;
+  if ([key hasPrefix:@"/"]) return bundleAround(key);
+  NSURL* url = [NSWorkspace.sharedWorkspace URLForApplicationWithBundleIdentifier:key];
+  return url != nil ? [NSBundle bundleWithURL:url] : bundleNamed(key);
+}
+
+NSString* shownName(NSBundle* bundle) {
+  NSString* name = [NSFileManager.defaultManager displayNameAtPath:bundle.bundlePath];
+  return [name.pathExtension isEqualToString:@"app"] ? name.stringByDeletingPathExtension : name;
+}
+
+}  // namespace
+
+std::optional<ApplicationInfo> ApplicationsMac::find(std::string_view chiave) {
+  @autoreleasepool {
+    NSBundle* bundle = bundleFor(chiave);
+    if (bundle == nil) return std::nullopt;
+    return ApplicationInfo{bytesOf(bundle.bundleIdentifier), bytesOf(shownName(bundle)),
+                           bytesOf(bundle.bundlePath), bytesOf(bundle.executablePath)};
+  }
+}
+
+bool ApplicationsMac::running(const ApplicationInfo& app) {
+  @autoreleasepool {
+    if (!app.id.empty()) {
+      NSString* identifier = textOf(app.id);
+      return identifier != nil &&
+             [NSRunningApplication runningApplicationsWithBundleIdentifier:identifier].count > 0;
+    }
+    NSString* path = textOf(app.path);
+    for (NSRunningApplication* candidate in NSWorkspace.sharedWorkspace.runningApplications) {
+      if (path != nil && [candidate.bundleURL.path isEqualToString:path]) return true;
+    }
+    return false;
+  }
+}
+
+Result<std::string> ApplicationsMac::iconPng(std::string_view chiave) {
+  @autoreleasepool {
+    NSBundle* bundle = bundleFor(chiave);
+    if (bundle == nil) return Error{ErrorKind::missing, 0, "no application"};
+    NSImage* icon = [NSWorkspace.sharedWorkspace iconForFile:bundle.bundlePath];
+    NSRect place = NSMakeRect(0, 0, kIconSide, kIconSide);
+    CGImageRef drawn = [icon CGImageForProposedRect:&place context:nil hints:nil];
+    if (drawn == nullptr) return Error{ErrorKind::missing, 0, "no icon"};
+    NSBitmapImageRep* bitmap = [[NSBitmapImageRep alloc] initWithCGImage:drawn];
+    NSData* png = [bitmap representationUsingType:NSBitmapImageFileTypePNG properties:@{}];
+    if (png == nil) return Error{ErrorKind::missing, 0, "no icon"};
+    return std::string(static_cast<const char*>(png.bytes), png.length);
+  }
+}
+
+}  // namespace pellak::macos

@@ -1,0 +1,18 @@
+# The libraries the tree links, found once.
+include_guard(GLOBAL)
+
+find_package(Boost 1.75 REQUIRED COMPONENTS json)
+find_package(fmt REQUIRED)
+find_package(CLI11 REQUIRED)
+if(NOT APPLE)
+  find_package(PkgConfig REQUIRED)
+  pkg_check_modules(GIO REQUIRED IMPORTED_TARGET gio-2.0 gio-unix-2.0)
+  pkg_check_modules(GDK_PIXBUF REQUIRED IMPORTED_TARGET gdk-pixbuf-2.0)
+endif()
+if(PELLAK_TESTS)
+  find_package(GTest REQUIRED)
+  include(GoogleTest)
+endif()
+if(PELLAK_BENCH)
+  find_package(benchmark REQUIRED)
+endif()

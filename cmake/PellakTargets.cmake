@@ -1,0 +1,66 @@
+# How every target of the tree is declared: one call per folder, same warnings and
+# sanitizers everywhere.
+include_guard(GLOBAL)
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+endif()
+
+add_library(pellak_flags INTERFACE)
+target_include_directories(pellak_flags INTERFACE ${CMAKE_SOURCE_DIR}/PellakCleaner)
+target_compile_options(pellak_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+                                              -Wnon-virtual-dtor -Werror)
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  target_compile_options(pellak_flags INTERFACE -Wthread-safety)
+endif()
+if(PELLAK_SANITIZE)
+  # Through add_*_options so that test programs and third-party glue are covered too.
+  add_compile_options(-fsanitize=${PELLAK_SANITIZE} -fno-omit-frame-pointer
+                      -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${PELLAK_SANITIZE})
+endif()
+if(PELLAK_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
+find_package(Threads REQUIRED)
+
+# pellak_library(<target> SOURCES <file>... [LINKS <target>...] [PRIVATE_LINKS <target>...])
+function(pellak_library target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  add_library(${target} STATIC ${ARG_SOURCES})
+  target_link_libraries(${target} PUBLIC pellak_flags Threads::Threads ${ARG_LINKS}
+                                  PRIVATE ${ARG_PRIVATE_LINKS})
+endfunction()
+
+# pellak_test(<target> SOURCES <file>... LINKS <target>...): one GoogleTest program whose
+# cases CTest lists by name.
+function(pellak_test target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${target} ${ARG_SOURCES})
+  target_include_directories(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_link_libraries(${target} PRIVATE pellak_flags ${ARG_LINKS} GTest::gmock_main)
+  gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
+endfunction()
+
+# pellak_fuzz(<target> SOURCES <file>... LINKS <target>... CORPUS <folder>): a libFuzzer target
+# that CTest runs briefly over its kept corpus.
+function(pellak_fuzz target)
+  cmake_parse_arguments(ARG "" "CORPUS" "SOURCES;LINKS" ${ARGN})
+  add_executable(${target} ${ARG_SOURCES})
+  target_link_libraries(${target} PRIVATE pellak_flags ${ARG_LINKS})
+  target_link_options(${target} PRIVATE -fsanitize=fuzzer)
+  add_test(NAME ${target}
+           COMMAND ${CMAKE_COMMAND} -E env ${CMAKE_SOURCE_DIR}/scripts/fuzz_briefly.sh
+                   $<TARGET_FILE:${target}> ${ARG_CORPUS})
+  set_tests_properties(${target} PROPERTIES TIMEOUT 120)
+endfunction()
+
+# pellak_bench(<target> SOURCES <file>... LINKS <target>...): a Google Benchmark program.
+function(pellak_bench target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${target} ${ARG_SOURCES})
+  target_include_directories(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_link_libraries(${target} PRIVATE pellak_flags ${ARG_LINKS} benchmark::benchmark_main)
+endfunction()

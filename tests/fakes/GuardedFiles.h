@@ -1,0 +1,34 @@
+#pragma once
+
+#include <set>
+#include <string>
+
+#include "platform/posix/FilesPosix.h"
+
+namespace pellak::fakes {
+
+/// The real files with refusals added, which a test that runs with all rights can't get from
+/// the system. Set it up before other threads use it.
+class GuardedFiles : public posix::FilesPosix {
+ public:
+  Result<void> replace(std::string_view percorso,
+                       std::span<const std::string_view> pezzi) override {
+    if (soloLettura) return Error{ErrorKind::readOnly, 0, "read-only"};
+    return FilesPosix::replace(percorso, pezzi);
+  }
+
+  Result<void> removeOwn(std::string_view percorso) override {
+    if (soloLettura) return Error{ErrorKind::readOnly, 0, "read-only"};
+    return FilesPosix::removeOwn(percorso);
+  }
+
+  Result<void> readable(std::string_view percorso) override {
+    if (negati.contains(percorso)) return Error{ErrorKind::denied, 0, "denied"};
+    return FilesPosix::readable(percorso);
+  }
+
+  bool soloLettura = false;  ///< nothing can be written or taken away
+  std::set<std::string, std::less<>> negati;
+};
+
+}  // namespace pellak::fakes

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/DirectoryLister.h"
+
+namespace pellak::fakes {
+
+/// A tree in memory that answers like a file system. Build it first, then list it from any
+/// thread; what was asked is counted.
+class MemoryLister final : public DirectoryLister {
+ public:
+  struct Node {
+    EntryAttributes attributes;
+    bool refused = false;        ///< opening it is denied
+    bool recordRefused = false;  ///< reading its record is denied
+    bool readFails = false;      ///< the bulk read gives entries and then an error
+    std::map<std::string, std::shared_ptr<Node>, std::less<>> children;
+  };
+
+  /// How listings answer, set before they begin.
+  bool carriesAttributes = false;  ///< the bulk read gives attributes too
+  bool tellsTypes = true;          ///< otherwise entries are of unknown type
+  bool certain = true;             ///< the answer to `emptyIsCertain`
+  bool bulkWorks = true;           ///< otherwise every bulk read fails
+  std::size_t budget = 64;
+
+  // Each adds the folders above it and returns the node, to be changed further.
+  Node& folder(std::string_view percorso) { return add(percorso, EntryType::directory); }
+  Node& file(std::string_view percorso, std::int64_t size);
+  Node& link(std::string_view percorso) { return add(percorso, EntryType::link); }
+  Node& other(std::string_view percorso) { return add(percorso, EntryType::other); }
+  /// A second name for a file that is there.
+  void hardLink(std::string_view percorso, std::string_view existing);
+
+  Result<std::shared_ptr<DirectoryHandle>> open(std::string_view percorso) override;
+  Result<EntryAttributes> attributes(std::string_view percorso) override;
+  bool emptyIsCertain() const override { return certain; }
+  std::size_t descriptorBudget() const override { return budget; }
+
+  std::atomic<int> nameReads{0};  ///< name listings asked for
+  std::atomic<int> readsNow{0};   ///< bulk reads going on
+  std::atomic<int> mostReads{0};  ///< the most at once so far
+  std::atomic<int> openNow{0};    ///< handles alive
+  std::atomic<int> mostOpen{0};
+  std::atomic<int> readMillis{0};  ///< each bulk read takes so long
+
+ private:
+  Node& add(std::string_view percorso, EntryType type);
+  std::shared_ptr<Node> find(std::string_view percorso) const;
+
+  std::shared_ptr<Node> root_ = makeRoot();
+  std::uint64_t lastIno_ = 1;
+
+  static std::shared_ptr<Node> makeRoot();
+};
+
+}  // namespace pellak::fakes

@@ -1,0 +1,208 @@
+// The native lister, and the walker over it, where a real file system is nasty: long paths,
+// refusals, few descriptors, folders that change meanwhile.
+#include <algorithm>
+#include <atomic>
+#include <dirent.h>
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <map>
+#include <mutex>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+#include "fakes/CartellaTemporanea.h"
+#include "platform/linux/DirectoryListerLinux.h"
+#include "scanners/walker/Walker.h"
+
+namespace pellak {
+namespace {
+
+using fakes::CartellaTemporanea;
+using fakes::scriviFile;
+using testing::ElementsAre;
+using testing::Pair;
+
+/// Until the end of the scope the process is a user without privileges, unless it is one anyway.
+class WithoutPrivileges {
+ public:
+  WithoutPrivileges() {
+    if (!root_) return;
+    EXPECT_EQ(::setegid(65534), 0);
+    EXPECT_EQ(::seteuid(65534), 0);
+  }
+  ~WithoutPrivileges() {
+    if (!root_) return;
+    EXPECT_EQ(::seteuid(0), 0);
+    EXPECT_EQ(::setegid(0), 0);
+  }
+  WithoutPrivileges(const WithoutPrivileges&) = delete;
+  WithoutPrivileges& operator=(const WithoutPrivileges&) = delete;
+
+ private:
+  const bool root_ = ::geteuid() == 0;
+};
+
+/// Lowers the number of descriptors that the process may have for a scope.
+class FewDescriptors {
+ public:
+  explicit FewDescriptors(rlim_t most) {
+    EXPECT_EQ(::getrlimit(RLIMIT_NOFILE, &before_), 0);
+    const rlimit now{most, before_.rlim_max};
+    EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &now), 0);
+  }
+  ~FewDescriptors() { EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &before_), 0); }
+  FewDescriptors(const FewDescriptors&) = delete;
+  FewDescriptors& operator=(const FewDescriptors&) = delete;
+
+ private:
+  rlimit before_{};
+};
+
+class DirectoryListerTest : public testing::Test {
+ protected:
+  std::vector<std::string> files(const std::string& root) {
+    auto found = walker::parallelWalk(
+        ambiente_, std::vector{root}, {}, {},
+        [](std::string_view p, const struct stat&) { return std::optional(std::string(p)); });
+    std::sort(found.begin(), found.end());
+    return found;
+  }
+
+  std::map<std::string, int> refusals() { return std::exchange(refusals_, {}); }
+
+  static int descriptorsOpen() {
+    int count = 0;
+    DIR* stream = ::opendir("/proc/self/fd");
+    while (::readdir(stream) != nullptr) ++count;
+    ::closedir(stream);
+    return count;
+  }
+
+  CartellaTemporanea folder_;
+  native::DirectoryListerLinux lister_;
+  std::mutex lock_;
+  std::map<std::string, int> refusals_;
+  walker::Ambiente ambiente_{lister_, [this](std::string_view p) {
+                               const std::lock_guard hold(lock_);
+                               ++refusals_[std::string(p)];
+                             }};
+};
+
+/// A chain of folders below `top`, each with a file "f" and a branch, whose path is longer than
+/// one system call takes. Made step by step; the destructor of the temporary folder copes.
+std::string makeDeepChain(const std::string& top, int levels, const std::string& name) {
+  int at = ::open(top.c_str(), O_RDONLY | O_DIRECTORY);
+  std::string path = top;
+  for (int i = 0; i < levels; ++i) {
+    EXPECT_EQ(::mkdirat(at, name.c_str(), 0755), 0);
+    EXPECT_EQ(::mkdirat(at, "branch", 0755), 0);
+    const int below = ::openat(at, name.c_str(), O_RDONLY | O_DIRECTORY);
+    ::close(at);
+    at = below;
+    const int file = ::openat(at, "f", O_WRONLY | O_CREAT, 0644);
+    EXPECT_EQ(::write(file, "x", 1), 1);
+    ::close(file);
+    path += '/' + name;
+  }
+  ::close(at);
+  return path;
+}
+
+TEST_F(DirectoryListerTest, ReachesPathsBeyondWhatOneCallTakes) {
+  const std::string deepest = makeDeepChain(folder_.percorso(), 60, std::string(250, 'n'));
+  ASSERT_GT(deepest.size(), 15000U);
+  EXPECT_EQ(walker::nameList(ambiente_, deepest), std::vector<std::string>{"f"});
+  EXPECT_EQ(walker::bulkList(ambiente_, deepest)->at(0).size, 1);
+  EXPECT_EQ(walker::statNoFollow(ambiente_, deepest + "/f")->st_size, 1);
+  EXPECT_FALSE(walker::statNoFollow(ambiente_, deepest + "/gone"));
+  EXPECT_GT(walker::treeSize(ambiente_, deepest), 0);
+  EXPECT_THAT(files(deepest), ElementsAre(deepest + "/f"));
+  const auto all = files(folder_.percorso());
+  ASSERT_EQ(all.size(), 60U);
+  EXPECT_NE(std::find(all.begin(), all.end(), deepest + "/f"), all.end());
+}
+
+TEST_F(DirectoryListerTest, RefusesPathsThatCannotBeMeant) {
+  for (const std::string& bad : {std::string(), folder_.percorso() + std::string("\0/x", 3)}) {
+    EXPECT_EQ(lister_.open(bad).error().kind, ErrorKind::invalid);
+    EXPECT_EQ(lister_.attributes(bad).error().kind, ErrorKind::invalid);
+  }
+  EXPECT_FALSE(lister_.open('/' + std::string(300, 'x')).ok());
+  EXPECT_FALSE(lister_.open('/' + std::string(9000, 'x')).ok());
+}
+
+TEST_F(DirectoryListerTest, CountsWhatAnUnprivilegedUserMayNotRead) {
+  const std::string shut = folder_ / "shut";
+  const std::string noSearch = folder_ / "nosearch";
+  scriviFile(shut + "/in", "x");
+  scriviFile(noSearch + "/in", "x");
+  scriviFile(folder_ / "free", "x");
+  ASSERT_EQ(::chmod(folder_.percorso().c_str(), 0755), 0);
+  ASSERT_EQ(::chmod(shut.c_str(), 0000), 0);
+  ASSERT_EQ(::chmod(noSearch.c_str(), 0444), 0);
+  {
+    const WithoutPrivileges scope;
+    EXPECT_THAT(files(folder_.percorso()), ElementsAre(folder_ / "free"));
+    EXPECT_THAT(refusals(), ElementsAre(Pair(noSearch + "/in", 1), Pair(shut, 2)));
+    EXPECT_EQ(walker::treeSize(ambiente_, folder_.percorso()),
+              walker::treeSize(ambiente_, folder_ / "free"));
+    EXPECT_THAT(refusals(), ElementsAre(Pair(noSearch + "/in", 1), Pair(shut, 2)));
+    EXPECT_FALSE(walker::bulkList(ambiente_, shut));
+    EXPECT_FALSE(walker::nameList(ambiente_, shut));
+    EXPECT_FALSE(walker::statNoFollow(ambiente_, shut + "/in"));
+    EXPECT_EQ(walker::nameList(ambiente_, noSearch), std::vector<std::string>{"in"});
+    EXPECT_THAT(refusals(), ElementsAre(Pair(shut, 2), Pair(shut + "/in", 1)));
+  }
+  ASSERT_EQ(::chmod(shut.c_str(), 0755), 0);
+  ASSERT_EQ(::chmod(noSearch.c_str(), 0755), 0);
+}
+
+TEST_F(DirectoryListerTest, MakesDoWithFewDescriptors) {
+  makeDeepChain(folder_.percorso(), 700, "d");
+  for (int i = 0; i < 300; ++i) {
+    scriviFile(folder_ / ("wide/" + std::to_string(i) + "/below/f"), "x");
+  }
+  const int before = descriptorsOpen();
+  const auto expected = files(folder_.percorso());
+  ASSERT_EQ(expected.size(), 1000U);
+  const std::int64_t bytes = walker::treeSize(ambiente_, folder_.percorso());
+  for (const rlim_t most : {256, 64}) {
+    const FewDescriptors scope(most);
+    EXPECT_EQ(files(folder_.percorso()), expected) << most;
+    EXPECT_EQ(walker::treeSize(ambiente_, folder_.percorso()), bytes) << most;
+  }
+  EXPECT_EQ(descriptorsOpen(), before);
+}
+
+TEST_F(DirectoryListerTest, SurvivesATreeThatChangesMeanwhile) {
+  scriviFile(folder_ / "still/f", "x");
+  std::atomic<bool> over{false};
+  std::thread changer([&] {
+    for (int i = 0; !over; ++i) {
+      const std::string moving = folder_ / ("m" + std::to_string(i % 5));
+      std::error_code ignored;
+      scriviFile(moving + "/a/b/f", "x");
+      std::filesystem::remove_all(moving + "/a", ignored);
+      std::filesystem::create_symlink("..", moving + "/a", ignored);
+      std::filesystem::remove_all(moving, ignored);
+    }
+  });
+  for (int i = 0; i < 300; ++i) {
+    const auto found = files(folder_.percorso());
+    EXPECT_EQ(std::count(found.begin(), found.end(), folder_ / "still/f"), 1);
+    for (const std::string& path : found) EXPECT_EQ(path.find("/a/m"), std::string::npos) << path;
+    walker::treeSize(ambiente_, folder_.percorso());
+  }
+  over = true;
+  changer.join();
+}
+
+TEST_F(DirectoryListerTest, GetsThroughTheProcessFileSystem) {
+  EXPECT_GT(files("/proc/self/").size(), 10U);
+  EXPECT_EQ(walker::treeSize(ambiente_, "/proc/self/task"), 0);
+}
+
+}  // namespace
+}  // namespace pellak

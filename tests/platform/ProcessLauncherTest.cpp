@@ -1,0 +1,285 @@
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <fcntl.h>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/ProcessLauncherPosix.h"
+
+namespace pellak::posix {
+namespace {
+
+using namespace std::chrono_literals;
+
+const std::string kChild = PELLAK_TEST_CHILD;
+
+struct Ran {
+  ExitStatus fine;
+  std::string output;
+  std::string error;
+};
+
+LaunchRequest request(std::vector<std::string> arguments,
+                      ChildStreams flussi = ChildStreams::merged) {
+  return {kChild, std::move(arguments), flussi, {}};
+}
+
+Ran run(ProcessLauncher& launcher, const LaunchRequest& what) {
+  Ran ran;
+  const auto child = launcher.start(what);
+  EXPECT_TRUE(child) << child.error().text;
+  if (!child) return ran;
+  if (what.flussi != ChildStreams::errorOnly) {
+    EXPECT_EQ((*child)->readOutput(ran.output), ReadEnd::endOfFile);
+  }
+  if (what.flussi != ChildStreams::merged) {
+    EXPECT_EQ((*child)->readError(ran.error), ReadEnd::endOfFile);
+  }
+  ran.fine = (*child)->wait();
+  return ran;
+}
+
+std::vector<int> openDescriptors() {
+  std::vector<int> open;
+  for (int number = 0; number < 4096; ++number) {
+    if (::fcntl(number, F_GETFD) >= 0) open.push_back(number);
+  }
+  return open;
+}
+
+// True when this process has no child left, neither running nor uncollected.
+bool noChildren() {
+  siginfo_t ignored{};
+  return ::waitid(P_ALL, 0, &ignored, WEXITED | WNOHANG | WNOWAIT) < 0 && errno == ECHILD;
+}
+
+bool soon(const std::function<bool()>& condition) {
+  for (int i = 0; i < 1000; ++i) {
+    if (condition()) return true;
+    std::this_thread::sleep_for(10ms);
+  }
+  return false;
+}
+
+TEST(ProcessLauncherTest, ArgumentsArriveAsTheyAre) {
+  ProcessLauncherPosix launcher;
+  const Ran ran = run(launcher, request({"arguments", "", "a b", "$HOME", "'\"\\", "\xff\n*"}));
+  EXPECT_EQ(ran.output, "[][a b][$HOME]['\"\\][\xff\n*]");
+  EXPECT_EQ(ran.fine, (ExitStatus{false, 0}));
+}
+
+TEST(ProcessLauncherTest, EachWayOfConnectingTheStreams) {
+  ProcessLauncherPosix launcher;
+  const Ran merged = run(launcher, request({"both"}, ChildStreams::merged));
+  EXPECT_EQ(merged.output, "to output\nto error\n");
+  EXPECT_EQ(merged.fine, (ExitStatus{false, 3}));
+  const Ran separate = run(launcher, request({"both"}, ChildStreams::separate));
+  EXPECT_EQ(separate.output, "to output\n");
+  EXPECT_EQ(separate.error, "to error\n");
+  const Ran errorOnly = run(launcher, request({"both"}, ChildStreams::errorOnly));
+  EXPECT_EQ(errorOnly.error, "to error\n");
+}
+
+TEST(ProcessLauncherTest, EnvironmentIsInheritedAddedToAndReplaced) {
+  ProcessLauncherPosix launcher;
+  ASSERT_EQ(::setenv("PELLAK_LAUNCH_TEST", "inherited", 1), 0);
+  LaunchRequest what = request({"environment", "PELLAK_LAUNCH_TEST"});
+  EXPECT_EQ(run(launcher, what).output, "inherited");
+  what.ambiente = {{"PELLAK_LAUNCH_TEST", "replaced=by this"}};
+  EXPECT_EQ(run(launcher, what).output, "replaced=by this");
+  ASSERT_EQ(::unsetenv("PELLAK_LAUNCH_TEST"), 0);
+  EXPECT_EQ(run(launcher, what).output, "replaced=by this");
+  what.ambiente.clear();
+  EXPECT_EQ(run(launcher, what).output, "(unset)");
+}
+
+TEST(ProcessLauncherTest, ChildGetsNoDescriptorOfOurs) {
+  ProcessLauncherPosix launcher;
+  // As a careless library would open them, low and high numbers.
+  const Descriptor low(::open("/dev/null", O_RDONLY));
+  const Descriptor high(::fcntl(low.get(), F_DUPFD, 700));
+  ASSERT_TRUE(low);
+  ASSERT_TRUE(high);
+  const auto other = launcher.start(request({"stubborn"}, ChildStreams::separate));
+  ASSERT_TRUE(other);
+  EXPECT_EQ(run(launcher, request({"descriptors"}, ChildStreams::separate)).output,
+            "0 1 2 stdin:empty");
+  EXPECT_EQ(run(launcher, request({"descriptors"})).output, "0 1 2 stdin:empty");
+  (*other)->kill();
+  EXPECT_EQ((*other)->wait(), (ExitStatus{true, SIGKILL}));
+}
+
+TEST(ProcessLauncherTest, WorksInAProcessWithoutStandardDescriptors) {
+  ProcessLauncherPosix launcher;
+  const std::array<int, 3> kept = {::fcntl(0, F_DUPFD_CLOEXEC, 100),
+                                   ::fcntl(1, F_DUPFD_CLOEXEC, 100),
+                                   ::fcntl(2, F_DUPFD_CLOEXEC, 100)};
+  for (const int number : {0, 1, 2}) ::close(number);
+  const Ran both = run(launcher, request({"both"}, ChildStreams::separate));
+  const Ran open = run(launcher, request({"descriptors"}));
+  const auto running = launcher.start(request({"stubborn"}, ChildStreams::separate));
+  const bool standardTaken = openDescriptors().front() < 3;
+  if (running) (*running)->kill();
+  for (const int number : {0, 1, 2}) {
+    ::dup2(kept[static_cast<std::size_t>(number)], number);
+    ::close(kept[static_cast<std::size_t>(number)]);
+  }
+  EXPECT_EQ(both.output, "to output\n");
+  EXPECT_EQ(both.error, "to error\n");
+  EXPECT_EQ(open.output, "0 1 2 stdin:empty");
+  EXPECT_FALSE(standardTaken) << "what this process prints would go down a pipe";
+}
+
+TEST(ProcessLauncherTest, SignalsAreUnblockedAndDefaultInTheChild) {
+  ProcessLauncherPosix launcher;
+  sigset_t blocked;
+  sigset_t before;
+  sigemptyset(&blocked);
+  sigaddset(&blocked, SIGTERM);
+  sigaddset(&blocked, SIGUSR1);
+  ASSERT_EQ(::pthread_sigmask(SIG_BLOCK, &blocked, &before), 0);
+  const auto pipeBefore = ::signal(SIGPIPE, SIG_IGN);
+  const auto hangUpBefore = ::signal(SIGHUP, SIG_IGN);
+  const Ran ran = run(launcher, request({"signals"}));
+  ::signal(SIGPIPE, pipeBefore);
+  ::signal(SIGHUP, hangUpBefore);
+  ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  EXPECT_EQ(ran.output, "done");
+}
+
+TEST(ProcessLauncherTest, ReportsHowAChildEnded) {
+  ProcessLauncherPosix launcher;
+  EXPECT_EQ(run(launcher, request({"exit", "42"})).fine, (ExitStatus{false, 42}));
+  EXPECT_EQ(run(launcher, request({"raise", "15"})).fine, (ExitStatus{true, SIGTERM}));
+  // A process may be started with SIGCHLD ignored; the launcher must still hear of its children.
+  const auto before = ::signal(SIGCHLD, SIG_IGN);
+  ProcessLauncherPosix late;
+  EXPECT_EQ(run(late, request({"exit", "7"})).fine, (ExitStatus{false, 7}));
+  ::signal(SIGCHLD, before);
+}
+
+TEST(ProcessLauncherTest, WhatCannotBeStarted) {
+  ProcessLauncherPosix launcher;
+  const auto before = openDescriptors();
+  const auto kind = [&](std::string percorso, std::vector<std::string> arguments = {}) {
+    const auto child = launcher.start({std::move(percorso), std::move(arguments), {}, {}});
+    return child ? ErrorKind::cancelled : child.error().kind;
+  };
+  EXPECT_EQ(kind("/no/such/program"), ErrorKind::missing);
+  EXPECT_EQ(kind("/tmp"), ErrorKind::denied);
+  EXPECT_EQ(kind("sh"), ErrorKind::invalid);
+  EXPECT_EQ(kind(""), ErrorKind::invalid);
+  EXPECT_EQ(kind(kChild, {std::string("a\0b", 3)}), ErrorKind::invalid);
+  EXPECT_EQ(kind(kChild, {std::string(8 << 20, 'x')}), ErrorKind::failed);
+  LaunchRequest badName = request({"environment", "A"});
+  badName.ambiente = {{"A=B", "c"}};
+  EXPECT_FALSE(launcher.start(badName));
+  EXPECT_EQ(openDescriptors(), before);
+  EXPECT_TRUE(noChildren());
+}
+
+TEST(ProcessLauncherTest, TerminateAsksAndKillEnds) {
+  ProcessLauncherPosix launcher;
+  const auto started = launcher.start(request({"stubborn"}));
+  ASSERT_TRUE(started);
+  ChildProcess& child = **started;
+  std::string nothing;
+  ASSERT_EQ(child.readOutput(nothing), ReadEnd::endOfFile);
+  child.terminate();
+  std::this_thread::sleep_for(50ms);
+  EXPECT_FALSE(child.ended());
+  std::thread waiter([&] { EXPECT_EQ(child.wait(), (ExitStatus{true, SIGKILL})); });
+  child.kill();
+  EXPECT_EQ(child.wait(), (ExitStatus{true, SIGKILL}));
+  waiter.join();
+  child.kill();
+  EXPECT_TRUE(noChildren());
+}
+
+TEST(ProcessLauncherTest, ReadingCanBeGivenUpWhileSomebodyHoldsTheStream) {
+  ProcessLauncherPosix launcher;
+  const auto started = launcher.start(request({"holder"}, ChildStreams::separate));
+  ASSERT_TRUE(started);
+  ChildProcess& child = **started;
+  std::string output;
+  std::string error;
+  ReadEnd outputEnd = ReadEnd::failed;
+  ReadEnd errorEnd = ReadEnd::failed;
+  std::thread outputReader([&] { outputEnd = child.readOutput(output); });
+  std::thread errorReader([&] { errorEnd = child.readError(error); });
+  EXPECT_EQ(child.wait(), (ExitStatus{false, 0}));
+  std::this_thread::sleep_for(50ms);
+  child.giveUpReading();
+  outputReader.join();
+  errorReader.join();
+  EXPECT_EQ(outputEnd, ReadEnd::givenUp);
+  EXPECT_EQ(errorEnd, ReadEnd::givenUp);
+  EXPECT_EQ(output, "said");
+  EXPECT_EQ(child.readOutput(output), ReadEnd::givenUp);
+}
+
+TEST(ProcessLauncherTest, AbandonedChildGoesOnAndIsCollectedAtItsEnd) {
+  ProcessLauncherPosix launcher;
+  const auto before = openDescriptors();
+  const auto begun = std::chrono::steady_clock::now();
+  for (int i = 0; i < 3; ++i) {
+    const auto child = launcher.start({"/bin/sleep", {"0.3"}, ChildStreams::separate, {}});
+    ASSERT_TRUE(child);
+  }
+  EXPECT_LT(std::chrono::steady_clock::now() - begun, 250ms);
+  EXPECT_FALSE(noChildren());
+  EXPECT_EQ(openDescriptors(), before);
+  EXPECT_TRUE(soon(noChildren));
+}
+
+TEST(ProcessLauncherTest, ManyThreadsStartingAtOnceLeakNothing) {
+  ProcessLauncherPosix launcher;
+  const auto before = openDescriptors();
+  std::atomic<int> right = 0;
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 8; ++t) {
+    threads.emplace_back([&, t] {
+      for (int i = 0; i < 10; ++i) {
+        const std::string mark = std::to_string(t) + "." + std::to_string(i);
+        if (run(launcher, request({"arguments", mark})).output == "[" + mark + "]") ++right;
+        if (run(launcher, request({"descriptors"})).output == "0 1 2 stdin:empty") ++right;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(right, 160);
+  EXPECT_EQ(openDescriptors(), before);
+  EXPECT_TRUE(noChildren());
+}
+
+TEST(ProcessLauncherTest, MuchOutputOnBothStreams) {
+  ProcessLauncherPosix launcher;
+  constexpr std::size_t kSize = 100 << 20;
+  const auto started = launcher.start(request({"flood", "100"}, ChildStreams::separate));
+  ASSERT_TRUE(started);
+  std::string output;
+  std::string error;
+  std::thread reader([&] { (*started)->readError(error); });
+  EXPECT_EQ((*started)->readOutput(output), ReadEnd::endOfFile);
+  reader.join();
+  EXPECT_EQ(output.size(), kSize);
+  EXPECT_EQ(error.size(), kSize);
+  EXPECT_EQ(output.find_first_not_of('o'), std::string::npos);
+  EXPECT_EQ(error.find_first_not_of('e'), std::string::npos);
+  EXPECT_EQ((*started)->wait(), (ExitStatus{false, 0}));
+}
+
+}  // namespace
+}  // namespace pellak::posix
