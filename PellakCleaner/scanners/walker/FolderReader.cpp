@@ -1,0 +1,80 @@
+#include "scanners/walker/FolderReader.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "scanners/walker/Folder.h"
+
+namespace pellak::walker {
+namespace {
+
+void appendNames(const std::vector<std::string>& names, EntryBatch& batch) {
+  for (const std::string& name : names) {
+    const std::size_t bytes = name.size() + 1;
+    if (bytes > EntryBatch::kBlockBytes) continue;
+    char* place = reinterpret_cast<char*>(batch.room(bytes).data());
+    std::copy_n(name.c_str(), bytes, place);
+    batch.keep(bytes);
+    batch.entries.push_back({{place, name.size()}, EntryType::unknown});
+  }
+}
+
+}  // namespace
+
+void tellRefusal(const Ambiente& ambiente, const Error& error, const PathOf& percorso) {
+  if (error.kind == ErrorKind::denied && ambiente.diniego) ambiente.diniego(percorso());
+}
+
+bool readBulk(const Ambiente& ambiente, const OpenFolder& open, const PathOf& percorso,
+              Listing& listing) {
+  auto opened = open();
+  if (!opened) {
+    tellRefusal(ambiente, opened.error(), percorso);
+    return false;
+  }
+  listing.handle = std::move(opened).value();
+  const Result<void> read = listing.handle->read(listing.batch);
+  if (read) return true;
+  tellRefusal(ambiente, read.error(), percorso);
+  listing.batch.clear();
+  return false;
+}
+
+bool readFolder(const Ambiente& ambiente, const OpenFolder& open, const PathOf& percorso,
+                Listing& listing) {
+  if (readBulk(ambiente, open, percorso, listing) &&
+      (!listing.batch.entries.empty() || ambiente.lister.emptyIsCertain())) {
+    return true;
+  }
+  if (!listing.handle) {
+    auto opened = open();
+    if (!opened) {
+      tellRefusal(ambiente, opened.error(), percorso);
+      return false;
+    }
+    listing.handle = std::move(opened).value();
+  }
+  const auto names = listing.handle->names();
+  if (!names) {
+    tellRefusal(ambiente, names.error(), percorso);
+    return false;
+  }
+  appendNames(*names, listing.batch);
+  return true;
+}
+
+std::optional<EntryAttributes> attributesOf(const Ambiente& ambiente, const Listing& listing,
+                                            std::size_t i, const PathOf& percorso) {
+  if (!listing.batch.attributes.empty()) return listing.batch.attributes[i];
+  const std::string_view name = listing.batch.entries[i].name;
+  auto asked = listing.handle->attributes(name.data());
+  if (asked) return *asked;
+  tellRefusal(ambiente, asked.error(), [&] {
+    std::string child = percorso();
+    appendName(child, name);
+    return child;
+  });
+  return std::nullopt;
+}
+
+}  // namespace pellak::walker

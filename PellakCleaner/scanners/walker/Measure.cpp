@@ -1,0 +1,108 @@
+#include <array>
+#include <atomic>
+#include <cstdlib>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+#include "scanners/walker/FolderReader.h"
+#include "scanners/walker/WalkCore.h"
+#include "scanners/walker/Walker.h"
+
+namespace pellak::walker {
+namespace {
+
+std::int64_t sum(std::int64_t a, std::int64_t b) {
+  std::int64_t total = 0;
+  if (__builtin_add_overflow(a, b, &total)) std::abort();
+  return total;
+}
+
+/// Sums what lies below each root. Workers add up by themselves and put their part to the root's
+/// total at the end of each piece of work.
+class MeasureClient final : public WalkClient {
+ public:
+  MeasureClient(const Ambiente& ambiente, std::size_t roots, const Misurata& misurata)
+      : ambiente_(ambiente), misurata_(misurata), roots_(roots) {}
+
+  bool onlyRegular() const override { return false; }
+  bool entersName(std::string_view) const override { return true; }
+  bool filtersPaths() const override { return false; }
+  bool entersPath(const std::string&) override { return true; }
+
+  bool entersRoot(std::size_t worker, std::size_t root, const std::string& percorso) override {
+    const auto attributes = ambiente_.lister.attributes(percorso);
+    if (!attributes) {
+      tellRefusal(ambiente_, attributes.error(), [&] { return percorso; });
+      roots_[root].present = false;
+      return false;
+    }
+    if (attributes->type == EntryType::directory) return true;
+    if (attributes->type != EntryType::link) parts_[worker].bytes = attributes->alloc;
+    return false;
+  }
+
+  void file(const FileSeen& seen, const EntryAttributes& attributes) override {
+    std::int64_t& bytes = parts_[seen.worker].bytes;
+    bytes = sum(bytes, attributes.alloc);
+  }
+
+  void added(std::size_t root, std::size_t pieces) override {
+    roots_[root].pieces.fetch_add(pieces, std::memory_order_relaxed);
+  }
+
+  void done(std::size_t worker, std::size_t root) override {
+    Root& r = roots_[root];
+    const std::int64_t part = std::exchange(parts_[worker].bytes, 0);
+    std::int64_t before = r.bytes.load(std::memory_order_relaxed);
+    while (!r.bytes.compare_exchange_weak(before, sum(before, part), std::memory_order_relaxed)) {
+    }
+    if (r.pieces.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
+    const std::int64_t bytes = r.bytes.load(std::memory_order_relaxed);
+    const std::lock_guard<std::mutex> hold(lock_);
+    misurata_(root, r.present ? std::optional(bytes) : std::nullopt);
+  }
+
+ private:
+  struct Root {
+    std::atomic<std::int64_t> bytes{0};
+    std::atomic<std::size_t> pieces{1};
+    bool present = true;
+  };
+  struct alignas(64) Part {
+    std::int64_t bytes = 0;
+  };
+
+  const Ambiente& ambiente_;
+  const Misurata& misurata_;
+  std::vector<Root> roots_;
+  std::array<Part, kMaxListings> parts_;
+  std::mutex lock_;
+};
+
+}  // namespace
+
+std::int64_t treeSize(const Ambiente& ambiente, std::string_view percorso, const Stop& stop) {
+  std::int64_t bytes = 0;
+  const Misurata keep = [&](std::size_t, std::optional<std::int64_t> b) { bytes = b.value_or(0); };
+  MeasureClient client(ambiente, 1, keep);
+  walkAlone(ambiente, stop, client, percorso);
+  return bytes;
+}
+
+void measureTrees(const Ambiente& ambiente, std::span<const std::string> percorsi, const Stop& stop,
+                  const Misurata& misurata) {
+  MeasureClient client(ambiente, percorsi.size(), misurata);
+  walkTogether(ambiente, stop, client, percorsi);
+}
+
+std::vector<std::optional<std::int64_t>> measureTrees(const Ambiente& ambiente,
+                                                      std::span<const std::string> percorsi,
+                                                      const Stop& stop) {
+  std::vector<std::optional<std::int64_t>> sizes(percorsi.size());
+  measureTrees(ambiente, percorsi, stop,
+               [&](std::size_t i, std::optional<std::int64_t> bytes) { sizes[i] = bytes; });
+  return sizes;
+}
+
+}  // namespace pellak::walker
