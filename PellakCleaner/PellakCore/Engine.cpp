@@ -1,0 +1,220 @@
+#include "PellakCore/Engine.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdlib>
+#include <utility>
+
+#include "PellakCore/Catalogo.h"
+
+namespace pellak {
+namespace {
+
+constexpr std::size_t kMaxRulesBytes = std::size_t{16} << 20U;
+constexpr std::size_t kMaxResultBytes = std::size_t{1} << 30U;
+/// Icons come in bursts; one write serves a burst.
+constexpr std::chrono::milliseconds kIconSaveDelay{2000};
+
+}  // namespace
+
+Engine::Engine(AmbienteEngine ambiente)
+    : ambiente_(std::move(ambiente)),
+      icone_(ambiente_.files, ambiente_.applicazioni, ambiente_.store.icone()) {
+  const MutexLock hold(lock_);
+  for (const Meta& meta : metas()) state_.emplace(meta.id, Sec());
+  const Result<std::string> salvati =
+      ambiente_.files.read(ambiente_.store.risultati(), kMaxResultBytes);
+  if (salvati) {
+    if (!leggiRisultati(*salvati, state_)) {
+      avvisa("risultati salvati illeggibili: si riparte da zero");
+    }
+  }
+  icone_.carica();
+}
+
+Engine::~Engine() {
+  stop();
+  attendiFine();
+  if (!icone_.salva()) avvisa("icone non salvate");
+}
+
+void Engine::avvisa(const std::string& testo) const {
+  if (ambiente_.avviso) ambiente_.avviso(testo);
+}
+
+bool Engine::start(std::string_view sezione, bool automatica) {
+  {
+    const MutexLock hold(lock_);
+    if (occupatoLocked()) return false;
+    stopFlag_ = false;
+    autoPending_ = automatica;
+    for (const Meta& meta : metas()) {
+      if (sezione == "all" || sezione == meta.id) queue_.emplace_back(meta.id);
+    }
+    touchLocked();
+  }
+  workQ_.post([this] { eseguiCoda(); });
+  return true;
+}
+
+void Engine::stop() noexcept { stopFlag_ = true; }
+
+void Engine::attendiFine() { workQ_.drain(); }
+
+void Engine::attendiFine(std::chrono::milliseconds attesa) { workQ_.drainFor(attesa); }
+
+bool Engine::occupato() {
+  const MutexLock hold(lock_);
+  return occupatoLocked();
+}
+
+void Engine::touch() {
+  const MutexLock hold(lock_);
+  touchLocked();
+}
+
+void Engine::touchLocked() {
+  if (__builtin_add_overflow(stateVer_, 1, &stateVer_)) std::abort();
+  cachedState_ = nullptr;
+}
+
+bool Engine::occupatoLocked() const {
+  return !queue_.empty() || std::any_of(state_.begin(), state_.end(),
+                                        [](const auto& voce) { return voce.second.scanning; });
+}
+
+std::shared_ptr<const Snapshot> Engine::snapshot() {
+  const MutexLock hold(lock_);
+  if (cachedState_ == nullptr) cachedState_ = costruisciLocked();
+  return cachedState_;
+}
+
+std::shared_ptr<const Snapshot> Engine::costruisciLocked() {
+  auto nuovo = std::make_shared<Snapshot>();
+  nuovo->ver = stateVer_;
+  nuovo->busy = occupatoLocked();
+  nuovo->testo.add("{\"sections\":[");
+  const IconaNota icona = [this](std::string_view chiave) { return icone_.nota(chiave); };
+  for (const Meta& meta : metas()) {
+    const Sec& sezione = state_.find(meta.id)->second;
+    const bool inCoda = std::find(queue_.begin(), queue_.end(), meta.id) != queue_.end();
+    RiassuntoSezione riassunto{
+        std::string(meta.id), std::string(meta.name), sezione.status, sezione.scanning, inCoda, 0,
+        sezione.totale(),     sezione.lastScan};
+    for (const Finding& finding : sezione.findings) riassunto.voci += finding.quante();
+    statoTesto_.scriviSezione(nuovo->testo, meta, sezione, inCoda, nuovo->sezioni.empty(), icona);
+    nuovo->sezioni.push_back(std::move(riassunto));
+  }
+  nuovo->testo.add(std::string("],\"busy\":") + (nuovo->busy ? "true" : "false") +
+                   ",\"ver\":" + std::to_string(nuovo->ver) + "}");
+  return nuovo;
+}
+
+void Engine::save() {
+  const MutexLock ordine(saveLock_);
+  std::string testo;
+  {
+    const MutexLock hold(lock_);
+    testo = scriviRisultati(state_);
+  }
+  const auto blocco = ambiente_.files.lock(ambiente_.store.blocco());
+  Result<void> scritto;
+  if (blocco) {
+    const std::array<std::string_view, 1> pezzi = {testo};
+    scritto = ambiente_.files.replace(ambiente_.store.risultati(), pezzi);
+  } else {
+    scritto = blocco.error();
+  }
+  if (!scritto) avvisa("risultati non salvati: " + scritto.error().text);
+}
+
+void Engine::invalidaDisco() { touch(); }
+
+Regole Engine::effectiveRules() const {
+  Regole regole;
+  const Result<std::string> testo = ambiente_.files.read(ambiente_.rulesPath, kMaxRulesBytes);
+  Result<Regole> lette = testo ? leggiRegole(*testo) : Result<Regole>(testo.error());
+  if (lette) {
+    regole = std::move(*lette);
+  } else {
+    avvisa("file delle regole illeggibile (" + ambiente_.rulesPath + "): " + lette.error().text);
+  }
+  return conImpostazioni(std::move(regole), ambiente_.impostazioni.leggi());
+}
+
+const Finding* Engine::cercaLocked(std::string_view id) const {
+  for (const Meta& meta : metas()) {
+    for (const Finding& finding : state_.find(meta.id)->second.findings) {
+      if (finding.id == id) return &finding;
+    }
+  }
+  return nullptr;
+}
+
+std::optional<PaginaVoci> Engine::voci(std::string_view finding, OrdineVoci ordine, std::int64_t da,
+                                       std::int64_t quante) {
+  const MutexLock hold(lock_);
+  const Finding* trovato = cercaLocked(finding);
+  if (trovato == nullptr) return {};
+  PaginaVoci pagina;
+  pagina.count = static_cast<std::int64_t>(trovato->items.size());
+  pagina.da = std::max<std::int64_t>(da, 0);
+  const auto prima = static_cast<std::size_t>(std::min(pagina.da, pagina.count));
+  const auto numero = std::min(static_cast<std::size_t>(std::max<std::int64_t>(quante, 0)),
+                               trovato->items.size() - prima);
+  for (const std::size_t indice : paginaOrdinata(trovato->items, ordine, prima, numero)) {
+    pagina.items.push_back(trovato->items[indice]);
+  }
+  return pagina;
+}
+
+std::optional<std::vector<std::string>> Engine::percorsiGruppo(std::string_view finding,
+                                                               std::int64_t indice) {
+  const MutexLock hold(lock_);
+  const Finding* trovato = cercaLocked(finding);
+  if (trovato == nullptr || indice < 0) return {};
+  const auto posto = static_cast<std::size_t>(indice);
+  if (posto >= trovato->groups.size()) return {};
+  return trovato->groups[posto].paths;
+}
+
+std::vector<Engine::FindingDiSezione> Engine::findings(std::string_view sezione) {
+  const MutexLock hold(lock_);
+  std::vector<FindingDiSezione> copie;
+  for (const Meta& meta : metas()) {
+    if (!sezione.empty() && meta.id != sezione) continue;
+    for (const Finding& finding : state_.find(meta.id)->second.findings) {
+      copie.push_back({std::string(meta.id), finding});
+    }
+  }
+  return copie;
+}
+
+std::string Engine::icona(std::string_view chiave) {
+  const bool nuova = icone_.nota(chiave).empty();
+  std::string url = icone_.icona(chiave);
+  if (nuova && !url.empty()) {
+    const MutexLock hold(lock_);
+    // Written findings carry the icons that were known then.
+    for (auto& [id, sezione] : state_) {
+      const bool conIcone = std::any_of(
+          sezione.findings.begin(), sezione.findings.end(),
+          [](const Finding& finding) { return !finding.groups.empty() && !finding.duplicati(); });
+      if (conIcone) ++sezione.findingsVer;
+    }
+    touchLocked();
+  }
+  if (icone_.daSalvare()) salvaIconePoi();
+  return url;
+}
+
+void Engine::salvaIconePoi() {
+  if (iconeInAttesa_.exchange(true)) return;
+  workQ_.postAfter(kIconSaveDelay, [this] {
+    iconeInAttesa_ = false;
+    if (!icone_.salva()) avvisa("icone non salvate");
+  });
+}
+
+}  // namespace pellak

@@ -1,0 +1,167 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "PellakCore/IconCache.h"
+#include "PellakCore/Impostazioni.h"
+#include "PellakCore/OrdineVoci.h"
+#include "PellakCore/Regole.h"
+#include "PellakCore/Risultati.h"
+#include "PellakCore/ScanContext.h"
+#include "PellakCore/Snapshot.h"
+#include "PellakCore/StatoTesto.h"
+#include "PellakCore/Store.h"
+#include "PellakCore/base/Mutex.h"
+#include "PellakCore/base/SerialQueue.h"
+#include "platform/Applications.h"
+#include "platform/Clock.h"
+#include "platform/DirectoryLister.h"
+#include "platform/Files.h"
+
+namespace pellak {
+
+/// What the engine works with. The references outlive it.
+struct AmbienteEngine {
+  Files& files;
+  Clock& clock;
+  DirectoryLister& lister;
+  Applications& applicazioni;
+  Impostazioni& impostazioni;
+  Store store;
+  std::string rulesPath;
+  TabellaScanner scanner;
+  /// One line about something the user should know and no reply carries (results not saved).
+  /// Any thread.
+  std::function<void(const std::string&)> avviso;
+  /// Called on the engine's queue when a scan started by the periodic check is over.
+  std::function<void(const Snapshot&)> controlloFinito;
+};
+
+/// One page of a finding's entries.
+struct PaginaVoci {
+  std::int64_t count = 0;  ///< all entries of the finding
+  std::int64_t da = 0;
+  std::vector<Voce> items;
+};
+
+/// Owns what the page shows about the disk: the scan state and the findings of every section,
+/// the queue of sections to scan, the saved results and the icons.
+///
+/// Every function may be called from any thread. One lock guards the state; it is never held
+/// while a scanner runs, a file is written or an icon drawn. Scans run on one serial queue.
+/// Destroying the engine stops a running scan and waits for it.
+class Engine {
+ public:
+  /// Loads the saved results and icons.
+  explicit Engine(AmbienteEngine ambiente);
+  ~Engine();
+  Engine(const Engine&) = delete;
+  Engine& operator=(const Engine&) = delete;
+
+  /// Queues the scan of one section of the catalogue, or of all of them ("all"). False when a
+  /// scan is queued or running; then nothing changes. `automatica` marks the periodic check's.
+  bool start(std::string_view sezione, bool automatica = false);
+
+  /// Asks the running scan to stop. Takes no lock and returns at once.
+  void stop() noexcept;
+
+  /// Waits until no scan is queued or running and its results are written. Not from the engine's
+  /// own queue.
+  void attendiFine();
+  /// The same for at most `attesa`.
+  void attendiFine(std::chrono::milliseconds attesa);
+
+  /// Whether a scan is queued or running.
+  bool occupato();
+
+  /// The current state; the same object while nothing moved.
+  std::shared_ptr<const Snapshot> snapshot();
+
+  /// Makes the next snapshot a new one. For whoever changed what the page shows.
+  void touch();
+
+  /// Writes all results to the results file, replacing it at once. A failure is announced
+  /// through `avviso` and leaves the old file.
+  void save();
+
+  /// Drops what is derived from the disk's contents; called before every route that changes
+  /// findings.
+  void invalidaDisco();
+
+  /// The rules file with the user's settings over it; default rules when the file can't be read.
+  Regole effectiveRules() const;
+
+  /// One page of a finding's entries; nothing when no section has that finding.
+  std::optional<PaginaVoci> voci(std::string_view finding, OrdineVoci ordine, std::int64_t da,
+                                 std::int64_t quante);
+
+  /// The paths of one group; nothing when the finding or the index is not there.
+  std::optional<std::vector<std::string>> percorsiGruppo(std::string_view finding,
+                                                         std::int64_t indice);
+
+  /// Copies of the findings of one section, or of all of them when `sezione` is empty.
+  struct FindingDiSezione {
+    std::string sezione;
+    Finding finding;
+  };
+  std::vector<FindingDiSezione> findings(std::string_view sezione = {});
+
+  /// The icon of an application as a data URL; empty when there is none.
+  std::string icona(std::string_view chiave);
+
+  const Store& store() const { return ambiente_.store; }
+
+ private:
+  struct Esito {
+    std::vector<Finding> findings;
+    std::string errore;  ///< text of the last category that failed
+  };
+
+  void eseguiCoda();
+  bool prossimaSezione(std::string& id);
+  void scandisci(const std::string& id);
+  Esito raccogli(const Meta& meta, const ScanContext& contesto);
+  void eseguiCategoria(const std::function<std::vector<Finding>()>& scanner, Esito& esito);
+  static std::vector<const RegolaCategoria*> categorie(const Meta& meta, const Regole& regole);
+  void pubblica(const std::string& id, Esito esito, const Contatore& contatore);
+  void interrompi(const std::string& id);
+  void concludi(const std::string& id);
+  void fineCoda();
+  void mostraStato(const std::string& id, std::string stato);
+  void avvisa(const std::string& testo) const;
+  void salvaIconePoi();
+
+  void touchLocked() PELLAK_REQUIRES(lock_);
+  bool occupatoLocked() const PELLAK_REQUIRES(lock_);
+  const Finding* cercaLocked(std::string_view id) const PELLAK_REQUIRES(lock_);
+  std::shared_ptr<const Snapshot> costruisciLocked() PELLAK_REQUIRES(lock_);
+
+  const AmbienteEngine ambiente_;
+  IconCache icone_;
+  std::atomic<bool> stopFlag_{false};
+  std::atomic<bool> iconeInAttesa_{false};
+
+  /// Orders whole saves, so that an older state never replaces a newer one. Taken before `lock_`.
+  Mutex saveLock_;
+  Mutex lock_;
+  Sezioni state_ PELLAK_GUARDED_BY(lock_);
+  std::deque<std::string> queue_ PELLAK_GUARDED_BY(lock_);
+  bool autoPending_ PELLAK_GUARDED_BY(lock_) = false;
+  std::int64_t stateVer_ PELLAK_GUARDED_BY(lock_) = 1;
+  StatoTesto statoTesto_ PELLAK_GUARDED_BY(lock_);
+  std::shared_ptr<const Snapshot> cachedState_ PELLAK_GUARDED_BY(lock_);
+
+  /// Last, so that it is joined before what its tasks use goes away.
+  SerialQueue workQ_{"pellak.engine"};
+};
+
+}  // namespace pellak

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/Result.h"
+
+namespace pellak {
+
+class Config;
+
+/// One entry of the rules file's "categories": where a category's files lie and what may be done
+/// with them. Keys that are absent or of another type have the values below. Paths may begin
+/// with "~".
+struct RegolaCategoria {
+  std::string id;
+  std::string name;
+  std::string mode = "report";
+  std::string note;
+  double minAgeDays = 0;             ///< 0 or less: no age filter
+  std::string childrenOf;            ///< every direct child of this folder is a candidate
+  std::vector<std::string> glob;     ///< folder + "/*." + extension
+  std::string section;               ///< joins this section after the catalogue's own categories
+  std::vector<std::string> folders;  ///< further folders like `childrenOf`
+  std::vector<std::string> paths;    ///< files or folders that are candidates themselves
+};
+
+/// The rules file's "duplicates". The exclusions serve the large and old files too.
+struct RegoleDuplicati {
+  std::int64_t minSizeMb = 5;
+  std::vector<std::string> roots;
+  std::vector<std::string> excludeDirNames;
+  std::vector<std::string> excludeBundleSuffixes;
+  std::vector<std::string> excludePaths;
+};
+
+/// The rules file's "large_old".
+struct RegoleGrandi {
+  double minSizeMb = 200;
+  double minAgeDays = 180;
+  std::vector<std::string> roots;
+  std::int64_t top = 25;
+};
+
+/// The rules a scan works by. A default-made record is what a missing rules file means: the
+/// scanners of their own still run.
+struct Regole {
+  std::vector<RegolaCategoria> categorie;
+  RegoleDuplicati duplicati;
+  RegoleGrandi grandi;
+
+  const RegolaCategoria* cerca(std::string_view id) const;
+};
+
+/// Reads a rules document, leniently inside. Error (invalid) when the text is no JSON object.
+Result<Regole> leggiRegole(std::string_view testo);
+
+/// The rules with the user's settings written over them.
+Regole conImpostazioni(Regole regole, const Config& impostazioni);
+
+}  // namespace pellak

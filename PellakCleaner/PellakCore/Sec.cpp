@@ -1,0 +1,27 @@
+#include "PellakCore/Sec.h"
+
+#include <algorithm>
+
+#include "PellakCore/base/Formati.h"
+
+namespace pellak {
+
+std::int64_t Sec::totale() const {
+  std::int64_t somma = 0;
+  for (const Finding& finding : findings) somma = sommaSicura(somma, finding.totale());
+  return somma;
+}
+
+bool Sec::haVoci() const {
+  return std::any_of(findings.begin(), findings.end(),
+                     [](const Finding& finding) { return !finding.vuoto(); });
+}
+
+std::string statoFinale(const Sec& sezione) {
+  if (sezione.haVoci()) return "Recuperabili " + dimensione(sezione.totale()) + ".";
+  if (sezione.denied < 1) return "Niente da segnalare.";
+  return "ATTENZIONE: " + std::to_string(sezione.denied) +
+         " percorsi non leggibili. Probabile mancanza di permessi, non disco pulito.";
+}
+
+}  // namespace pellak

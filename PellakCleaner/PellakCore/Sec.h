@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "PellakCore/Contatore.h"
+#include "PellakCore/Finding.h"
+
+namespace pellak {
+
+/// Scan state of one section. Guarded by the engine's lock.
+struct Sec {
+  bool scanning = false;  ///< a scan of this section runs now
+  bool scanned = false;   ///< at least one scan ended, or results were loaded
+  std::string status;
+  std::int64_t denied = 0;  ///< paths the last scan could not read
+  std::vector<RadiceNegata> deniedTop;
+  double lastScan = 0;  ///< seconds since 1970; 0 when never scanned
+  std::vector<Finding> findings;
+  /// Moves whenever `findings` or the icons they show change; the written form of the findings
+  /// is kept by it.
+  std::uint64_t findingsVer = 0;
+
+  std::int64_t totale() const;
+  bool haVoci() const;
+};
+
+/// The result line of a section whose scan ended.
+std::string statoFinale(const Sec& sezione);
+
+}  // namespace pellak

@@ -1,0 +1,169 @@
+#include "PellakCore/StatoTesto.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace pellak {
+namespace {
+
+/// Typical bytes of one written entry, for reserving room before writing.
+constexpr std::size_t kBytePerVoce = 200;
+
+void scriviDimensione(JsonWriter& uscita, std::string_view chiave, std::int64_t byte) {
+  uscita.key(chiave).openText();
+  appendDimensione(uscita.uscita(), byte);
+  uscita.closeText();
+}
+
+void scriviTesti(JsonWriter& uscita, std::string_view chiave,
+                 const std::vector<std::string>& testi) {
+  uscita.key(chiave).beginArray();
+  for (const std::string& testo : testi) uscita.text(testo);
+  uscita.endArray();
+}
+
+/// What the icon of a group is looked up by: the first of these that is there.
+std::string_view chiaveIcona(const Group& gruppo) {
+  if (!gruppo.bundle.empty()) return gruppo.bundle;
+  return gruppo.prog;
+}
+
+void scriviGruppo(JsonWriter& uscita, const Finding& finding, const Group& gruppo,
+                  const IconaNota& icona) {
+  const bool sistema = gruppo.dominio == "system" || finding.kind == "avvio-sys";
+  const std::string_view chiave = chiaveIcona(gruppo);
+  uscita.beginObject();
+  uscita.key("name").text(gruppo.name);
+  uscita.key("bundle").text(gruppo.bundle);
+  uscita.key("size").integer(gruppo.size);
+  scriviDimensione(uscita, "size_h", gruppo.size);
+  uscita.key("icon_src").text(chiave.empty() ? std::string() : icona(chiave));
+  uscita.key("url").text(gruppo.url);
+  uscita.key("spento").boolean(gruppo.spento);
+  uscita.key("admin").boolean(sistema);
+  uscita.key("system").boolean(sistema);
+  if (!gruppo.desc.empty()) uscita.key("desc").text(gruppo.desc);
+  uscita.key("pesi").beginArray();
+  for (const std::int64_t peso : gruppo.pesi) uscita.integer(peso);
+  uscita.endArray();
+  scriviTesti(uscita, "deboli", gruppo.deboli);
+  scriviTesti(uscita, "paths", gruppo.paths);
+  if (finding.duplicati()) {
+    uscita.key("waste").integer(recuperabili(gruppo));
+    scriviDimensione(uscita, "waste_h", recuperabili(gruppo));
+  }
+  uscita.endObject();
+}
+
+std::string scriviFindings(const Sec& sezione, FormatoData& date, const IconaNota& icona) {
+  JsonWriter uscita;
+  std::size_t voci = 1;
+  for (const Finding& finding : sezione.findings) voci += finding.items.size();
+  uscita.reserve(voci * kBytePerVoce);
+  uscita.beginArray();
+  for (const Finding& finding : sezione.findings) scriviFinding(uscita, finding, date, icona);
+  uscita.endArray();
+  return uscita.take();
+}
+
+void scriviConteggi(JsonWriter& uscita, const Meta& meta, const Sec& sezione) {
+  for (const Finding& finding : sezione.findings) {
+    const auto gruppi = static_cast<std::int64_t>(finding.groups.size());
+    if (finding.id == "apps") {
+      uscita.key("apps_n").integer(gruppi);
+      scriviDimensione(uscita, "apps_h", finding.totale());
+    } else if (finding.id == "updates") {
+      uscita.key("updates_n").integer(gruppi);
+    }
+  }
+  if (meta.id != "avvio") return;
+  std::int64_t elementi = 0;
+  for (const Finding& finding : sezione.findings) {
+    elementi += static_cast<std::int64_t>(finding.groups.size());
+  }
+  uscita.key("avvio_n").integer(elementi);
+}
+
+}  // namespace
+
+void scriviVoce(JsonWriter& uscita, const Voce& voce, FormatoData& date) {
+  uscita.beginObject();
+  uscita.key("path").text(voce.path);
+  uscita.key("size").integer(voce.size);
+  scriviDimensione(uscita, "size_h", voce.size);
+  uscita.key("when").openText();
+  date.append(uscita.uscita(), voce.mtime);
+  uscita.closeText();
+  uscita.key("mtime").number(voce.mtime);
+  uscita.endObject();
+}
+
+void scriviFinding(JsonWriter& uscita, const Finding& finding, FormatoData& date,
+                   const IconaNota& icona) {
+  uscita.beginObject();
+  uscita.key("id").text(finding.id);
+  uscita.key("name").text(finding.name);
+  uscita.key("mode").text(finding.mode);
+  uscita.key("note").text(finding.note);
+  uscita.key("hint").text(finding.hint);
+  uscita.key("unmeasured").boolean(finding.unmeasured);
+  uscita.key("total").integer(finding.totale());
+  scriviDimensione(uscita, "total_h", finding.totale());
+  uscita.key("count").integer(finding.quante());
+  uscita.key("kind").text(finding.kind);
+  uscita.key("items").beginArray();
+  for (const Voce& voce : finding.items) scriviVoce(uscita, voce, date);
+  uscita.endArray();
+  uscita.key("groups").beginArray();
+  for (const Group& gruppo : finding.groups) scriviGruppo(uscita, finding, gruppo, icona);
+  uscita.endArray();
+  uscita.endObject();
+}
+
+const StatoTesto::Scritto& StatoTesto::findings(const Meta& meta, const Sec& sezione,
+                                                const IconaNota& icona) {
+  Scritto& scritto = scritti_[meta.id];
+  if (scritto.testo == nullptr || scritto.findingsVer != sezione.findingsVer) {
+    scritto.testo = std::make_shared<const std::string>(scriviFindings(sezione, date_, icona));
+    scritto.totale = sezione.totale();
+    scritto.findingsVer = sezione.findingsVer;
+  }
+  return scritto;
+}
+
+void StatoTesto::scriviSezione(Rope& uscita, const Meta& meta, const Sec& sezione, bool inCoda,
+                               bool primo, const IconaNota& icona) {
+  const Scritto& scritto = findings(meta, sezione, icona);
+  JsonWriter testa;
+  testa.beginObject();
+  testa.key("id").text(meta.id);
+  testa.key("name").text(meta.name);
+  testa.key("desc").text(meta.desc);
+  testa.key("scanning").boolean(sezione.scanning);
+  testa.key("scanned").boolean(sezione.scanned);
+  testa.key("queued").boolean(inCoda);
+  testa.key("status").text(sezione.status);
+  testa.key("denied").integer(sezione.denied);
+  testa.key("denied_top").beginArray();
+  for (const RadiceNegata& radice : sezione.deniedTop) {
+    testa.beginObject();
+    testa.key("cartella").text(radice.cartella);
+    testa.key("quanti").integer(radice.quanti);
+    testa.endObject();
+  }
+  testa.endArray();
+  testa.key("last_scan").number(sezione.lastScan);
+  testa.key("total").integer(scritto.totale);
+  scriviDimensione(testa, "total_h", scritto.totale);
+  testa.key("findings");
+  uscita.add((primo ? "" : ",") + testa.take());
+  uscita.add(scritto.testo);
+
+  // Members after the findings; the writer starts in the middle of the object.
+  JsonWriter coda;
+  scriviConteggi(coda, meta, sezione);
+  std::string resto = coda.take();
+  uscita.add((resto.empty() ? "" : ",") + resto + "}");
+}
+
+}  // namespace pellak

@@ -1,0 +1,14 @@
+#include "PellakCore/Store.h"
+
+#include <utility>
+
+namespace pellak {
+
+Store::Store(std::string home)
+    : home_(std::move(home)), cartella_(home_ + "/Library/Application Support/PellakCleaner") {}
+
+std::string Store::loginItem() const {
+  return home_ + "/Library/LaunchAgents/com.pellaklab.cleaner.plist";
+}
+
+}  // namespace pellak

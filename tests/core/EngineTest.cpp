@@ -1,0 +1,294 @@
+#include <filesystem>
+#include <future>
+#include <gtest/gtest.h>
+#include <stdexcept>
+#include <thread>
+
+#include "PellakCore/Catalogo.h"
+#include "PellakCore/Engine.h"
+#include "PellakCore/base/Json.h"
+#include "PellakCore/base/ScanCancelled.h"
+#include "fakes/CartellaTemporanea.h"
+#include "fakes/FakeApplications.h"
+#include "fakes/FakeClock.h"
+#include "fakes/MemoryLister.h"
+#include "platform/posix/FilesPosix.h"
+
+namespace pellak {
+namespace {
+
+Finding finding(const std::string& id, std::int64_t size) {
+  Finding trovato;
+  trovato.id = id;
+  trovato.name = id;
+  trovato.mode = "delete";
+  if (size > 0) trovato.items = {{"/h/" + id, size, 1}};
+  return trovato;
+}
+
+class EngineTest : public testing::Test {
+ protected:
+  EngineTest() {
+    fakes::scriviFile(regole, R"({"categories":[
+      {"id":"npm-cache","name":"Cache di npm"},{"id":"extra","name":"Extra","section":"sviluppo"},
+      {"id":"brew-cache","name":"Brew"},{"id":"old-installers","name":"Vecchi","min_age_days":1}],
+      "large_old":{"top":9}})");
+  }
+
+  /// A special scanner that finds one item of one KiB.
+  void speciale(
+      const std::string& id,
+      std::function<void(const ScanContext&)> prima = [](const ScanContext&) {}) {
+    tabella.speciali[id] = {"Stato di " + id, [id, prima](const ScanContext& contesto) {
+                              prima(contesto);
+                              return std::vector<Finding>{finding(id, 1024)};
+                            }};
+  }
+
+  std::unique_ptr<Engine> crea() {
+    return std::make_unique<Engine>(AmbienteEngine{
+        files, clock, lister, applicazioni, impostazioni, store, regole, tabella,
+        [this](const std::string& testo) { avvisi.push_back(testo); },
+        [this](const Snapshot& stato) { controlli.push_back(stato.sezioni.size()); }});
+  }
+
+  static const RiassuntoSezione& sezione(const Snapshot& stato, const std::string& id) {
+    for (const RiassuntoSezione& riassunto : stato.sezioni) {
+      if (riassunto.id == id) return riassunto;
+    }
+    throw std::logic_error(id);
+  }
+
+  fakes::CartellaTemporanea home;
+  posix::FilesPosix files;
+  fakes::FakeClock clock{1'750'000'000};
+  fakes::MemoryLister lister;
+  fakes::FakeApplications applicazioni;
+  Store store{home.percorso()};
+  Impostazioni impostazioni{files, store};
+  std::string regole = home / "regole.json";
+  TabellaScanner tabella;
+  std::vector<std::string> avvisi;
+  std::vector<std::size_t> controlli;
+};
+
+TEST_F(EngineTest, ScansAllSectionsInOrderAndKeepsTheResults) {
+  std::vector<std::string> ordine;
+  std::vector<std::string> stati;
+  tabella.regole = [&](const ScanContext&, const RegolaCategoria& regola) {
+    ordine.push_back(regola.id);
+    return finding(regola.id, regola.id == "brew-cache" ? 0 : 2048);
+  };
+  for (const Meta& meta : metas()) {
+    for (const auto id : meta.specials) {
+      speciale(std::string(id), [&ordine, id](const ScanContext&) { ordine.emplace_back(id); });
+    }
+  }
+  {
+    const auto engine = crea();
+    EXPECT_FALSE(engine->snapshot()->busy);
+    ASSERT_TRUE(engine->start("all"));
+    engine->attendiFine();
+    const auto stato = engine->snapshot();
+    EXPECT_FALSE(stato->busy);
+    EXPECT_EQ(sezione(*stato, "sviluppo").status, "Recuperabili 6.0 KiB.");
+    EXPECT_EQ(sezione(*stato, "sviluppo").lastScan, 1'750'000'000);
+    EXPECT_EQ(engine->findings("sviluppo").size(), 4U) << "the empty finding is left out";
+  }
+  const std::vector<std::string> attesi = {
+      "brew-cache",      "npm-cache",     "extra",          "orphan-node-modules",
+      "docker-disk",     "app-updates",   "apps",           "app-leftovers",
+      "duplicates",      "large-old",     "old-installers", "user-caches",
+      "electron-caches", "trash-volumes", "saved-states",   "ds-store",
+      "browser-privacy", "recent-items",  "startup-user",   "startup-system",
+      "tm-snapshots"};
+  EXPECT_EQ(ordine, attesi);
+  const auto riaperto = crea();
+  EXPECT_EQ(sezione(*riaperto->snapshot(), "sviluppo").status, "Recuperabili 6.0 KiB.");
+  EXPECT_EQ(riaperto->findings().size(), 20U);
+  EXPECT_TRUE(avvisi.empty());
+}
+
+TEST_F(EngineTest, WhileAScanRunsASecondIsRefusedAndTheLockIsFree) {
+  std::promise<void> dentro;
+  std::promise<void> avanti;
+  speciale("large-old", [&](const ScanContext&) {
+    dentro.set_value();
+    avanti.get_future().wait();
+  });
+  const auto engine = crea();
+  ASSERT_TRUE(engine->start("all"));
+  dentro.get_future().wait();
+  const auto stato = engine->snapshot();
+  EXPECT_FALSE(engine->start("all"));
+  EXPECT_FALSE(engine->start("privacy"));
+  EXPECT_EQ(engine->snapshot(), stato) << "a refused start changes nothing";
+  EXPECT_TRUE(stato->busy);
+  EXPECT_TRUE(sezione(*stato, "grandi").scanning);
+  EXPECT_EQ(sezione(*stato, "grandi").status, "Stato di large-old");
+  EXPECT_TRUE(sezione(*stato, "pulizia").queued);
+  EXPECT_FALSE(sezione(*stato, "duplicati").queued);
+  avanti.set_value();
+  engine->attendiFine();
+  EXPECT_FALSE(engine->snapshot()->busy);
+}
+
+TEST_F(EngineTest, StopEndsTheRunningSectionAndLeavesTheRestUntouched) {
+  speciale("apps");
+  std::unique_ptr<Engine> engine;
+  speciale("duplicates", [&](const ScanContext& contesto) {
+    engine->stop();
+    if (contesto.stop()) throw ScanCancelled();
+  });
+  engine = crea();
+  engine->start("all");
+  engine->attendiFine();
+  const auto stato = engine->snapshot();
+  EXPECT_FALSE(stato->busy);
+  EXPECT_EQ(sezione(*stato, "applicazioni").status, "Recuperabili 1.0 KiB.");
+  EXPECT_EQ(sezione(*stato, "duplicati").status, "Scansione interrotta.");
+  EXPECT_EQ(sezione(*stato, "grandi").status, "");
+  EXPECT_FALSE(sezione(*stato, "grandi").queued);
+  EXPECT_TRUE(engine->start("applicazioni")) << "a stopped engine takes the next scan";
+  engine->attendiFine();
+}
+
+TEST_F(EngineTest, RefusalsTurnAnEmptySectionIntoAWarning) {
+  tabella.speciali["recent-items"] = {"...", [](const ScanContext&) {
+                                        for (int i = 0; i < 3; ++i) registraDiniego("/x/y/z/w");
+                                        return std::vector<Finding>{finding("recent-items", 0)};
+                                      }};
+  const auto engine = crea();
+  engine->start("privacy");
+  engine->attendiFine();
+  EXPECT_EQ(sezione(*engine->snapshot(), "privacy").status,
+            "ATTENZIONE: 3 percorsi non leggibili. Probabile mancanza di permessi, non disco "
+            "pulito.");
+  EXPECT_NE(engine->snapshot()->testo.str().find(R"([{"cartella":"/x/y/z","quanti":3}])"),
+            std::string::npos);
+  engine->start("avvio");
+  engine->attendiFine();
+  EXPECT_EQ(sezione(*engine->snapshot(), "avvio").status, "Niente da segnalare.");
+}
+
+TEST_F(EngineTest, AFailingCategoryIsSkippedAndKeepsWhatItHadFound) {
+  bool guasto = false;
+  speciale("apps", [&](const ScanContext&) {
+    if (guasto) throw std::runtime_error("disco in fiamme");
+  });
+  speciale("app-leftovers");
+  const auto engine = crea();
+  engine->start("applicazioni");
+  engine->attendiFine();
+  guasto = true;
+  engine->start("applicazioni");
+  engine->attendiFine();
+  EXPECT_EQ(sezione(*engine->snapshot(), "applicazioni").status, "Errore: disco in fiamme");
+  EXPECT_EQ(engine->findings("applicazioni").size(), 2U);
+}
+
+TEST_F(EngineTest, SnapshotIsTheSameObjectUntilSomethingMoves) {
+  const auto engine = crea();
+  const auto primo = engine->snapshot();
+  EXPECT_EQ(engine->snapshot(), primo);
+  engine->touch();
+  const auto secondo = engine->snapshot();
+  EXPECT_NE(secondo, primo);
+  EXPECT_EQ(secondo->ver, primo->ver + 1);
+  const auto documento = JsonDocument::parse(secondo->testo.str());
+  ASSERT_TRUE(documento.ok());
+  EXPECT_EQ(documento->radice()["sections"].quanti(), 8U);
+  EXPECT_EQ(documento->radice().intero("ver", 0), secondo->ver);
+}
+
+TEST_F(EngineTest, OnlyThePeriodicCheckIsReported) {
+  const auto engine = crea();
+  engine->start("all");
+  engine->attendiFine();
+  EXPECT_TRUE(controlli.empty());
+  engine->start("all", true);
+  engine->attendiFine();
+  EXPECT_EQ(controlli, std::vector<std::size_t>{8});
+  engine->start("avvio");
+  engine->attendiFine();
+  EXPECT_EQ(controlli.size(), 1U);
+}
+
+TEST_F(EngineTest, SettingsAreWrittenOverTheRules) {
+  const auto corpo = JsonDocument::parse(
+      R"({"installer_age_days":90,"dup_min_mb":7,"large_min_mb":300,"dup_exclude":["/no"]})");
+  ASSERT_TRUE(impostazioni.scrivi(corpo->radice()).ok());
+  const auto engine = crea();
+  const Regole effettive = engine->effectiveRules();
+  EXPECT_EQ(effettive.cerca("old-installers")->minAgeDays, 90);
+  EXPECT_EQ(effettive.duplicati.minSizeMb, 7);
+  EXPECT_EQ(effettive.duplicati.excludePaths, std::vector<std::string>{"/no"});
+  EXPECT_EQ(effettive.grandi.minSizeMb, 300);
+  EXPECT_EQ(effettive.grandi.top, 9);
+}
+
+TEST_F(EngineTest, BrokenOrMissingFilesNeverStopAScan) {
+  fakes::scriviFile(regole, "{\"categories\":[{");
+  fakes::scriviFile(store.risultati(), R"({"avvio":{"ts":1,"fin)");
+  fakes::scriviFile(store.icone(), "boh");
+  speciale("startup-user");
+  const auto engine = crea();
+  engine->start("avvio");
+  engine->attendiFine();
+  EXPECT_EQ(sezione(*engine->snapshot(), "avvio").status, "Recuperabili 1.0 KiB.");
+  EXPECT_FALSE(avvisi.empty());
+  EXPECT_NE(fakes::leggiFile(store.risultati()).find("startup-user"), std::string::npos);
+}
+
+TEST_F(EngineTest, ResultsThatCannotBeSavedAreSaidAndStayInMemory) {
+  fakes::scriviFile(home / "Library/Application Support", "occupato");
+  speciale("startup-user");
+  const auto engine = crea();
+  engine->start("avvio");
+  engine->attendiFine();
+  EXPECT_EQ(engine->findings("avvio").size(), 1U);
+  ASSERT_FALSE(avvisi.empty());
+  EXPECT_EQ(avvisi.front().rfind("risultati non salvati: ", 0), 0U);
+}
+
+TEST_F(EngineTest, PagesOfEntriesAndGroups) {
+  tabella.speciali["startup-user"] = {
+      "...", [](const ScanContext&) {
+        Finding trovato = finding("startup-user", 0);
+        for (int i = 0; i < 5; ++i) trovato.items.push_back({"/h/" + std::to_string(i), i, 0});
+        trovato.groups.resize(1);
+        trovato.groups[0].paths = {"/p"};
+        return std::vector<Finding>{trovato};
+      }};
+  const auto engine = crea();
+  engine->start("avvio");
+  engine->attendiFine();
+  const auto pagina = engine->voci("startup-user", OrdineVoci::spazio, 3, 500);
+  ASSERT_TRUE(pagina.has_value());
+  EXPECT_EQ(pagina->count, 5);
+  EXPECT_EQ(pagina->da, 3);
+  ASSERT_EQ(pagina->items.size(), 2U);
+  EXPECT_EQ(pagina->items[0].path, "/h/1");
+  EXPECT_TRUE(engine->voci("startup-user", OrdineVoci::nome, INT64_MAX, 5)->items.empty());
+  EXPECT_FALSE(engine->voci("niente", OrdineVoci::nome, 0, 5).has_value());
+  EXPECT_EQ(engine->percorsiGruppo("startup-user", 0), std::vector<std::string>{"/p"});
+  EXPECT_FALSE(engine->percorsiGruppo("startup-user", 1).has_value());
+  EXPECT_FALSE(engine->percorsiGruppo("startup-user", -1).has_value());
+}
+
+TEST_F(EngineTest, IconsAreMadeOnceAndKeptInTheirFile) {
+  applicazioni.icone["editor"] = "PNGDATI";
+  {
+    const auto engine = crea();
+    EXPECT_EQ(engine->icona("editor"), "data:image/png;base64,UE5HREFUSQ==");
+    EXPECT_EQ(engine->icona("editor"), "data:image/png;base64,UE5HREFUSQ==");
+    EXPECT_EQ(engine->icona("ignota"), "");
+    EXPECT_EQ(engine->icona("ignota"), "");
+  }
+  EXPECT_EQ(applicazioni.iconeDisegnate, 2);
+  applicazioni.icone.clear();
+  EXPECT_EQ(crea()->icona("editor"), "data:image/png;base64,UE5HREFUSQ==");
+}
+
+}  // namespace
+}  // namespace pellak

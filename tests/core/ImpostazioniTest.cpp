@@ -1,0 +1,106 @@
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <thread>
+
+#include "PellakCore/Impostazioni.h"
+#include "PellakCore/base/Json.h"
+#include "PellakCore/base/JsonWriter.h"
+#include "fakes/CartellaTemporanea.h"
+#include "platform/posix/FilesPosix.h"
+
+namespace pellak {
+namespace {
+
+class ImpostazioniTest : public testing::Test {
+ protected:
+  Config scrivi(const std::string& corpo) {
+    const auto documento = JsonDocument::parse(corpo);
+    auto nuove = impostazioni.scrivi(documento->radice());
+    EXPECT_TRUE(nuove.ok());
+    return *nuove;
+  }
+
+  fakes::CartellaTemporanea home;
+  posix::FilesPosix files;
+  Store store{home.percorso()};
+  Impostazioni impostazioni{files, store};
+};
+
+TEST_F(ImpostazioniTest, TakesOnlyValuesInsideTheirBoundsAndOfTheirType) {
+  EXPECT_EQ(scrivi(R"({"dup_min_mb":0})").intero("dup_min_mb"), 5);
+  EXPECT_EQ(scrivi(R"({"dup_min_mb":1001})").intero("dup_min_mb"), 5);
+  EXPECT_EQ(scrivi(R"({"dup_min_mb":1})").intero("dup_min_mb"), 1);
+  EXPECT_EQ(scrivi(R"({"dup_min_mb":1000})").intero("dup_min_mb"), 1000);
+  EXPECT_EQ(scrivi(R"({"auto_days":"7","menu_ram":0})").intero("auto_days"), 0);
+  EXPECT_TRUE(impostazioni.leggi().booleano("menu_ram"));
+  EXPECT_EQ(scrivi(R"({"auto_days":7})").intero("auto_days"), 7);
+  const Config finali = scrivi(R"({"dup_exclude":["  /a b \n","","   ",5],"menu_ram":false})");
+  EXPECT_EQ(finali.testi("dup_exclude"), std::vector<std::string>{"/a b"});
+  const Config rilette = impostazioni.leggi();
+  EXPECT_EQ(rilette.intero("dup_min_mb"), 1000);
+  EXPECT_FALSE(rilette.booleano("menu_ram"));
+}
+
+TEST_F(ImpostazioniTest, ResetIsTheDefaultsAndTakesTheLoginItemAway) {
+  scrivi(R"({"dup_min_mb":9,"login_item":true})");
+  ASSERT_TRUE(std::filesystem::exists(store.loginItem()));
+  EXPECT_NE(fakes::leggiFile(store.loginItem()).find("<string>com.pellaklab.cleaner</string>"),
+            std::string::npos);
+  ASSERT_TRUE(impostazioni.azzera().ok());
+  ASSERT_TRUE(impostazioni.azzera().ok());
+  EXPECT_FALSE(std::filesystem::exists(store.loginItem()));
+  JsonWriter valori;
+  impostazioni.leggi().scriviValori(valori);
+  JsonWriter predefiniti;
+  Config::scriviPredefiniti(predefiniti);
+  EXPECT_EQ(valori.take(), predefiniti.take());
+}
+
+TEST_F(ImpostazioniTest, ABrokenFileMeansDefaultsAndIsKeptAside) {
+  fakes::scriviFile(store.impostazioni(), R"({"dup_min_mb":9,"dup_ex)");
+  EXPECT_EQ(impostazioni.leggi().intero("dup_min_mb"), 5);
+  scrivi(R"({"auto_days":3})");
+  EXPECT_EQ(impostazioni.leggi().intero("auto_days"), 3);
+  EXPECT_EQ(fakes::leggiFile(store.impostazioni() + ".guasto"), R"({"dup_min_mb":9,"dup_ex)");
+}
+
+TEST_F(ImpostazioniTest, MembersOfAnotherVersionSurviveAWrite) {
+  fakes::scriviFile(store.impostazioni(), R"({"futura":{"a":[1,"è"]},"dup_min_mb":"x"})");
+  scrivi(R"({"auto_days":3})");
+  EXPECT_NE(fakes::leggiFile(store.impostazioni()).find(R"("futura":{"a":[1,"è"]})"),
+            std::string::npos);
+}
+
+TEST_F(ImpostazioniTest, ConcurrentWritersLoseNothingAndObserversHear) {
+  std::atomic<int> avvisi{0};
+  const auto token = impostazioni.osserva([&] { ++avvisi; });
+  Impostazioni altraIstanza(files, store);  // as another process would have
+  std::thread primo([&] {
+    for (int i = 1; i <= 25; ++i) scrivi("{\"dup_min_mb\":" + std::to_string(i) + "}");
+  });
+  std::thread secondo([&] {
+    for (int i = 1; i <= 25; ++i) {
+      const auto corpo = JsonDocument::parse("{\"auto_days\":" + std::to_string(i) + "}");
+      EXPECT_TRUE(altraIstanza.scrivi(corpo->radice()).ok());
+    }
+  });
+  primo.join();
+  secondo.join();
+  EXPECT_EQ(impostazioni.leggi().intero("dup_min_mb"), 25);
+  EXPECT_EQ(impostazioni.leggi().intero("auto_days"), 25);
+  EXPECT_EQ(avvisi, 25);
+  impostazioni.dimentica(token);
+  scrivi("{}");
+  EXPECT_EQ(avvisi, 25);
+}
+
+TEST_F(ImpostazioniTest, AWriteThatCannotBeStoredSaysSoAndChangesNothing) {
+  // A file stands where the folder should be: the write must fail whoever runs the test.
+  fakes::scriviFile(home / "Library/Application Support", "occupato");
+  const auto corpo = JsonDocument::parse(R"({"auto_days":3})");
+  EXPECT_FALSE(impostazioni.scrivi(corpo->radice()).ok());
+  EXPECT_EQ(impostazioni.leggi().intero("auto_days"), 0);
+}
+
+}  // namespace
+}  // namespace pellak

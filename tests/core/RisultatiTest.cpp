@@ -1,0 +1,91 @@
+#include <gtest/gtest.h>
+
+#include "PellakCore/Catalogo.h"
+#include "PellakCore/Risultati.h"
+
+namespace pellak {
+namespace {
+
+Sezioni vuote() {
+  Sezioni sezioni;
+  for (const Meta& meta : metas()) sezioni.emplace(meta.id, Sec());
+  return sezioni;
+}
+
+Sezioni piene() {
+  Sezioni sezioni = vuote();
+  Sec& sviluppo = sezioni.find("sviluppo")->second;
+  sviluppo.scanned = true;
+  sviluppo.lastScan = 1'700'000'000.25;
+  sviluppo.status = "Recuperabili 1.0 KiB.";
+  sviluppo.denied = 3;
+  sviluppo.deniedTop = {{"~/Library/Mail", 3}};
+  Finding finding;
+  finding.id = "npm-cache";
+  finding.mode = "delete";
+  finding.kind = "k";
+  finding.hint = "h";
+  finding.unmeasured = true;
+  finding.items = {{"/h/strano\n\xFF\xEE\xBE\x80", 1024, 1'600'000'000}};
+  Group gruppo;
+  gruppo.size = 7;
+  gruppo.hash = "ab";
+  gruppo.paths = {"/x", "/y"};
+  gruppo.name = "Nome";
+  gruppo.bundle = "b";
+  gruppo.prog = "p";
+  gruppo.url = "u";
+  gruppo.desc = "d";
+  gruppo.label = "l";
+  gruppo.dominio = "system";
+  gruppo.pesi = {3, 4};
+  gruppo.deboli = {"/y"};
+  gruppo.spento = true;
+  finding.groups = {gruppo};
+  sviluppo.findings = {finding};
+  return sezioni;
+}
+
+TEST(Risultati, EverythingComesBackAndTheUnscannedStaysIdle) {
+  const std::string testo = scriviRisultati(piene());
+  Sezioni lette = vuote();
+  ASSERT_TRUE(leggiRisultati(testo, lette).ok());
+  EXPECT_EQ(scriviRisultati(lette), testo);
+  EXPECT_EQ(lette.find("sviluppo")->second.findings[0].items[0].path,
+            "/h/strano\n\xFF\xEE\xBE\x80");
+  EXPECT_TRUE(lette.find("sviluppo")->second.scanned);
+  EXPECT_FALSE(lette.find("privacy")->second.scanned);
+  EXPECT_TRUE(lette.find("privacy")->second.status.empty());
+}
+
+TEST(Risultati, ACutFileFillsNothingWhereverItIsCut) {
+  const std::string testo = scriviRisultati(piene());
+  for (std::size_t fino = 0; fino < testo.size(); ++fino) {
+    Sezioni sezioni = vuote();
+    ASSERT_FALSE(leggiRisultati(testo.substr(0, fino), sezioni).ok()) << fino;
+    ASSERT_FALSE(sezioni.find("sviluppo")->second.scanned);
+  }
+}
+
+TEST(Risultati, WrongTypesTakeTheirEmptyValues) {
+  Sezioni sezioni = vuote();
+  ASSERT_TRUE(leggiRisultati(R"({"sviluppo":{"ts":5,"status":7,"denied":"x","denied_top":{},
+      "findings":[1,null,{"id":[],"items":{"a":1},"groups":[3,{"size":-4,"paths":"p",
+      "pesi":["x",9223372036854775807,-1]}]},{"items":[{"path":1,"size":"2","mtime":true},"y"]}]},
+      "privacy":[],"ignota":{"ts":1}})",
+                             sezioni)
+                  .ok());
+  const Sec& sviluppo = sezioni.find("sviluppo")->second;
+  EXPECT_TRUE(sviluppo.scanned);
+  EXPECT_EQ(sviluppo.denied, 0);
+  ASSERT_EQ(sviluppo.findings.size(), 2U);
+  ASSERT_EQ(sviluppo.findings[0].groups.size(), 2U);
+  EXPECT_EQ(sviluppo.findings[0].groups[1].size, 0);
+  EXPECT_EQ(sviluppo.findings[0].groups[1].pesi, (std::vector<std::int64_t>{0, 0, 0}));
+  EXPECT_EQ(sviluppo.totale(), 0);
+  EXPECT_FALSE(sezioni.find("privacy")->second.scanned);
+  EXPECT_FALSE(leggiRisultati("[1]", sezioni).ok());
+}
+
+}  // namespace
+}  // namespace pellak
