@@ -1,0 +1,18 @@
+#include "commands/Apici.h"
+
+namespace pellak {
+
+std::string traApici(std::string_view testo) {
+  std::string quoted = "'";
+  for (const char byte : testo) {
+    if (byte == '\'') {
+      quoted += "'\\''";
+    } else {
+      quoted += byte;
+    }
+  }
+  quoted += '\'';
+  return quoted;
+}
+
+}  // namespace pellak
