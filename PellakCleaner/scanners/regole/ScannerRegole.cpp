@@ -1,0 +1,146 @@
+#include "scanners/regole/ScannerRegole.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+#include "PellakCore/base/BytePath.h"
+#include "scanners/walker/Walker.h"
+
+namespace pellak::scanners {
+namespace {
+
+constexpr double kSecondsPerDay = 86'400;
+
+/// A place of the rules as a path: "~" expanded, no trailing slash. Empty when it isn't absolute.
+std::string luogo(std::string_view scritto, const std::string& home) {
+  std::string percorso = espandiTilde(scritto, home);
+  while (percorso.size() > 1 && percorso.back() == '/') percorso.pop_back();
+  if (percorso.empty() || percorso.front() != '/') percorso.clear();
+  return percorso;
+}
+
+std::string figlio(const std::string& cartella, std::string_view nome) {
+  std::string percorso = cartella == "/" ? std::string() : cartella;
+  percorso += '/';
+  percorso += nome;
+  return percorso;
+}
+
+/// Whether the name, its ASCII letters in lower case, ends with the suffix as written.
+bool finisceCon(std::string_view nome, std::string_view suffisso) {
+  if (nome.size() < suffisso.size()) return false;
+  const std::string_view coda = nome.substr(nome.size() - suffisso.size());
+  return std::equal(coda.begin(), coda.end(), suffisso.begin(), [](char lettera, char voluta) {
+    const bool maiuscola = lettera >= 'A' && lettera <= 'Z';
+    return (maiuscola ? static_cast<char>(lettera + ('a' - 'A')) : lettera) == voluta;
+  });
+}
+
+/// The paths an entry names, in the order of the rules, some perhaps twice.
+class Raccolta {
+ public:
+  Raccolta(const walker::Ambiente& ambiente, const std::string& home)
+      : ambiente_(ambiente), home_(home) {}
+
+  void figliDi(std::string_view scritto) {
+    const std::string cartella = luogo(scritto, home_);
+    if (cartella.empty()) return;
+    const auto stato = walker::statNoFollow(ambiente_, cartella);
+    if (stato && S_ISDIR(stato->st_mode)) elenca(cartella, {});
+  }
+
+  void percorso(std::string_view scritto) {
+    std::string intero = luogo(scritto, home_);
+    if (!intero.empty()) trovati_.push_back(std::move(intero));
+  }
+
+  void modello(std::string_view scritto) {
+    const std::string intero = luogo(scritto, home_);
+    const std::string_view ultimo = ultimoComponente(intero);
+    if (ultimo.substr(0, 2) != "*.") return;
+    const std::string cartella = intero.substr(0, intero.size() - ultimo.size() - 1);
+    elenca(cartella.empty() ? "/" : cartella, ultimo.substr(1));
+  }
+
+  const std::vector<std::string>& trovati() const { return trovati_; }
+
+ private:
+  void elenca(const std::string& cartella, std::string_view suffisso) {
+    const auto nomi = walker::nameList(ambiente_, cartella);
+    if (!nomi) return;
+    for (const std::string& nome : *nomi) {
+      if (finisceCon(nome, suffisso)) trovati_.push_back(figlio(cartella, nome));
+    }
+  }
+
+  const walker::Ambiente& ambiente_;
+  const std::string& home_;
+  std::vector<std::string> trovati_;
+};
+
+Raccolta raccogli(const walker::Ambiente& ambiente, const std::string& home,
+                  const RegolaCategoria& regola) {
+  Raccolta raccolta(ambiente, home);
+  raccolta.figliDi(regola.childrenOf);
+  for (const std::string& cartella : regola.folders) raccolta.figliDi(cartella);
+  for (const std::string& percorso : regola.paths) raccolta.percorso(percorso);
+  for (const std::string& modello : regola.glob) raccolta.modello(modello);
+  return raccolta;
+}
+
+/// What a scan keeps before it measures, one list for each property so that the paths can be
+/// handed on as they are.
+struct Tenuti {
+  std::vector<std::string> percorsi;
+  std::vector<double> mtime;
+};
+
+Tenuti filtra(const walker::Ambiente& ambiente, const ScanContext& ctx, double minAgeDays,
+              const std::vector<std::string>& candidati) {
+  const bool conEta = minAgeDays > 0;
+  const double limite = ctx.clock.now() - minAgeDays * kSecondsPerDay;
+  std::unordered_set<std::string_view> visti;
+  Tenuti tenuti;
+  for (const std::string& candidato : candidati) {
+    if (ctx.stop && ctx.stop()) throw ScanCancelled();
+    if (!visti.insert(candidato).second) continue;
+    const auto stato = walker::statNoFollow(ambiente, candidato);
+    if (!stato) continue;
+    const auto mtime = static_cast<double>(stato->st_mtime);
+    if (conEta && mtime > limite) continue;
+    tenuti.percorsi.push_back(candidato);
+    tenuti.mtime.push_back(mtime);
+  }
+  return tenuti;
+}
+
+std::vector<Voce> misura(const walker::Ambiente& ambiente, const ScanContext& ctx, Tenuti tenuti) {
+  const auto misure = walker::measureTrees(ambiente, tenuti.percorsi, ctx.stop);
+  std::vector<Voce> voci;
+  for (std::size_t i = 0; i < misure.size(); ++i) {
+    const std::int64_t byte = misure[i].value_or(0);
+    if (byte > 0) voci.push_back({std::move(tenuti.percorsi[i]), byte, tenuti.mtime[i]});
+  }
+  std::stable_sort(voci.begin(), voci.end(),
+                   [](const Voce& a, const Voce& b) { return a.size > b.size; });
+  return voci;
+}
+
+}  // namespace
+
+Finding scanRegola(const ScanContext& ctx, const RegolaCategoria& regola) {
+  Finding finding;
+  finding.id = regola.id;
+  finding.name = regola.name;
+  finding.mode = regola.mode;
+  finding.note = regola.note;
+  const walker::Ambiente ambiente{
+      ctx.lister, [&ctx](std::string_view percorso) { ctx.contatore.add(percorso); }};
+  const Raccolta raccolta = raccogli(ambiente, ctx.home, regola);
+  finding.items =
+      misura(ambiente, ctx, filtra(ambiente, ctx, regola.minAgeDays, raccolta.trovati()));
+  return finding;
+}
+
+}  // namespace pellak::scanners

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "PellakCore/ScanContext.h"
+
+namespace pellak::scanners {
+
+/// Turns one entry of the rules file into its finding: the entry's files and folders that are old
+/// enough, with the bytes they take on disk, largest first (equal sizes in the order of the
+/// rules).
+///
+/// Candidates are the children of `childrenOf`, of `folders`, then `paths`, then what `glob`
+/// matches; one that several of them name counts once. Symbolic links are neither listed nor
+/// entered, and a folder that is one contributes nothing. What takes no room is left out. A
+/// place that does not begin with "/" once "~" is expanded is ignored.
+///
+/// Refusals, those met while measuring too, go to the section's counter; whatever else can't be
+/// read is left out silently. Throws `ScanCancelled`.
+Finding scanRegola(const ScanContext& ctx, const RegolaCategoria& regola);
+
+}  // namespace pellak::scanners

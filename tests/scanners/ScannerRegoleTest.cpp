@@ -1,0 +1,238 @@
+#include <atomic>
+#include <cmath>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+
+#include "PellakCore/base/ScanCancelled.h"
+#include "fakes/FakeClock.h"
+#include "fakes/MemoryLister.h"
+#include "scanners/Tabella.h"
+#include "scanners/regole/ScannerRegole.h"
+
+namespace pellak::scanners {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
+
+constexpr double kOra = 1'700'000'000;
+constexpr std::int64_t kGiorno = 86'400;
+
+/// A disk on which the record of some paths can't be had although their folder lists them.
+class DiscoOstile final : public DirectoryLister {
+ public:
+  fakes::MemoryLister albero;
+  std::map<std::string, ErrorKind, std::less<>> errori;
+
+  Result<std::shared_ptr<DirectoryHandle>> open(std::string_view percorso) override {
+    EXPECT_EQ(percorso.substr(0, 1), "/");
+    return albero.open(percorso);
+  }
+  Result<EntryAttributes> attributes(std::string_view percorso) override {
+    EXPECT_EQ(percorso.substr(0, 1), "/");
+    const auto errore = errori.find(percorso);
+    if (errore != errori.end()) return Error{errore->second, 1, "no"};
+    return albero.attributes(percorso);
+  }
+  bool emptyIsCertain() const override { return true; }
+  std::size_t descriptorBudget() const override { return 16; }
+};
+
+class ScannerRegoleTest : public ::testing::Test {
+ protected:
+  void file(const std::string& percorso, std::int64_t blocchi, std::int64_t eta = 0) {
+    disco_.albero.file(percorso, blocchi * 4096).attributes.mtime =
+        static_cast<std::int64_t>(kOra) - eta;
+  }
+
+  Finding scan(const RegolaCategoria& regola) {
+    const ScanContext ctx{regole_, impostazioni_, "/casa/anna", stop_,
+                          {},      contatore_,    disco_,       clock_};
+    return scanRegola(ctx, regola);
+  }
+
+  std::vector<std::string> percorsi(const RegolaCategoria& regola) {
+    std::vector<std::string> elenco;
+    for (const Voce& voce : scan(regola).items) elenco.push_back(voce.path);
+    return elenco;
+  }
+
+  DiscoOstile disco_;
+  fakes::FakeClock clock_{kOra};
+  Contatore contatore_{"/casa/anna", true};
+  std::function<bool()> stop_;
+
+ private:
+  const Regole regole_;
+  const Config impostazioni_;
+};
+
+TEST_F(ScannerRegoleTest, MeasuresTheChildrenLargestFirst) {
+  file("/casa/anna/c/piccolo", 1, 50);
+  file("/casa/anna/c/cartella/sotto/a", 5);
+  file("/casa/anna/c/cartella/b", 2);
+  file("/casa/anna/c/altro", 1);
+  file("/casa/anna/c/zero", 0);
+  disco_.albero.folder("/casa/anna/c/vuota");
+  disco_.albero.link("/casa/anna/c/collegamento");
+  RegolaCategoria regola;
+  regola.id = "prova";
+  regola.name = "Prova";
+  regola.mode = "delete";
+  regola.note = "Nota";
+  regola.childrenOf = "~/c/";
+  const Finding finding = scan(regola);
+  EXPECT_EQ(finding.id, "prova");
+  EXPECT_EQ(finding.name, "Prova");
+  EXPECT_EQ(finding.mode, "delete");
+  EXPECT_EQ(finding.note, "Nota");
+  EXPECT_EQ(finding.hint + finding.kind, "");
+  EXPECT_FALSE(finding.unmeasured);
+  EXPECT_THAT(finding.groups, IsEmpty());
+  // Equal sizes stay in the order in which the folder lists them.
+  ASSERT_EQ(finding.items.size(), 3U);
+  EXPECT_EQ(finding.items[0].path, "/casa/anna/c/cartella");
+  EXPECT_EQ(finding.items[0].size, 7 * 4096);
+  EXPECT_EQ(finding.items[1].path, "/casa/anna/c/altro");
+  EXPECT_EQ(finding.items[2].path, "/casa/anna/c/piccolo");
+  EXPECT_EQ(finding.items[2].size, 4096);
+  EXPECT_EQ(finding.items[2].mtime, kOra - 50);
+  EXPECT_EQ(contatore_.n(), 0);
+}
+
+TEST_F(ScannerRegoleTest, APlaceThatIsNoFolderContributesNothing) {
+  file("/casa/anna/vero/a", 1);
+  disco_.albero.link("/casa/anna/collegamento");
+  file("/casa/anna/file", 1);
+  for (const char* luogo : {"~/collegamento", "~/file", "~/manca", "", "relativo", "~anna"}) {
+    RegolaCategoria regola;
+    regola.childrenOf = luogo;
+    regola.folders = {luogo};
+    EXPECT_THAT(percorsi(regola), IsEmpty()) << luogo;
+  }
+  EXPECT_THAT(percorsi({}), IsEmpty());
+  EXPECT_EQ(contatore_.n(), 0);
+}
+
+TEST_F(ScannerRegoleTest, PatternsMatchTheLowerCasedName) {
+  for (const char* nome : {"Setup.DMG", "setup.dmg", "dmg", "a.dmg.zip", ".dmg", "x.tar.GZ"}) {
+    file(std::string("/casa/anna/Downloads/") + nome, 1);
+  }
+  file("/radice.pkg", 1);
+  RegolaCategoria regola;
+  regola.glob = {"~/Downloads/*.dmg"};
+  EXPECT_THAT(percorsi(regola),
+              UnorderedElementsAre("/casa/anna/Downloads/Setup.DMG",
+                                   "/casa/anna/Downloads/setup.dmg", "/casa/anna/Downloads/.dmg"));
+  regola.glob = {
+      "~/Downloads/*.DMG", "~/Downloads/setup.dmg", "~/Downloads/s*.dmg", "~/Downloads/*", "*.dmg",
+      "~/Manca/*.dmg"};
+  EXPECT_THAT(percorsi(regola), IsEmpty());
+  regola.glob = {"~/Downloads/*.tar.gz", "/*.pkg"};
+  EXPECT_THAT(percorsi(regola), ElementsAre("/casa/anna/Downloads/x.tar.GZ", "/radice.pkg"));
+}
+
+TEST_F(ScannerRegoleTest, EverythingOfAnEntryJoinsInOrderAndOnce) {
+  file("/casa/anna/a/uno.log", 1);
+  file("/casa/anna/b/due.log", 1);
+  file("/casa/anna/c/tre", 1);
+  RegolaCategoria regola;
+  regola.childrenOf = "~/b";
+  regola.folders = {"~/a", "~/b", "~/a/"};
+  regola.paths = {"~/c/", "~/a/uno.log", "~/c", "~/manca"};
+  regola.glob = {"~/a/*.log", "~/b/*.log"};
+  EXPECT_THAT(percorsi(regola),
+              ElementsAre("/casa/anna/b/due.log", "/casa/anna/a/uno.log", "/casa/anna/c"));
+}
+
+TEST_F(ScannerRegoleTest, TheAgeLimitKeepsWhatLiesExactlyOnIt) {
+  file("/casa/anna/c/sul-limite", 1, 30 * kGiorno);
+  file("/casa/anna/c/un-secondo-dopo", 1, 30 * kGiorno - 1);
+  file("/casa/anna/c/vecchio", 1, 31 * kGiorno);
+  file("/casa/anna/c/dal-futuro", 1, -kGiorno);
+  RegolaCategoria regola;
+  regola.childrenOf = "~/c";
+  regola.minAgeDays = 30;
+  EXPECT_THAT(percorsi(regola),
+              UnorderedElementsAre("/casa/anna/c/sul-limite", "/casa/anna/c/vecchio"));
+  for (const double nessuna : {0.0, -1.0, -1e300, std::nan("")}) {
+    regola.minAgeDays = nessuna;
+    EXPECT_EQ(percorsi(regola).size(), 4U) << nessuna;
+  }
+  for (const double eterna : {1e300, std::numeric_limits<double>::infinity()}) {
+    regola.minAgeDays = eterna;
+    EXPECT_THAT(percorsi(regola), IsEmpty()) << eterna;
+  }
+}
+
+TEST_F(ScannerRegoleTest, OnlyRefusalsAreCounted) {
+  for (const char* nome : {"buono", "negato", "sparito", "guasto"}) {
+    file(std::string("/casa/anna/c/") + nome, 1);
+  }
+  disco_.errori = {{"/casa/anna/c/negato", ErrorKind::denied},
+                   {"/casa/anna/c/sparito", ErrorKind::missing},
+                   {"/casa/anna/c/guasto", ErrorKind::failed}};
+  RegolaCategoria regola;
+  regola.childrenOf = "~/c";
+  EXPECT_THAT(percorsi(regola), ElementsAre("/casa/anna/c/buono"));
+  EXPECT_THAT(contatore_.percorsi(), ElementsAre("/casa/anna/c/negato"));
+}
+
+TEST_F(ScannerRegoleTest, RefusalsInsideAndOfTheFolderItselfBelongToTheSection) {
+  file("/casa/anna/c/x/leggibile", 2);
+  file("/casa/anna/c/x/chiusa/nascosto", 9);
+  disco_.albero.folder("/casa/anna/c/x/chiusa").refused = true;
+  RegolaCategoria regola;
+  regola.childrenOf = "~/c";
+  const Finding finding = scan(regola);
+  ASSERT_EQ(finding.items.size(), 1U);
+  EXPECT_EQ(finding.items[0].size, 2 * 4096);
+  EXPECT_THAT(contatore_.percorsi(), ::testing::Contains("/casa/anna/c/x/chiusa"));
+
+  contatore_.reset();
+  disco_.albero.folder("/casa/anna/c").refused = true;
+  EXPECT_THAT(percorsi(regola), IsEmpty());
+  EXPECT_THAT(contatore_.percorsi(), ElementsAre("/casa/anna/c"));
+}
+
+TEST_F(ScannerRegoleTest, AStopAtAnyMomentEndsTheScan) {
+  for (int i = 0; i < 20; ++i) {
+    file("/casa/anna/c/" + std::to_string(i) + "/sotto/dato", 1);
+  }
+  RegolaCategoria regola;
+  regola.childrenOf = "~/c";
+  std::atomic<int> domande{0};
+  stop_ = [&] { return ++domande < 0; };
+  EXPECT_EQ(percorsi(regola).size(), 20U);
+  const int tutte = domande;
+  // Once for each candidate, once for each folder that is measured.
+  EXPECT_EQ(tutte, 20 + 40);
+  for (const int ultima : {1, 20, 21, tutte}) {
+    domande = 0;
+    stop_ = [&] { return ++domande >= ultima; };
+    EXPECT_THROW(scan(regola), ScanCancelled) << ultima;
+  }
+}
+
+TEST_F(ScannerRegoleTest, NamesAreBytes) {
+  const std::string nome = "/casa/anna/c/\xFF\xC3.dmg";
+  file(nome, 1);
+  RegolaCategoria regola;
+  regola.glob = {"~/c/*.dmg"};
+  EXPECT_THAT(percorsi(regola), ElementsAre(nome));
+}
+
+TEST_F(ScannerRegoleTest, TheTableServesTheRules) {
+  file("/casa/anna/c/a", 1);
+  RegolaCategoria regola;
+  regola.childrenOf = "~/c";
+  const ScanContext ctx{{}, {}, "/casa/anna", {}, {}, contatore_, disco_, clock_};
+  const TabellaScanner tabella = tabellaScanner();
+  ASSERT_TRUE(tabella.regole);
+  EXPECT_EQ(tabella.regole(ctx, regola).items.size(), 1U);
+}
+
+}  // namespace
+}  // namespace pellak::scanners
