@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "PellakCore/Engine.h"
+#include "PellakCore/Impostazioni.h"
+#include "platform/Applications.h"
+#include "platform/FileManager.h"
+#include "platform/Files.h"
+#include "platform/ToolFamily.h"
+
+namespace pellak::api {
+
+/// What a handler may work with. Everything referred to outlives the router and may be used from
+/// any thread.
+struct Servizi {
+  Engine& engine;
+  Impostazioni& impostazioni;
+  FileManager& fileManager;
+  Applications& applicazioni;
+  Files& files;
+  FamigliaStrumenti famiglia;
+  std::string home;  ///< absolute, bytes
+};
+
+}  // namespace pellak::api

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "PellakCore/base/Json.h"
+#include "api/Router.h"
+#include "fakes/CartellaTemporanea.h"
+#include "fakes/FakeApplications.h"
+#include "fakes/FakeClock.h"
+#include "fakes/FakeFileManager.h"
+#include "fakes/GuardedFiles.h"
+#include "fakes/MemoryLister.h"
+
+namespace pellak::api {
+
+/// A router over a real engine on a home folder of its own; the desktop is made up.
+class Richieste : public testing::Test {
+ protected:
+  /// What the duplicates section will find; before the first request.
+  void trova(Finding finding) {
+    tabella.speciali["duplicates"] = {
+        "Ricerca", [finding](const ScanContext&) { return std::vector<Finding>{finding}; }};
+  }
+
+  Engine& motore() {
+    if (!engine_) {
+      engine_ = std::make_unique<Engine>(AmbienteEngine{files, clock, lister, applicazioni,
+                                                        impostazioni, store, home / "regole.json",
+                                                        tabella, nullptr, nullptr});
+    }
+    return *engine_;
+  }
+
+  Router router() {
+    return Router(
+        {motore(), impostazioni, fileManager, applicazioni, files, famiglia, home.percorso()});
+  }
+
+  /// The body must be JSON.
+  Risposta rispondi(std::string_view rotta, const std::string& corpo = "{}") {
+    const auto documento = JsonDocument::parse(corpo);
+    if (!documento) throw std::invalid_argument(corpo);
+    return router().handle(rotta, documento->radice());
+  }
+
+  /// Status, a blank and the reply's text.
+  std::string chiedi(std::string_view rotta, const std::string& corpo = "{}") {
+    const Risposta risposta = rispondi(rotta, corpo);
+    return std::to_string(risposta.stato) + " " + risposta.testo.str();
+  }
+
+  void scandisci(const std::string& sezione) {
+    ASSERT_EQ(chiedi("/api/scan", R"({"section":")" + sezione + R"("})"), R"(200 {"ok":true})");
+    motore().attendiFine();
+  }
+
+  fakes::CartellaTemporanea home;
+  fakes::GuardedFiles files;
+  fakes::FakeClock clock;
+  fakes::MemoryLister lister;
+  fakes::FakeApplications applicazioni;
+  fakes::FakeFileManager fileManager;
+  FamigliaStrumenti famiglia = FamigliaStrumenti::linux;
+  Store store{home.percorso()};
+  Impostazioni impostazioni{files, store};
+  TabellaScanner tabella;
+
+ private:
+  std::unique_ptr<Engine> engine_;
+};
+
+}  // namespace pellak::api
