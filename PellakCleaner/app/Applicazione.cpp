@@ -1,0 +1,85 @@
+#include "app/Applicazione.h"
+
+#include <array>
+#include <cstdlib>
+#include <string_view>
+#include <utility>
+
+#include "scanners/Tabella.h"
+
+namespace pellak::app {
+namespace {
+
+std::string variabile(const char* nome) {
+  const char* valore = std::getenv(nome);
+  return valore == nullptr ? std::string() : std::string(valore);
+}
+
+std::string senzaBarre(std::string percorso) {
+  while (percorso.size() > 1 && percorso.back() == '/') percorso.pop_back();
+  return percorso;
+}
+
+std::string cartellaDi(const std::string& percorso) {
+  const std::size_t barra = percorso.rfind('/');
+  return barra == std::string::npos ? std::string(".") : percorso.substr(0, barra);
+}
+
+std::string nomeRegole(FamigliaStrumenti famiglia) {
+  return famiglia == FamigliaStrumenti::macos ? "/engine/rules.json" : "/engine/rules.linux.json";
+}
+
+/// The resource folder: named by the environment, beside the executable, or where an
+/// installation puts it (on a Mac inside the bundle).
+std::string cartellaRisorse(const Native& native, Files& files) {
+  if (std::string indicata = variabile("PELLAK_RESOURCES"); !indicata.empty()) {
+    return senzaBarre(indicata);
+  }
+  const std::string base = cartellaDi(native.executablePath());
+  const std::array<std::string, 3> luoghi = {base + "/resources", base + "/../Resources",
+                                             base + "/../share/pellak-cleaner"};
+  for (const std::string& luogo : luoghi) {
+    if (files.exists(luogo + "/engine")) return luogo;
+  }
+  return luoghi.front();
+}
+
+Error erroreAmbiente(std::string testo) { return {ErrorKind::invalid, 0, std::move(testo)}; }
+
+}  // namespace
+
+Result<Ambiente> leggiAmbiente(const Native& native, Files& files) {
+  Ambiente ambiente;
+  ambiente.home = senzaBarre(variabile("HOME"));
+  if (ambiente.home.empty()) ambiente.home = senzaBarre(native.homeFolder());
+  if (ambiente.home.empty() || ambiente.home[0] != '/') {
+    return erroreAmbiente("HOME non indica una cartella utente");
+  }
+  ambiente.famiglia = native.famiglia();
+  if (const std::string scelta = variabile("PELLAK_TOOLS"); scelta == "macos") {
+    ambiente.famiglia = FamigliaStrumenti::macos;
+  } else if (scelta == "linux") {
+    ambiente.famiglia = FamigliaStrumenti::linux;
+  } else if (!scelta.empty()) {
+    return erroreAmbiente("PELLAK_TOOLS può valere solo macos o linux");
+  }
+  ambiente.rulesPath = variabile("PELLAK_RULES");
+  if (ambiente.rulesPath.empty()) {
+    ambiente.rulesPath = cartellaRisorse(native, files) + nomeRegole(ambiente.famiglia);
+  }
+  return ambiente;
+}
+
+Applicazione::Applicazione(std::unique_ptr<Native> native, Ambiente ambiente,
+                           std::function<void(const std::string&)> avviso)
+    : native_(std::move(native)),
+      platform_(native_->platform()),
+      ambiente_(std::move(ambiente)),
+      impostazioni_(platform_.files, Store(ambiente_.home)),
+      engine_({platform_.files, platform_.clock, platform_.lister, platform_.applicazioni,
+               impostazioni_, Store(ambiente_.home), ambiente_.rulesPath,
+               scanners::tabellaScanner(), std::move(avviso), nullptr}),
+      router_({engine_, impostazioni_, platform_.fileManager, platform_.applicazioni,
+               platform_.files, ambiente_.famiglia, ambiente_.home}) {}
+
+}  // namespace pellak::app

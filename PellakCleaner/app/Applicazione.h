@@ -1,0 +1,46 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "PellakCore/Engine.h"
+#include "PellakCore/Impostazioni.h"
+#include "api/Router.h"
+#include "platform/Native.h"
+
+namespace pellak::app {
+
+/// What the environment decides about a run.
+struct Ambiente {
+  std::string home;  ///< home folder, no trailing slash
+  FamigliaStrumenti famiglia;
+  std::string rulesPath;  ///< the rules file in force
+};
+
+/// Reads HOME, PELLAK_TOOLS, PELLAK_RULES and PELLAK_RESOURCES. Errors (invalid, with an Italian
+/// text): no usable home folder, a PELLAK_TOOLS that is neither "macos" nor "linux".
+Result<Ambiente> leggiAmbiente(const Native& native, Files& files);
+
+/// The program's parts joined: back ends, settings, engine, router. The one place that builds
+/// them; window, bridge and terminal commands all start from here.
+class Applicazione {
+ public:
+  /// `avviso` gets one line at a time about what no reply carries; any thread.
+  Applicazione(std::unique_ptr<Native> native, Ambiente ambiente,
+               std::function<void(const std::string&)> avviso);
+
+  Engine& engine() { return engine_; }
+  api::Router& router() { return router_; }
+  const std::string& home() const { return ambiente_.home; }
+
+ private:
+  const std::unique_ptr<Native> native_;
+  const Platform platform_;
+  const Ambiente ambiente_;
+  Impostazioni impostazioni_;
+  Engine engine_;
+  api::Router router_;
+};
+
+}  // namespace pellak::app

@@ -1,0 +1,124 @@
+"""Broken files, missing rights, full and read-only disks."""
+
+import json
+import os
+import shutil
+import subprocess
+import unittest
+
+from programma import NOBODY, PROGRAMMA, ConCasa
+
+
+class FileRotti(ConCasa):
+    def test_rules_missing_broken_or_of_wrong_types(self):
+        percorso = self.casa / "regole.json"
+        self.ambiente["PELLAK_RULES"] = str(percorso)
+        for contenuto in (None, "", "{", "[]", '{"categories":{"a":1}}',
+                          '{"categories":[1,{"id":5,"section":["sviluppo"]}],"large_old":7}'):
+            if contenuto is not None:
+                percorso.write_text(contenuto)
+            uscita, errori = self.esegui("scan", "sviluppo")
+            self.assertIn("Niente da segnalare.", uscita)
+            if contenuto is None or not contenuto.startswith('{"'):
+                self.assertIn("file delle regole illeggibile", errori)
+        percorso.unlink()
+        percorso.mkdir()
+        self.esegui("scan", "sviluppo")
+
+    def test_results_cut_in_half_start_from_scratch(self):
+        self.file(".npm/_cacache/a", 30_000)
+        self.esegui("scan", "sviluppo")
+        risultati = self.supporto / "risultati.json"
+        intero = risultati.read_bytes()
+        risultati.write_bytes(intero[:len(intero) // 2])
+        self.assertFalse(self.api("/api/state")["sections"][0]["scanned"])
+        self.esegui("scan", "sviluppo")
+        self.assertTrue(self.api("/api/state")["sections"][0]["scanned"])
+
+    def test_a_fifo_in_place_of_a_file_hangs_nothing(self):
+        self.supporto.mkdir(parents=True)
+        for nome in ("impostazioni.json", "risultati.json", "icone.json"):
+            os.mkfifo(self.supporto / nome)
+        self.assertEqual(self.api("/api/settings")["valori"]["dup_min_mb"], 5)
+
+
+@unittest.skipUnless(os.geteuid() == 0, "gives its home to another user, so it needs root")
+class SenzaDiritti(ConCasa):
+    """The program runs as a user who owns the home but not everything in it."""
+
+    def setUp(self):
+        super().setUp()
+        copia = self.casa / "programma"
+        copia.mkdir()
+        shutil.copy(PROGRAMMA, copia / "pellak-cleaner")
+        shutil.copytree(os.path.join(os.path.dirname(PROGRAMMA), "resources"),
+                        copia / "resources")
+        self.programma = str(copia / "pellak-cleaner")
+
+    def da_nessuno(self, *argomenti):
+        for radice, cartelle, file in os.walk(self.casa):
+            for nome in [radice] + [os.path.join(radice, f) for f in cartelle + file]:
+                if "privata" not in nome:
+                    os.chown(nome, NOBODY, NOBODY, follow_symlinks=False)
+        return subprocess.run([self.programma, *argomenti], env=self.ambiente, timeout=60,
+                              stdin=subprocess.DEVNULL, capture_output=True, text=True,
+                              user=NOBODY, group=NOBODY, extra_groups=[])
+
+    def test_unreadable_folders_are_counted_and_said(self):
+        self.regole([{"id": "x", "name": "X", "section": "sviluppo",
+                      "children_of": "~/cose"}])
+        for nome in ("privata", "privata2"):
+            (self.casa / "cose" / nome).mkdir(parents=True)
+            (self.casa / "cose" / nome / "dato").write_bytes(b"x" * 9_000)
+            os.chmod(self.casa / "cose" / nome, 0o700)
+        esito = self.da_nessuno("scan", "sviluppo", "--json")
+        self.assertEqual(esito.returncode, 0, esito.stderr)
+        sezione = json.loads(esito.stdout)["sections"][0]
+        self.assertGreaterEqual(sezione["denied"], 2)
+        self.assertTrue(sezione["status"].startswith("ATTENZIONE: "), sezione["status"])
+        self.assertEqual({voce["cartella"] for voce in sezione["denied_top"]},
+                         {"~/cose/privata", "~/cose/privata2"})
+
+    def test_a_read_only_support_folder_loses_no_scan_and_no_settings(self):
+        self.file(".npm/_cacache/a", 30_000)
+        self.supporto.mkdir(parents=True)
+        (self.supporto / "impostazioni.json").write_text('{"dup_min_mb":8}')
+        self.da_nessuno("--version")
+        os.chmod(self.supporto, 0o500)
+        esito = self.da_nessuno("scan", "sviluppo")
+        self.assertEqual(esito.returncode, 0)
+        self.assertRegex(esito.stdout, r"Sviluppo +Recuperabili")
+        self.assertIn("risultati non salvati", esito.stderr)
+        esito = self.da_nessuno("api", "/api/settings", '{"dup_min_mb":9}')
+        self.assertEqual((esito.returncode, json.loads(esito.stdout)),
+                         (1, {"err": "scrittura non riuscita"}))
+        esito = self.da_nessuno("api", "/api/settings")
+        self.assertEqual(json.loads(esito.stdout)["valori"]["dup_min_mb"], 8)
+
+
+@unittest.skipUnless(os.geteuid() == 0, "mounts a small volume, so it needs root")
+class DiscoPieno(ConCasa):
+    def test_a_full_disk_keeps_the_old_files(self):
+        volume = self.casa / "Library"
+        volume.mkdir()
+        subprocess.run(["mount", "-t", "tmpfs", "-o", "size=256k", "tmpfs", volume], check=True)
+        self.addCleanup(subprocess.run, ["umount", volume], check=True)
+        self.file(".npm/_cacache/a", 30_000)
+        self.api("/api/settings", {"dup_min_mb": 7})
+        self.esegui("scan", "sviluppo")
+        with open(volume / "zavorra", "wb", buffering=0) as zavorra:
+            with self.assertRaises(OSError):
+                while True:
+                    zavorra.write(b"x" * 4096)
+        prima = (self.supporto / "risultati.json").read_bytes()
+        uscita, errori = self.esegui("scan", "sviluppo")
+        self.assertIn("Recuperabili", uscita)
+        self.assertIn("risultati non salvati", errori)
+        self.assertEqual((self.supporto / "risultati.json").read_bytes(), prima)
+        self.assertEqual(self.api("/api/settings", {"dup_min_mb": 9}, stato=1),
+                         {"err": "scrittura non riuscita"})
+        self.assertEqual(self.api("/api/settings")["valori"]["dup_min_mb"], 7)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,132 @@
+"""Subcommands as a person at a terminal meets them."""
+
+import json
+import os
+import signal
+import time
+import unittest
+
+from programma import ConCasa, su_terminale
+
+
+class Scansione(ConCasa):
+    def test_scan_prints_a_table_and_show_lists_the_saved_results(self):
+        self.file(".npm/_cacache/content/a", 100_000)
+        self.file("Downloads/vecchio.deb", 50_000)
+        os.utime(self.casa / "Downloads/vecchio.deb", (1_600_000_000, 1_600_000_000))
+        # These two sections look at nothing outside the home folder.
+        uscita, errori = self.esegui("scan", "sviluppo", "pulizia")
+        righe = uscita.splitlines()
+        self.assertEqual(errori, "")
+        self.assertEqual(len(righe), 4, uscita)
+        self.assertRegex(righe[0], r"^Sezione +Stato +Voci +Recuperabili$")
+        self.assertRegex(righe[1], r"^Sviluppo +Recuperabili .*KiB\. +1 +\d+\.\d KiB$")
+        self.assertRegex(righe[3], r"^Totale +2 +\d+\.\d KiB$")
+        self.assertNotIn("\033", uscita)
+
+        elenco, _ = self.esegui("show")
+        self.assertIn("npm-cache", elenco)
+        dettagli, _ = self.esegui("show", "old-installers")
+        self.assertIn("2020-09-13 12:26  ~/Downloads/vecchio.deb", dettagli)
+        oggetto = json.loads(self.esegui("show", "npm-cache", "--json")[0])
+        self.assertEqual(oggetto["items"][0]["path"], str(self.casa / ".npm/_cacache/content"))
+        self.esegui("show", "non-esiste", stato=2)
+
+    def test_named_sections_and_json(self):
+        uscita, _ = self.esegui("scan", "avvio", "privacy")
+        self.assertEqual(len(uscita.splitlines()), 4, uscita)
+        stato = json.loads(self.esegui("scan", "privacy", "--json")[0])
+        self.assertEqual(len(stato["sections"]), 8)
+        self.assertFalse(stato["busy"])
+        _, errori = self.esegui("scan", "Privacy", stato=2)
+        self.assertIn("sezione inesistente", errori)
+
+    def test_order_and_limit(self):
+        self.regole([{"id": "x", "name": "X", "section": "sviluppo", "mode": "delete",
+                      "children_of": "~/cose"}])
+        for nome, byte in (("Beta", 9_000), ("alfa", 90_000), ("gamma", 50_000)):
+            self.file("cose/" + nome, byte)
+        self.esegui("scan", "sviluppo")
+
+        def nomi(*opzioni):
+            trovato = json.loads(self.esegui("show", "x", "--json", *opzioni)[0])
+            return [os.path.basename(voce["path"]) for voce in trovato["items"]]
+
+        self.assertEqual(nomi(), ["alfa", "gamma", "Beta"])
+        self.assertEqual(nomi("--order", "nome"), ["alfa", "Beta", "gamma"])
+        self.assertEqual(nomi("--limit", "1"), ["alfa"])
+        testo, _ = self.esegui("show", "x", "--limit", "1")
+        self.assertIn("e altre 2 voci", testo)
+        self.esegui("show", "x", "--order", "peso", stato=2)
+        self.esegui("show", "x", "--limit", "-1", stato=2)
+
+    def test_progress_on_a_terminal_and_a_clean_interrupt(self):
+        self.file("cose/a")
+        self.regole([{"id": f"c{i}", "name": f"Categoria {i}", "section": "sviluppo",
+                      "children_of": "~/cose"} for i in range(60_000)])
+        ambiente = dict(self.ambiente, TERM="xterm")
+        stato, uscita = su_terminale(["scan", "sviluppo"], ambiente, invia=b"\x03",
+                                     dopo=b"[1/1] Sviluppo: Scansione: Categoria")
+        self.assertEqual(stato, 130, uscita[-500:])
+        self.assertIn("Scansione interrotta.", uscita)
+        self.assertNotIn("Sezione", uscita, "no table after an interrupt")
+
+    def test_sigterm_during_an_api_scan_stops_it(self):
+        self.file("cose/a")
+        self.regole([{"id": f"c{i}", "name": "C", "section": "sviluppo",
+                      "children_of": "~/cose"} for i in range(60_000)])
+        processo = self.avvia("api", "/api/scan", '{"section":"sviluppo"}')
+        self.assertEqual(processo.stdout.readline(), b'{"ok":true}\n')
+        time.sleep(0.1)
+        processo.send_signal(signal.SIGTERM)
+        _, errori = processo.communicate(timeout=30)
+        self.assertEqual((processo.returncode, errori), (130, b"Scansione interrotta.\n"))
+
+    def test_hostile_names_cannot_reach_the_terminal(self):
+        self.regole([{"id": "x", "name": "X", "section": "sviluppo", "children_of": "~/cose"}])
+        nome = b"rosso\033[31m\nriga\xff<img src=x>"
+        self.file(b"cose/" + nome)
+        self.esegui("scan", "sviluppo")
+        testo, _ = self.esegui("show", "x")
+        self.assertIn(r"~/cose/rosso\x1b[31m\nriga\xff<img src=x>", testo)
+        self.assertNotIn("\033", testo)
+        oggetto = json.loads(self.esegui("show", "x", "--json")[0])
+        self.assertTrue(oggetto["items"][0]["path"].endswith("riga\uefff<img src=x>"))
+
+
+class RigaDiComando(ConCasa):
+    def test_help_version_and_mistakes(self):
+        self.assertRegex(self.esegui("--version")[0], r"^Pellak Cleaner \d+\.\d+\.\d+\n$")
+        aiuto, _ = self.esegui("--help")
+        for comando in ("scan", "show", "api", "bridge"):
+            self.assertIn(comando, aiuto)
+        for argomenti in (["boh"], ["scan", "--boh"], ["api"], ["show", "a", "b"]):
+            uscita, errori = self.esegui(*argomenti, stato=2)
+            self.assertEqual(uscita, "")
+            self.assertIn("pellak-cleaner --help", errori)
+
+    def test_without_a_display_it_names_the_terminal_commands(self):
+        uscita, errori = self.esegui(stato=1)
+        self.assertEqual(uscita, "")
+        self.assertEqual(errori.count("\n"), 1)
+        self.assertIn("pellak-cleaner scan", errori)
+
+    def test_environment_that_cannot_work_is_said(self):
+        self.ambiente["PELLAK_TOOLS"] = "amiga"
+        self.assertIn("PELLAK_TOOLS", self.esegui("scan", stato=1)[1])
+        del self.ambiente["PELLAK_TOOLS"]
+        self.ambiente["HOME"] = "relativa"
+        self.assertIn("HOME", self.esegui("scan", stato=1)[1])
+
+    def test_results_that_cannot_be_written_out_are_an_error(self):
+        with open("/dev/full", "wb") as pieno:
+            import subprocess
+            from programma import PROGRAMMA
+            esito = subprocess.run([PROGRAMMA, "scan", "privacy"], env=self.ambiente,
+                                   stdout=pieno, stderr=subprocess.PIPE, timeout=60)
+        self.assertEqual(esito.returncode, 1)
+        self.assertIn("impossibile scrivere".encode(), esito.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()
