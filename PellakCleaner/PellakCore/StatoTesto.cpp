@@ -87,15 +87,19 @@ void scriviConteggi(JsonWriter& uscita, const Meta& meta, const Sec& sezione) {
 }  // namespace
 
 void scriviVoce(JsonWriter& uscita, const Voce& voce, FormatoData& date) {
-  uscita.beginObject();
-  uscita.key("path").text(voce.path);
-  uscita.key("size").integer(voce.size);
-  scriviDimensione(uscita, "size_h", voce.size);
-  uscita.key("when").openText();
-  date.append(uscita.uscita(), voce.mtime);
-  uscita.closeText();
-  uscita.key("mtime").number(voce.mtime);
-  uscita.endObject();
+  // By hand: a full reply holds a hundred thousand of these.
+  std::string& testo = uscita.openRaw();
+  testo += "{\"path\":\"";
+  appendJsonText(testo, voce.path);
+  testo += "\",\"size\":";
+  appendJsonInteger(testo, voce.size);
+  testo += ",\"size_h\":\"";
+  appendDimensione(testo, voce.size);
+  testo += "\",\"when\":\"";
+  date.append(testo, voce.mtime);
+  testo += "\",\"mtime\":";
+  appendJsonNumber(testo, voce.mtime);
+  testo += '}';
 }
 
 void scriviFinding(JsonWriter& uscita, const Finding& finding, FormatoData& date,

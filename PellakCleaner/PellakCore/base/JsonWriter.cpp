@@ -74,7 +74,9 @@ void appendEscaped(std::string& uscita, char c) {
   }
 }
 
-void appendText(std::string& uscita, std::string_view valore) {
+}  // namespace
+
+void appendJsonText(std::string& uscita, std::string_view valore) {
   while (!valore.empty()) {
     const std::size_t plain = plainRun(valore);
     uscita.append(valore.data(), plain);
@@ -91,7 +93,19 @@ void appendText(std::string& uscita, std::string_view valore) {
   }
 }
 
-}  // namespace
+void appendJsonInteger(std::string& uscita, std::int64_t valore) {
+  const fmt::format_int digits(valore);
+  uscita.append(digits.data(), digits.size());
+}
+
+void appendJsonNumber(std::string& uscita, double valore) {
+  if (!std::isfinite(valore)) valore = 0;
+  if (std::fabs(valore) < kExactIntegers && valore == std::trunc(valore)) {
+    appendJsonInteger(uscita, static_cast<std::int64_t>(valore));
+  } else {
+    fmt::format_to(std::back_inserter(uscita), "{}", valore);
+  }
+}
 
 void JsonWriter::separate() {
   if (comma_) uscita_ += ',';
@@ -142,24 +156,19 @@ JsonWriter& JsonWriter::textKey(std::string_view nome) {
 
 JsonWriter& JsonWriter::text(std::string_view valore) {
   openText();
-  appendText(uscita_, valore);
+  appendJsonText(uscita_, valore);
   return closeText();
 }
 
 JsonWriter& JsonWriter::integer(std::int64_t valore) {
   separate();
-  const fmt::format_int digits(valore);
-  uscita_.append(digits.data(), digits.size());
+  appendJsonInteger(uscita_, valore);
   return *this;
 }
 
 JsonWriter& JsonWriter::number(double valore) {
-  if (!std::isfinite(valore)) return integer(0);
-  if (std::fabs(valore) < kExactIntegers && valore == std::trunc(valore)) {
-    return integer(static_cast<std::int64_t>(valore));
-  }
   separate();
-  fmt::format_to(std::back_inserter(uscita_), "{}", valore);
+  appendJsonNumber(uscita_, valore);
   return *this;
 }
 
@@ -189,7 +198,7 @@ std::string JsonWriter::take() {
 
 std::string jsonText(std::string_view valore) {
   std::string uscita = "\"";
-  appendText(uscita, valore);
+  appendJsonText(uscita, valore);
   uscita += '"';
   return uscita;
 }

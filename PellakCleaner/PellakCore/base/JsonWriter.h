@@ -33,11 +33,15 @@ class JsonWriter {
   /// JSON text that is already complete.
   JsonWriter& raw(std::string_view json);
 
-  /// Direct access for formatters that append digits and plain ASCII of their own: an opened
-  /// string takes whatever is appended to `uscita()` until `closeText`.
+  /// A string whose content formatters of plain ASCII append to `uscita()` until `closeText`.
   JsonWriter& openText();
   JsonWriter& closeText();
   std::string& uscita() { return uscita_; }
+  /// The text so far, ready for one whole value that the caller appends.
+  std::string& openRaw() {
+    separate();
+    return uscita_;
+  }
 
   void reserve(std::size_t byte) { uscita_.reserve(byte); }
   /// The text so far; the writer is empty afterwards.
@@ -52,5 +56,13 @@ class JsonWriter {
 
 /// One JSON string, with its quotes.
 std::string jsonText(std::string_view valore);
+
+// The same values for code that writes thousands of equal objects and puts the punctuation there
+// itself, as one literal between two values.
+
+/// Appends what stands between the quotes of a JSON string.
+void appendJsonText(std::string& uscita, std::string_view valore);
+void appendJsonInteger(std::string& uscita, std::int64_t valore);
+void appendJsonNumber(std::string& uscita, double valore);
 
 }  // namespace pellak
