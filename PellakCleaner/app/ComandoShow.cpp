@@ -20,6 +20,10 @@ using FindingDiSezione = Engine::FindingDiSezione;
 
 constexpr int kUnknownFinding = 2;
 
+std::string quanteVoci(std::int64_t numero) {
+  return numero == 1 ? "1 voce" : std::to_string(numero) + " voci";
+}
+
 std::string senzaIcona(std::string_view /*chiave*/) { return {}; }
 
 /// The entries in the chosen order, at most as many as asked for.
@@ -75,10 +79,11 @@ void stampaVoci(const Finding& finding, const std::string& home) {
 void stampaFinding(const Finding& intero, const Finding& ridotto, const std::string& home) {
   stampa(grassetto(perTerminale(intero.name)) + "\n");
   if (!intero.note.empty()) stampa(perTerminale(intero.note) + "\n");
-  stampa(fmt::format("{} voci, {}\n\n", intero.quante(), dimensione(intero.totale())));
+  stampa(quanteVoci(intero.quante()) + ", " + dimensione(intero.totale()) + "\n\n");
   stampaVoci(ridotto, home);
   const std::int64_t nascoste = intero.quante() - ridotto.quante();
-  if (nascoste > 0) stampa(fmt::format("… e altre {} voci\n", nascoste));
+  if (nascoste == 1) stampa("… e un'altra voce\n");
+  if (nascoste > 1) stampa("… e altre " + quanteVoci(nascoste) + "\n");
 }
 
 int mostraElenco(const std::vector<FindingDiSezione>& findings, bool json) {
