@@ -65,8 +65,11 @@ TEST_F(ImpostazioniTest, ABrokenFileMeansDefaultsAndIsKeptAside) {
 }
 
 TEST_F(ImpostazioniTest, MembersOfAnotherVersionSurviveAWrite) {
-  fakes::scriviFile(store.impostazioni(), R"({"futura":{"a":[1,"è"]},"dup_min_mb":"x"})");
+  // 1e400 is beyond any double; it must not make the file unreadable.
+  fakes::scriviFile(store.impostazioni(),
+                    R"({"futura":{"a":[1,"è"]},"dup_min_mb":"x","enorme":1e400})");
   scrivi(R"({"auto_days":3})");
+  EXPECT_EQ(impostazioni.leggi().intero("auto_days"), 3);
   EXPECT_NE(fakes::leggiFile(store.impostazioni()).find(R"("futura":{"a":[1,"è"]})"),
             std::string::npos);
 }

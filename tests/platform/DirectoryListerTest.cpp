@@ -168,7 +168,7 @@ TEST_F(DirectoryListerTest, MakesDoWithFewDescriptors) {
   const auto expected = files(folder_.percorso());
   ASSERT_EQ(expected.size(), 1000U);
   const std::int64_t bytes = walker::treeSize(ambiente_, folder_.percorso());
-  for (const rlim_t most : {256, 64}) {
+  for (const rlim_t most : {rlim_t{256}, rlim_t{64}}) {
     const FewDescriptors scope(most);
     EXPECT_EQ(files(folder_.percorso()), expected) << most;
     EXPECT_EQ(walker::treeSize(ambiente_, folder_.percorso()), bytes) << most;

@@ -19,7 +19,6 @@ using ::testing::AnyOf;
 using ::testing::Contains;
 using ::testing::IsEmpty;
 using ::testing::Not;
-using ::testing::SizeIs;
 using ::testing::StartsWith;
 
 std::vector<std::string_view> idsDelCatalogo() {

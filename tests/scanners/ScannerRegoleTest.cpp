@@ -65,8 +65,8 @@ class ScannerRegoleTest : public ::testing::Test {
   std::function<bool()> stop_;
 
  private:
-  const Regole regole_;
-  const Config impostazioni_;
+  const Regole regole_{};
+  const Config impostazioni_{};
 };
 
 TEST_F(ScannerRegoleTest, MeasuresTheChildrenLargestFirst) {

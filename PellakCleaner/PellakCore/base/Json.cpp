@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "PellakCore/base/BytePath.h"
+#include "PellakCore/base/JsonWriter.h"
 
 namespace pellak {
 namespace {
@@ -67,6 +68,8 @@ std::optional<std::int64_t> Json::intero() const {
 std::optional<double> Json::numero() const {
   if (node_ == nullptr) return {};
   const bj::value& valore = *nodeOf(node_);
+  // Too large for a double: nothing a caller could work with.
+  if (valore.is_double() && !std::isfinite(valore.get_double())) return {};
   if (valore.is_double()) return valore.get_double();
   if (valore.is_int64()) return static_cast<double>(valore.get_int64());
   if (valore.is_uint64()) return static_cast<double>(valore.get_uint64());
@@ -116,7 +119,34 @@ void Json::perOgniMembro(const std::function<void(std::string, Json)>& visita) c
 }
 
 std::string Json::serializza() const {
-  return node_ == nullptr ? "null" : bj::serialize(*nodeOf(node_));
+  JsonWriter writer;
+  scrivi(writer);
+  return writer.take();
+}
+
+void Json::scrivi(JsonWriter& writer) const {
+  if (oggetto()) {
+    writer.beginObject();
+    perOgniMembro([&](const std::string& nome, Json membro) {
+      writer.textKey(nome);
+      membro.scrivi(writer);
+    });
+    writer.endObject();
+  } else if (lista()) {
+    writer.beginArray();
+    perOgni([&](Json elemento) { elemento.scrivi(writer); });
+    writer.endArray();
+  } else if (const auto valore = testo()) {
+    writer.text(*valore);
+  } else if (const auto booleano_ = booleano()) {
+    writer.boolean(*booleano_);
+  } else if (const auto intero_ = intero()) {
+    writer.integer(*intero_);
+  } else if (const auto numero_ = numero()) {
+    writer.number(*numero_);
+  } else {
+    writer.raw("null");
+  }
 }
 
 JsonDocument::JsonDocument(std::unique_ptr<Contenuto> contenuto)

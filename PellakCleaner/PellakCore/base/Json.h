@@ -14,6 +14,7 @@
 namespace pellak {
 
 class JsonDocument;
+class JsonWriter;
 
 /// A place in a parsed document, read leniently: what is absent or of another type answers with
 /// the default. Small and freely copied; valid as long as its `JsonDocument` lives. A
@@ -55,6 +56,7 @@ class Json {
 
  private:
   friend class JsonDocument;
+  void scrivi(JsonWriter& writer) const;
   explicit Json(const void* node) : node_(node) {}
 
   const void* node_ = nullptr;

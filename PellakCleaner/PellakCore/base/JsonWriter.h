@@ -26,7 +26,7 @@ class JsonWriter {
 
   JsonWriter& text(std::string_view valore);
   JsonWriter& integer(std::int64_t valore);
-  /// Whole numbers without a fraction, others in their shortest exact form, no finite value lost;
+  /// Whole numbers without a fraction, others in the shortest form that stands for the same double;
   /// infinities and NaN, which JSON can't hold, become 0.
   JsonWriter& number(double valore);
   JsonWriter& boolean(bool valore);

@@ -1,7 +1,9 @@
 #include "platform/linux/IconImage.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <gdk-pixbuf/gdk-pixbuf.h>
+#include <string_view>
 
 #include "platform/linux/GlibPtr.h"
 #include "platform/posix/FilesPosix.h"
@@ -18,22 +20,49 @@ struct Size {
 };
 
 Size fitted(Size image, int side) {
-  const int longest = std::max({image.width, image.height, 1});
+  const std::int64_t longest = std::max({image.width, image.height, 1});
   if (longest <= side) return image;
-  return {std::max(image.width * side / longest, 1), std::max(image.height * side / longest, 1)};
+  const auto scaled = [&](std::int64_t length) {
+    return static_cast<int>(std::max<std::int64_t>(length * side / longest, 1));
+  };
+  return {scaled(image.width), scaled(image.height)};
 }
 
-/// Decoders that can draw at any size do so at once; a size of zero makes them give up.
-void chooseSize(GdkPixbufLoader* loader, int width, int height, void* wanted) {
-  const bool tooLarge = width > kMaxSide || height > kMaxSide;
-  const Size size =
-      tooLarge ? Size{0, 0} : fitted({width, height}, *static_cast<const int*>(wanted));
+/// How an image is to be decoded.
+struct Wanted {
+  int side;
+  bool drawn;  ///< vectors: the size they state costs nothing
+};
+
+/// Decoders that can draw at any size do so at once; a size of zero makes the others give up.
+void chooseSize(GdkPixbufLoader* loader, int width, int height, void* user) {
+  const auto& wanted = *static_cast<const Wanted*>(user);
+  const bool tooLarge = !wanted.drawn && (width > kMaxSide || height > kMaxSide);
+  const Size size = tooLarge ? Size{0, 0} : fitted({width, height}, wanted.side);
   gdk_pixbuf_loader_set_size(loader, size.width, size.height);
 }
 
+/// Icons come in three formats; telling them here needs no database of file types. nullptr for
+/// all others.
+const char* formatOf(std::string_view content) {
+  if (content.starts_with("\x89PNG")) return "png";
+  if (content.starts_with("/* XPM */")) return "xpm";
+  const bool compressed = content.starts_with("\x1f\x8b");
+  return compressed || content.starts_with('<') ? "svg" : nullptr;
+}
+
+GlibObject<GdkPixbufLoader> loaderFor(const char* format) {
+  return GlibObject<GdkPixbufLoader>(format == nullptr
+                                         ? gdk_pixbuf_loader_new()
+                                         : gdk_pixbuf_loader_new_with_type(format, nullptr));
+}
+
 GlibObject<GdkPixbuf> decoded(const std::string& content, int side) {
-  const GlibObject<GdkPixbufLoader> loader(gdk_pixbuf_loader_new());
-  g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(chooseSize), &side);
+  const char* format = formatOf(content);
+  const GlibObject<GdkPixbufLoader> loader = loaderFor(format);
+  if (loader == nullptr) return nullptr;
+  Wanted wanted{side, format != nullptr && std::string_view(format) == "svg"};
+  g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(chooseSize), &wanted);
   const auto* bytes = reinterpret_cast<const unsigned char*>(content.data());
   const bool written = gdk_pixbuf_loader_write(loader.get(), bytes, content.size(), nullptr) != 0;
   // Closed in any case, otherwise the library complains aloud.

@@ -1,8 +1,6 @@
 #include <array>
 #include <climits>
-#include <pwd.h>
 #include <unistd.h>
-#include <vector>
 
 #include "platform/Native.h"
 #include "platform/linux/ApplicationsLinux.h"
@@ -10,6 +8,7 @@
 #include "platform/linux/FileManagerLinux.h"
 #include "platform/posix/ClockPosix.h"
 #include "platform/posix/FilesPosix.h"
+#include "platform/posix/HomeFolder.h"
 #include "platform/posix/ProcessLauncherPosix.h"
 
 namespace pellak {
@@ -30,17 +29,7 @@ class NativeLinux : public Native {
                           : std::string(percorso.data(), static_cast<std::size_t>(lunghezza));
   }
 
-  std::string homeFolder() const override {
-    constexpr std::size_t kRecordBytes = std::size_t{16} << 10U;
-    std::vector<char> memoria(kRecordBytes);
-    passwd record{};
-    passwd* trovato = nullptr;
-    if (::getpwuid_r(::getuid(), &record, memoria.data(), memoria.size(), &trovato) != 0 ||
-        trovato == nullptr) {
-      return {};
-    }
-    return record.pw_dir;
-  }
+  std::string homeFolder() const override { return posix::homeFolder(); }
 
  private:
   posix::FilesPosix files_;

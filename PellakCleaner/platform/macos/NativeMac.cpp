@@ -1,0 +1,49 @@
+#include <cstdint>
+#include <mach-o/dyld.h>
+#include <string>
+
+#include "platform/Native.h"
+#include "platform/macos/ApplicationsMac.h"
+#include "platform/macos/DirectoryListerMac.h"
+#include "platform/macos/FileManagerMac.h"
+#include "platform/posix/ClockPosix.h"
+#include "platform/posix/FilesPosix.h"
+#include "platform/posix/HomeFolder.h"
+#include "platform/posix/ProcessLauncherPosix.h"
+
+namespace pellak {
+namespace {
+
+class NativeMac : public Native {
+ public:
+  Platform platform() override {
+    return {files_, clock_, lister_, launcher_, fileManager_, applicazioni_};
+  }
+
+  FamigliaStrumenti famiglia() const override { return FamigliaStrumenti::macos; }
+
+  std::string executablePath() const override {
+    std::uint32_t lunghezza = 0;
+    _NSGetExecutablePath(nullptr, &lunghezza);
+    std::string percorso(lunghezza, '\0');
+    if (_NSGetExecutablePath(percorso.data(), &lunghezza) != 0) return {};
+    percorso.resize(percorso.find('\0'));
+    return percorso;
+  }
+
+  std::string homeFolder() const override { return posix::homeFolder(); }
+
+ private:
+  posix::FilesPosix files_;
+  posix::ClockPosix clock_;
+  native::DirectoryListerMac lister_;
+  posix::ProcessLauncherPosix launcher_;
+  native::FileManagerMac fileManager_;
+  native::ApplicationsMac applicazioni_;
+};
+
+}  // namespace
+
+std::unique_ptr<Native> creaNative() { return std::make_unique<NativeMac>(); }
+
+}  // namespace pellak
