@@ -41,7 +41,7 @@ function(pellak_test target)
   add_executable(${target} ${ARG_SOURCES})
   target_include_directories(${target} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   target_link_libraries(${target} PRIVATE pellak_flags ${ARG_LINKS} GTest::gmock_main)
-  gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
+  gtest_discover_tests(${target} NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
 endfunction()
 
 # pellak_fuzz(<target> SOURCES <file>... LINKS <target>... CORPUS <folder>): a libFuzzer target

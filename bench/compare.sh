@@ -1,0 +1,132 @@
+#!/usr/bin/env bash
+# compare.sh WALK_TOOL [FOLDER]: times pellak-walk-bench against the system's programs on a tree
+# like a real home, each round running all of them in turn, and checks that all find the same.
+#
+# FOLDER holds the tree (made there when missing, about 3 GB; default in the temporary folder).
+# ROUNDS (7) and COLD_ROUNDS (5) say how often; cold rounds need the right to drop the caches.
+set -euo pipefail
+
+tool=$1
+corpus=${2:-${TMPDIR:-/tmp}/pellak-bench-corpus}
+rounds=${ROUNDS:-7}
+cold_rounds=${COLD_ROUNDS:-5}
+threshold=5242881
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+if [[ ! -d $corpus ]]; then
+  printf 'making %s\n' "$corpus"
+  "$(dirname "$0")/make_corpus.py" "$corpus"
+fi
+home=$corpus/home
+huge=$corpus/huge
+deep=$corpus/deep
+
+# The programs, by name; each prints what it found. Sizes above a limit are at least limit + 1.
+run_find_list()  { find "$1" -type f -size "+$((threshold - 1))c" -print0; }
+run_fd_list()    { fdfind -0 -HI -t f -S "+${threshold}b" . "$1"; }
+run_ours_list()  { "$tool" list "$threshold" "$1"; }
+run_du_home()    { du -sl --block-size=1 "$1"; }
+run_gdu_home()   { gdu --non-interactive --no-progress --summarize "$1"; }
+run_ours_home()  { "$tool" home "$1"; }
+run_ours_size()  { "$tool" size "$1"; }
+
+available() {
+  case $1 in
+    fd_*) command -v fdfind >/dev/null ;;
+    gdu_*) command -v gdu >/dev/null ;;
+  esac
+}
+
+fail() {
+  printf 'DIFFERENT: %s\n' "$1" >&2
+  exit 1
+}
+
+# --- The same answers ---------------------------------------------------------------------------
+same_files() {
+  run_find_list "$1" | sort -z >"$work/find"
+  run_ours_list "$1" | sort -z >"$work/ours"
+  cmp -s "$work/find" "$work/ours" || fail "files listed by find and by us in $1"
+  printf 'same %d files as find: %s\n' "$(tr -cd '\0' <"$work/ours" | wc -c)" "$1"
+}
+
+same_as_fd() {
+  available fd_list || return 0
+  run_fd_list "$1" | sort -z >"$work/fd"
+  cmp -s "$work/fd" "$work/ours" || fail "files listed by fd and by us in $1"
+  printf 'same files as fd: %s\n' "$1"
+}
+
+# du also counts the blocks of folders and of symbolic links.
+same_bytes() {
+  local du own ours alone
+  du=$(run_du_home "$1" | cut -f1)
+  own=$(find "$1" \( -type d -o -type l \) -printf '%b\n' | awk '{ b += $1 } END { print b * 512 }')
+  ours=$(run_ours_home "$1")
+  alone=$(run_ours_size "$1")
+  printf 'du -sl %d - folders and links %d = %d; together %d, alone %d: %s\n' \
+    "$du" "$own" "$((du - own))" "$ours" "$alone" "$1"
+  [[ $((du - own)) -eq $ours && $ours -eq $alone ]] || fail "bytes in $1"
+}
+
+# --- Times --------------------------------------------------------------------------------------
+drop_caches() {
+  sync
+  echo 3 >/proc/sys/vm/drop_caches
+}
+
+# time_one NAME FOLDER FILE: appends the milliseconds that one run takes.
+time_one() {
+  local begin=$EPOCHREALTIME end
+  "run_$1" "$2" >"$work/output" 2>/dev/null
+  end=$EPOCHREALTIME
+  echo $(((${end/./} - ${begin/./}) / 100)) >>"$3"
+}
+
+median() { sort -n "$1" | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
+
+# compare TITLE warm|cold FOLDER OURS PEER...
+compare() {
+  local title=$1 state=$2 folder=$3 count=$rounds name round
+  shift 3
+  local names=()
+  for name; do available "$name" && names+=("$name"); done
+  [[ $state == cold ]] && count=$cold_rounds
+  rm -f "$work"/t.*
+  if [[ $state == warm ]]; then "run_$1" "$folder" >/dev/null; fi
+  for ((round = 0; round < count; ++round)); do
+    for name in "${names[@]}"; do
+      if [[ $state == cold ]]; then drop_caches; fi
+      time_one "$name" "$folder" "$work/t.$name"
+    done
+  done
+  local ours
+  ours=$(median "$work/t.$1")
+  printf '%-28s %s' "$title" "$state"
+  for name in "${names[@]}"; do
+    awk -v n="$name" -v t="$(median "$work/t.$name")" -v o="$ours" \
+      'BEGIN { printf "  %s %.1f ms (%.2fx)", n, t / 10, t / o }'
+  done
+  printf '\n'
+}
+
+same_files "$home"
+same_as_fd "$home"
+same_files "$huge"
+same_as_fd "$huge"
+same_files "$deep"
+same_bytes "$home"
+same_bytes "$huge"
+same_bytes "$deep"
+
+states=(warm)
+if [[ -w /proc/sys/vm/drop_caches ]]; then states+=(cold); fi
+printf 'medians; in brackets: times as long as the first\n'
+for state in "${states[@]}"; do
+  compare 'large files in a home' "$state" "$home" ours_list find_list fd_list
+  compare 'large files in one folder' "$state" "$huge" ours_list find_list fd_list
+  compare 'bytes of a home' "$state" "$home" ours_home du_home gdu_home
+  compare 'bytes of a home, one thread' "$state" "$home" ours_size du_home
+  compare 'bytes of 2,000 levels' "$state" "$deep" ours_size du_home
+done
