@@ -191,6 +191,27 @@ std::vector<Engine::FindingDiSezione> Engine::findings(std::string_view sezione)
   return copie;
 }
 
+std::optional<Finding> Engine::finding(std::string_view id) {
+  const MutexLock hold(lock_);
+  const Finding* trovato = cercaLocked(id);
+  if (trovato == nullptr) return {};
+  return *trovato;
+}
+
+bool Engine::modificaFinding(std::string_view id, const std::function<void(Finding&)>& modifica) {
+  const MutexLock hold(lock_);
+  for (auto& [nome, sezione] : state_) {
+    for (Finding& finding : sezione.findings) {
+      if (finding.id != id) continue;
+      modifica(finding);
+      ++sezione.findingsVer;
+      touchLocked();
+      return true;
+    }
+  }
+  return false;
+}
+
 std::string Engine::icona(std::string_view chiave) {
   const bool nuova = icone_.nota(chiave).empty();
   std::string url = icone_.icona(chiave);

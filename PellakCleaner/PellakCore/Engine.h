@@ -115,6 +115,13 @@ class Engine {
   };
   std::vector<FindingDiSezione> findings(std::string_view sezione = {});
 
+  /// A copy of one finding of whatever section; nothing when there is none.
+  std::optional<Finding> finding(std::string_view id);
+
+  /// Changes one finding in place under the lock and makes the next snapshot a new one; false when
+  /// there is no such finding. `modifica` must not call the engine.
+  bool modificaFinding(std::string_view id, const std::function<void(Finding&)>& modifica);
+
   /// The icon of an application as a data URL; empty when there is none.
   std::string icona(std::string_view chiave);
 

@@ -27,6 +27,12 @@ std::vector<std::string> themeBases(const XdgFolders& folders) {
   return bases;
 }
 
+std::string below(std::string folder, std::string_view name) {
+  folder += '/';
+  folder += name;
+  return folder;
+}
+
 bool isFolder(const std::string& path) {
   struct stat info {};
   return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
@@ -87,7 +93,8 @@ int distance(int smallest, int largest, int side) {
 
 std::string fileIn(const std::string& folder, const std::string& name) {
   for (const char* suffix : kSuffixes) {
-    std::string path = folder + "/" + name + suffix;
+    std::string path = below(folder, name);
+    path += suffix;
     if (isFile(path)) return path;
   }
   return {};
@@ -114,7 +121,7 @@ void IconThemeLinux::addTheme(const std::string& name, std::vector<std::string>&
   if (!plainName(name)) return;
   std::optional<KeyFile> index;
   for (const std::string& base : bases_) {
-    if (!index) index = KeyFile::load(base + "/" + name + "/index.theme", kMaxIndexBytes);
+    if (!index) index = KeyFile::load(below(below(base, name), "index.theme"), kMaxIndexBytes);
   }
   if (!index) return;
   constexpr const char* kGroup = "Icon Theme";
@@ -140,7 +147,7 @@ void IconThemeLinux::addTheme(const std::string& name, std::vector<std::string>&
       continue;
     }
     for (const std::string& base : bases_) {
-      std::string path = base + "/" + name + "/" + folder;
+      std::string path = below(below(base, name), folder);
       if (isFolder(path)) theme.push_back({std::move(path), smallest * scale, largest * scale});
     }
   }

@@ -4,17 +4,16 @@
 #include <cstdlib>
 #include <glib.h>
 #include <string_view>
-#include <utility>
 
 namespace pellak::linux_ {
 namespace {
 
-std::string variable(const char* name, std::string otherwise) {
+std::string variable(const char* name, const std::string& otherwise) {
   const char* value = std::getenv(name);
-  return value != nullptr && *value != '\0' ? std::string(value) : std::move(otherwise);
+  return value != nullptr && *value != '\0' ? std::string(value) : otherwise;
 }
 
-std::string folderVariable(const char* name, std::string otherwise) {
+std::string folderVariable(const char* name, const std::string& otherwise) {
   std::string value = variable(name, otherwise);
   return value.starts_with('/') ? value : otherwise;
 }
