@@ -36,7 +36,7 @@ stage_shell() {
     say "shell: shellcheck is not installed, skipped"
     return
   fi
-  shellcheck -x .ci/run scripts/*.sh
+  shellcheck -x .ci/run scripts/*.sh bench/*.sh
 }
 
 stage_tidy() {

@@ -11,7 +11,7 @@
 #include "platform/linux/RunningPrograms.h"
 #include "platform/posix/ProcessLauncherPosix.h"
 
-namespace pellak::linux_ {
+namespace pellak::native {
 namespace {
 
 using namespace std::chrono_literals;
@@ -286,4 +286,4 @@ TEST_F(ApplicationsLinuxTest, KnowsProcessesByUnitSandboxAndProgram) {
 }
 
 }  // namespace
-}  // namespace pellak::linux_
+}  // namespace pellak::native

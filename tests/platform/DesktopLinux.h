@@ -7,7 +7,7 @@
 
 #include "fakes/CartellaTemporanea.h"
 
-namespace pellak::linux_ {
+namespace pellak::native {
 
 /// A user's desktop in a folder of its own: home, shared files and programs, no message bus.
 class DesktopLinux : public testing::Test {
@@ -37,4 +37,4 @@ class DesktopLinux : public testing::Test {
   fakes::CartellaTemporanea home;
 };
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

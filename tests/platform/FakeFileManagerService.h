@@ -10,7 +10,7 @@
 
 #include "platform/linux/GlibPtr.h"
 
-namespace pellak::linux_ {
+namespace pellak::native {
 
 /// Answers as org.freedesktop.FileManager1 on the bus at `address`, on a thread of its own.
 class FakeFileManagerService {
@@ -95,4 +95,4 @@ class FakeFileManagerService {
   std::thread thread_;
 };
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

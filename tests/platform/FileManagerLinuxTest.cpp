@@ -8,7 +8,7 @@
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/ProcessLauncherPosix.h"
 
-namespace pellak::linux_ {
+namespace pellak::native {
 namespace {
 
 using namespace std::chrono_literals;
@@ -132,4 +132,4 @@ TEST_F(FileManagerLinuxTest, AnApplicationThatStaysOpenAndTalksLivesOn) {
 }
 
 }  // namespace
-}  // namespace pellak::linux_
+}  // namespace pellak::native

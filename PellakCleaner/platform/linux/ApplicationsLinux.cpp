@@ -10,7 +10,7 @@
 #include "platform/linux/RunningPrograms.h"
 #include "platform/linux/XdgFolders.h"
 
-namespace pellak::linux_ {
+namespace pellak::native {
 namespace {
 
 constexpr int kIconSide = 64;
@@ -63,4 +63,4 @@ Result<std::string> ApplicationsLinux::iconPng(std::string_view chiave) {
   return iconImagePng(path, kIconSide);
 }
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

@@ -8,7 +8,7 @@
 
 #include "platform/Applications.h"
 
-namespace pellak::linux_ {
+namespace pellak::native {
 
 /// The applications of the desktop's ".desktop" files, with their icons from the icon theme.
 /// Nothing is read before the first request; what was read is kept until a folder of entries
@@ -31,4 +31,4 @@ class ApplicationsLinux final : public Applications {
   std::shared_ptr<Installed> installed_;
 };
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

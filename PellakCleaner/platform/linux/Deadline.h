@@ -8,7 +8,7 @@
 
 #include "platform/linux/GlibPtr.h"
 
-namespace pellak::linux_ {
+namespace pellak::native {
 
 /// Cancels GLib calls that take longer than allowed, connecting and authenticating included,
 /// which have no limit of their own. Its thread ends with it.
@@ -44,4 +44,4 @@ class Deadline {
   std::thread timer_;
 };
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

@@ -8,7 +8,7 @@
 #include "platform/linux/GlibPtr.h"
 #include "platform/linux/KeyFile.h"
 
-namespace pellak::linux_ {
+namespace pellak::native {
 namespace {
 
 namespace fs = std::filesystem;
@@ -154,4 +154,4 @@ const DesktopEntry* DesktopEntries::find(std::string_view key) const {
   return first([&](const auto& e) { return sameName(e.info.name, key) || e.plainName == key; });
 }
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

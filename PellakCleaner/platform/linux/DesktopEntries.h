@@ -9,7 +9,7 @@
 
 #include "platform/Applications.h"
 
-namespace pellak::linux_ {
+namespace pellak::native {
 
 /// One application as its ".desktop" file describes it.
 struct DesktopEntry {
@@ -49,4 +49,4 @@ std::string programOf(const std::string& exec);
 /// Whether a program of that file name runs other programs' code, so that its name says nothing.
 bool isInterpreter(std::string_view fileName);
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

@@ -82,7 +82,8 @@ class HandleLinux final : public DirectoryHandle {
 
   static Result<std::shared_ptr<DirectoryHandle>> wrap(Result<posix::Descriptor> folder) {
     if (!folder) return folder.error();
-    return std::shared_ptr<DirectoryHandle>(std::make_shared<HandleLinux>(std::move(folder).value()));
+    return std::shared_ptr<DirectoryHandle>(
+        std::make_shared<HandleLinux>(std::move(folder).value()));
   }
 
  private:

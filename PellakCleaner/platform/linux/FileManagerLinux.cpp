@@ -11,7 +11,7 @@
 #include "platform/linux/GlibPtr.h"
 #include "platform/linux/SessionBus.h"
 
-namespace pellak::linux_ {
+namespace pellak::native {
 namespace {
 
 constexpr std::chrono::seconds kBusPatience{5};
@@ -122,4 +122,4 @@ Result<void> FileManagerLinux::open(std::string_view percorso) {
   return xdgOpen(launcher_, std::string(percorso));
 }
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

@@ -7,7 +7,7 @@
 #include "platform/FileManager.h"
 #include "platform/ProcessLauncher.h"
 
-namespace pellak::linux_ {
+namespace pellak::native {
 
 /// Shows items through the file manager's interface on the user's message bus
 /// (org.freedesktop.FileManager1); without a bus, or when nobody answers there, opens the folders
@@ -25,4 +25,4 @@ class FileManagerLinux final : public FileManager {
   ProcessLauncher& launcher_;
 };
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

@@ -4,7 +4,7 @@
 #include <memory>
 
 // For .cpp files of this folder only: the heavy headers stay out of everything else.
-namespace pellak::linux_ {
+namespace pellak::native {
 
 struct GlibFree {
   void operator()(void* memory) const { g_free(memory); }
@@ -25,4 +25,4 @@ using GlibError = std::unique_ptr<GError, GlibErrorFree>;
 template <class T>
 using GlibObject = std::unique_ptr<T, GlibUnref>;
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

@@ -8,7 +8,7 @@
 #include "platform/linux/GlibPtr.h"
 #include "platform/posix/FilesPosix.h"
 
-namespace pellak::linux_ {
+namespace pellak::native {
 namespace {
 
 constexpr std::size_t kMaxFileBytes = std::size_t{8} << 20U;
@@ -92,4 +92,4 @@ Result<std::string> iconImagePng(const std::string& path, int side) {
   return std::string(bytes, count);
 }
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

@@ -11,7 +11,7 @@
 #include "platform/linux/KeyFile.h"
 #include "platform/linux/SessionBus.h"
 
-namespace pellak::linux_ {
+namespace pellak::native {
 namespace {
 
 constexpr std::size_t kMaxIndexBytes = std::size_t{1} << 20U;
@@ -188,4 +188,4 @@ std::string IconThemeLinux::find(std::string_view name, int side) {
   return {};
 }
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

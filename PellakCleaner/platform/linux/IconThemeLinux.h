@@ -7,7 +7,7 @@
 
 #include "platform/linux/XdgFolders.h"
 
-namespace pellak::linux_ {
+namespace pellak::native {
 
 /// Finds icons by name: in the user's theme, in the themes it inherits from, in the common
 /// fallback theme and last among the loose files. Themes are read at the first look-up and kept.
@@ -39,4 +39,4 @@ class IconThemeLinux {
   std::vector<Theme> themes_;  ///< most important first
 };
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

@@ -5,7 +5,7 @@
 #include "platform/linux/GlibPtr.h"
 #include "platform/posix/FilesPosix.h"
 
-namespace pellak::linux_ {
+namespace pellak::native {
 namespace {
 
 std::string taken(char* text) {
@@ -65,4 +65,4 @@ int KeyFile::integer(const char* group, const char* key, int otherwise) const {
   return error == nullptr ? value : otherwise;
 }
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

@@ -7,7 +7,7 @@
 
 struct _GKeyFile;
 
-namespace pellak::linux_ {
+namespace pellak::native {
 
 /// A file of "[group]" and "key=value" lines: desktop entries, icon themes, toolkit settings.
 /// Absent keys and values of another type answer with the default.
@@ -32,4 +32,4 @@ class KeyFile {
   std::unique_ptr<_GKeyFile, Free> file_;
 };
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

@@ -36,8 +36,8 @@ class NativeLinux : public Native {
   posix::ClockPosix clock_;
   native::DirectoryListerLinux lister_;
   posix::ProcessLauncherPosix launcher_;
-  linux_::FileManagerLinux fileManager_{launcher_};
-  linux_::ApplicationsLinux applicazioni_;
+  native::FileManagerLinux fileManager_{launcher_};
+  native::ApplicationsLinux applicazioni_;
 };
 
 }  // namespace

@@ -10,7 +10,7 @@
 #include "platform/linux/KeyFile.h"
 #include "platform/posix/Descriptor.h"
 
-namespace pellak::linux_ {
+namespace pellak::native {
 namespace {
 
 namespace fs = std::filesystem;
@@ -168,4 +168,4 @@ bool belongsTo(const RunningProgram& process, const DesktopEntry& entry) {
   return !process.program.empty() && runsProgram(process, entry.info.executable);
 }
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

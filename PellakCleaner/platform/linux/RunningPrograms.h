@@ -5,7 +5,7 @@
 
 #include "platform/linux/DesktopEntries.h"
 
-namespace pellak::linux_ {
+namespace pellak::native {
 
 /// What /proc tells about one process.
 struct RunningProgram {
@@ -22,4 +22,4 @@ std::vector<RunningProgram> runningPrograms();
 /// or running its program. Processes that an interpreter runs are told by their script.
 bool belongsTo(const RunningProgram& process, const DesktopEntry& entry);
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

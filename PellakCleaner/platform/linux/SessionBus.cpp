@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <sys/stat.h>
 
-namespace pellak::linux_ {
+namespace pellak::native {
 
 std::string sessionBusAddress() {
   if (const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
@@ -19,4 +19,4 @@ std::string sessionBusAddress() {
   return "unix:path=" + socket;
 }
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

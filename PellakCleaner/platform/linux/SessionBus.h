@@ -2,9 +2,9 @@
 
 #include <string>
 
-namespace pellak::linux_ {
+namespace pellak::native {
 
 /// Address of the user's message bus; empty when none runs. Never starts one.
 std::string sessionBusAddress();
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

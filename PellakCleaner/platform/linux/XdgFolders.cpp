@@ -5,7 +5,7 @@
 #include <glib.h>
 #include <string_view>
 
-namespace pellak::linux_ {
+namespace pellak::native {
 namespace {
 
 std::string variable(const char* name, const std::string& otherwise) {
@@ -46,4 +46,4 @@ XdgFolders xdgFolders() {
   return folders;
 }
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

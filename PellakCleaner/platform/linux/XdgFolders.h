@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-namespace pellak::linux_ {
+namespace pellak::native {
 
 /// The base folders of the desktop's shared files, most important first.
 struct XdgFolders {
@@ -16,4 +16,4 @@ struct XdgFolders {
 /// export comes last. Relative entries are ignored. Only names: nothing is read.
 XdgFolders xdgFolders();
 
-}  // namespace pellak::linux_
+}  // namespace pellak::native

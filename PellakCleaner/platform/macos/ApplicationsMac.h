@@ -6,7 +6,7 @@
 
 #include "platform/Applications.h"
 
-namespace pellak::macos {
+namespace pellak::native {
 
 /// Application bundles as the workspace and the launch services know them.
 class ApplicationsMac final : public Applications {
@@ -16,4 +16,4 @@ class ApplicationsMac final : public Applications {
   Result<std::string> iconPng(std::string_view chiave) override;
 };
 
-}  // namespace pellak::macos
+}  // namespace pellak::native

@@ -2,7 +2,7 @@
 
 #import <AppKit/AppKit.h>
 
-namespace pellak::macos {
+namespace pellak::native {
 namespace {
 
 constexpr CGFloat kIconSide = 64;
@@ -95,4 +95,4 @@ Result<std::string> ApplicationsMac::iconPng(std::string_view chiave) {
   }
 }
 
-}  // namespace pellak::macos
+}  // namespace pellak::native

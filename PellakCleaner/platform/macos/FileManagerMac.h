@@ -6,7 +6,7 @@
 
 #include "platform/FileManager.h"
 
-namespace pellak::macos {
+namespace pellak::native {
 
 /// Finder and the default applications, through the workspace.
 class FileManagerMac final : public FileManager {
@@ -15,4 +15,4 @@ class FileManagerMac final : public FileManager {
   Result<void> open(std::string_view percorso) override;
 };
 
-}  // namespace pellak::macos
+}  // namespace pellak::native

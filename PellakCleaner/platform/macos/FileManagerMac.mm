@@ -2,7 +2,7 @@
 
 #import <AppKit/AppKit.h>
 
-namespace pellak::macos {
+namespace pellak::native {
 namespace {
 
 /// From bytes, not from text: a name need not be valid Unicode.
@@ -39,4 +39,4 @@ Result<void> FileManagerMac::open(std::string_view percorso) {
   }
 }
 
-}  // namespace pellak::macos
+}  // namespace pellak::native
