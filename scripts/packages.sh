@@ -13,6 +13,7 @@ DEBIAN_RUN=(
   libgdk-pixbuf-2.0-dev
   libglib2.0-dev
   librsvg2-common
+  libssl-dev
   ninja-build
   pkg-config
   xdg-utils
@@ -26,6 +27,7 @@ DEBIAN_TEST=(
   libgmock-dev
   libgtest-dev
   python3
+  rmlint
   shellcheck
   strace
 )

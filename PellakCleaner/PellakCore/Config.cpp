@@ -74,12 +74,6 @@ std::string senzaBianchi(std::string_view testo) {
   return std::string(testo.substr(inizio, testo.find_last_not_of(kBianchi) - inizio + 1));
 }
 
-void scriviTesti(JsonWriter& uscita, const std::vector<std::string>& testi) {
-  uscita.beginArray();
-  for (const std::string& testo : testi) uscita.text(testo);
-  uscita.endArray();
-}
-
 template <class T>
 const T* valoreDi(const std::map<std::string, Config::Valore, std::less<>>& raw,
                   std::string_view chiave) {
@@ -141,8 +135,7 @@ void Config::scriviValori(JsonWriter& uscita) const {
   for (const Interruttore& voce : kBooleani) {
     uscita.key(voce.chiave).boolean(booleano(voce.chiave));
   }
-  uscita.key(kEsclusi);
-  scriviTesti(uscita, testi(kEsclusi));
+  uscita.key(kEsclusi).texts(testi(kEsclusi));
   uscita.endObject();
 }
 

@@ -4,9 +4,11 @@
 #include <array>
 #include <chrono>
 #include <cstdlib>
+#include <exception>
 #include <utility>
 
 #include "PellakCore/Catalogo.h"
+#include "PellakCore/base/Motivo.h"
 
 namespace pellak {
 namespace {
@@ -15,26 +17,40 @@ constexpr std::size_t kMaxRulesBytes = std::size_t{16} << 20U;
 constexpr std::size_t kMaxResultBytes = std::size_t{1} << 30U;
 /// Icons come in bursts; one write serves a burst.
 constexpr std::chrono::milliseconds kIconSaveDelay{2000};
+/// Folders measured at once; each measure has threads of its own.
+constexpr std::size_t kMapJobs = 2;
 
 }  // namespace
 
 Engine::Engine(AmbienteEngine ambiente)
     : ambiente_(std::move(ambiente)),
-      icone_(ambiente_.files, ambiente_.applicazioni, ambiente_.store.icone()) {
-  const MutexLock hold(lock_);
-  for (const Meta& meta : metas()) state_.emplace(meta.id, Sec());
-  const Result<std::string> salvati =
-      ambiente_.files.read(ambiente_.store.risultati(), kMaxResultBytes);
-  if (salvati) {
-    if (!leggiRisultati(*salvati, state_)) {
-      avvisa("risultati salvati illeggibili: si riparte da zero");
-    }
+      icone_(ambiente_.files, ambiente_.applicazioni, ambiente_.store.icone()),
+      mappa_(ambiente_.lister, sfondo_),
+      sfondo_(kMapJobs) {
+  {
+    const MutexLock ordine(saveLock_);
+    stampRisultati_ = ambiente_.files.stamp(ambiente_.store.risultati());
+  }
+  {
+    const MutexLock hold(lock_);
+    for (const Meta& meta : metas()) state_.emplace(meta.id, Sec());
+    caricaRisultati();
   }
   icone_.carica();
 }
 
+void Engine::caricaRisultati() {
+  const Result<std::string> salvati =
+      ambiente_.files.read(ambiente_.store.risultati(), kMaxResultBytes);
+  if (!salvati && salvati.error().kind == ErrorKind::missing) return;
+  if (salvati && leggiRisultati(*salvati, state_)) return;
+  risultatiGuasti_ = true;
+  avvisa("risultati salvati illeggibili: si riparte da zero");
+}
+
 Engine::~Engine() {
   stop();
+  sfondo_.stop();
   attendiFine();
   if (!icone_.salva()) avvisa("icone non salvate");
 }
@@ -54,7 +70,14 @@ bool Engine::start(std::string_view sezione, bool automatica) {
     }
     touchLocked();
   }
-  workQ_.post([this] { eseguiCoda(); });
+  try {
+    workQ_.post([this] { eseguiCoda(); });
+  } catch (const std::exception&) {
+    const MutexLock hold(lock_);
+    queue_.clear();
+    touchLocked();
+    throw;
+  }
   return true;
 }
 
@@ -90,6 +113,13 @@ std::shared_ptr<const Snapshot> Engine::snapshot() {
   return cachedState_;
 }
 
+bool Engine::scandibile(const Meta& meta) const {
+  const auto& speciali = ambiente_.scanner.speciali;
+  const bool conRegole = ambiente_.scanner.regole && !meta.cats.empty();
+  return conRegole || std::any_of(meta.specials.begin(), meta.specials.end(),
+                                  [&](std::string_view id) { return speciali.contains(id); });
+}
+
 std::shared_ptr<const Snapshot> Engine::costruisciLocked() {
   auto nuovo = std::make_shared<Snapshot>();
   nuovo->ver = stateVer_;
@@ -100,8 +130,8 @@ std::shared_ptr<const Snapshot> Engine::costruisciLocked() {
     const Sec& sezione = state_.find(meta.id)->second;
     const bool inCoda = std::find(queue_.begin(), queue_.end(), meta.id) != queue_.end();
     RiassuntoSezione riassunto{
-        std::string(meta.id), std::string(meta.name), sezione.status, sezione.scanning, inCoda, 0,
-        sezione.totale(),     sezione.lastScan};
+        std::string(meta.id), std::string(meta.name), sezione.status,  sezione.scanning, inCoda, 0,
+        sezione.totale(),     sezione.lastScan,       scandibile(meta)};
     for (const Finding& finding : sezione.findings) riassunto.voci += finding.quante();
     statoTesto_.scriviSezione(nuovo->testo, meta, sezione, inCoda, nuovo->sezioni.empty(), icona);
     nuovo->sezioni.push_back(std::move(riassunto));
@@ -111,25 +141,53 @@ std::shared_ptr<const Snapshot> Engine::costruisciLocked() {
   return nuovo;
 }
 
+/// What another process saved since we last looked: its newer scans win over ours.
+void Engine::accogliAltri() {
+  Sezioni altre;
+  for (const Meta& meta : metas()) altre.emplace(meta.id, Sec());
+  const Result<std::string> salvati =
+      ambiente_.files.read(ambiente_.store.risultati(), kMaxResultBytes);
+  if (!salvati || !leggiRisultati(*salvati, altre)) return;
+  const MutexLock hold(lock_);
+  for (auto& [id, sezione] : state_) {
+    Sec& altra = altre.find(id)->second;
+    if (sezione.scanning || altra.lastScan <= sezione.lastScan) continue;
+    altra.findingsVer = sezione.findingsVer + 1;
+    sezione = std::move(altra);
+    touchLocked();
+  }
+}
+
 void Engine::save() {
   const MutexLock ordine(saveLock_);
-  std::string testo;
-  {
-    const MutexLock hold(lock_);
-    testo = scriviRisultati(state_);
-  }
+  const std::string file = ambiente_.store.risultati();
   const auto blocco = ambiente_.files.lock(ambiente_.store.blocco());
   Result<void> scritto;
   if (blocco) {
+    if (risultatiGuasti_.exchange(false)) {
+      if (!ambiente_.files.renameOwn(file, file + ".guasto"))
+        avvisa("risultati guasti non messi da parte");
+    } else if (ambiente_.files.stamp(file) != stampRisultati_) {
+      accogliAltri();
+    }
+    std::string testo;
+    {
+      const MutexLock hold(lock_);
+      testo = scriviRisultati(state_);
+    }
     const std::array<std::string_view, 1> pezzi = {testo};
-    scritto = ambiente_.files.replace(ambiente_.store.risultati(), pezzi);
+    scritto = ambiente_.files.replace(file, pezzi);
+    stampRisultati_ = ambiente_.files.stamp(file);
   } else {
     scritto = blocco.error();
   }
-  if (!scritto) avvisa("risultati non salvati: " + scritto.error().text);
+  if (!scritto) avvisa("risultati non salvati: " + motivo(scritto.error()));
 }
 
-void Engine::invalidaDisco() { touch(); }
+void Engine::invalidaDisco() {
+  mappa_.svuota();
+  touch();
+}
 
 Regole Engine::effectiveRules() const {
   Regole regole;
@@ -138,9 +196,11 @@ Regole Engine::effectiveRules() const {
   if (lette) {
     regole = std::move(*lette);
   } else {
-    avvisa("file delle regole illeggibile (" + ambiente_.rulesPath + "): " + lette.error().text);
+    regole.guasto = "file delle regole illeggibile";
+    avvisa(regole.guasto + " (" + ambiente_.rulesPath + "): " + motivo(lette.error()));
   }
-  return conImpostazioni(std::move(regole), ambiente_.impostazioni.leggi());
+  return conImpostazioni(conSpostamenti(std::move(regole), ambiente_.spostamenti),
+                         ambiente_.impostazioni.leggi());
 }
 
 const Finding* Engine::cercaLocked(std::string_view id) const {

@@ -13,6 +13,7 @@
 
 #include "PellakCore/IconCache.h"
 #include "PellakCore/Impostazioni.h"
+#include "PellakCore/MappaDisco.h"
 #include "PellakCore/OrdineVoci.h"
 #include "PellakCore/Regole.h"
 #include "PellakCore/Risultati.h"
@@ -20,6 +21,7 @@
 #include "PellakCore/Snapshot.h"
 #include "PellakCore/StatoTesto.h"
 #include "PellakCore/Store.h"
+#include "PellakCore/base/BackgroundPool.h"
 #include "PellakCore/base/Mutex.h"
 #include "PellakCore/base/SerialQueue.h"
 #include "platform/Applications.h"
@@ -38,6 +40,7 @@ struct AmbienteEngine {
   Impostazioni& impostazioni;
   Store store;
   std::string rulesPath;
+  std::vector<Spostamento> spostamenti;  ///< applied to the places of the rules
   TabellaScanner scanner;
   /// One line about something the user should know and no reply carries (results not saved).
   /// Any thread.
@@ -54,7 +57,7 @@ struct PaginaVoci {
 };
 
 /// Owns what the page shows about the disk: the scan state and the findings of every section,
-/// the queue of sections to scan, the saved results and the icons.
+/// the queue of sections to scan, the saved results, the icons and the disk map.
 ///
 /// Every function may be called from any thread. One lock guards the state; it is never held
 /// while a scanner runs, a file is written or an icon drawn. Scans run on one serial queue.
@@ -89,8 +92,10 @@ class Engine {
   /// Makes the next snapshot a new one. For whoever changed what the page shows.
   void touch();
 
-  /// Writes all results to the results file, replacing it at once. A failure is announced
-  /// through `avviso` and leaves the old file.
+  /// Writes all results to the results file, replacing it at once. Sections that another process
+  /// has scanned since are taken over from the file first; a file that could not be read at the
+  /// start is kept aside as "risultati.json.guasto". A failure is announced through `avviso` and
+  /// leaves the old file.
   void save();
 
   /// Drops what is derived from the disk's contents; called before every route that changes
@@ -125,6 +130,8 @@ class Engine {
   /// The icon of an application as a data URL; empty when there is none.
   std::string icona(std::string_view chiave);
 
+  MappaDisco& mappa() { return mappa_; }
+
   const Store& store() const { return ambiente_.store; }
 
  private:
@@ -132,17 +139,24 @@ class Engine {
     std::vector<Finding> findings;
     std::string errore;  ///< text of the last category that failed
   };
+  using Scansione = std::function<std::vector<Finding>()>;
 
   void eseguiCoda();
   bool prossimaSezione(std::string& id);
   void scandisci(const std::string& id);
   Esito raccogli(const Meta& meta, const ScanContext& contesto);
-  void eseguiCategoria(const std::function<std::vector<Finding>()>& scanner, Esito& esito);
+  void eseguiCategoria(const Meta& meta, std::string_view id, const Scansione& scanner,
+                       Esito& esito);
+  void tieniVecchi(const Meta& meta, const std::function<bool(const Finding&)>& quali,
+                   Esito& esito);
   static std::vector<const RegolaCategoria*> categorie(const Meta& meta, const Regole& regole);
   void pubblica(const std::string& id, Esito esito, const Contatore& contatore);
   void interrompi(const std::string& id);
-  void concludi(const std::string& id);
-  void fineCoda();
+  /// Whether this was the end of the periodic check's scan.
+  bool concludi(const std::string& id);
+  void caricaRisultati() PELLAK_REQUIRES(lock_);
+  void accogliAltri();
+  bool scandibile(const Meta& meta) const;
   void mostraStato(const std::string& id, std::string stato);
   void avvisa(const std::string& testo) const;
   void salvaIconePoi();
@@ -154,11 +168,15 @@ class Engine {
 
   const AmbienteEngine ambiente_;
   IconCache icone_;
+  MappaDisco mappa_;
   std::atomic<bool> stopFlag_{false};
   std::atomic<bool> iconeInAttesa_{false};
 
   /// Orders whole saves, so that an older state never replaces a newer one. Taken before `lock_`.
   Mutex saveLock_;
+  /// The results file as this process last read or wrote it.
+  std::string stampRisultati_ PELLAK_GUARDED_BY(saveLock_);
+  std::atomic<bool> risultatiGuasti_{false};
   Mutex lock_;
   Sezioni state_ PELLAK_GUARDED_BY(lock_);
   std::deque<std::string> queue_ PELLAK_GUARDED_BY(lock_);
@@ -166,6 +184,9 @@ class Engine {
   std::int64_t stateVer_ PELLAK_GUARDED_BY(lock_) = 1;
   StatoTesto statoTesto_ PELLAK_GUARDED_BY(lock_);
   std::shared_ptr<const Snapshot> cachedState_ PELLAK_GUARDED_BY(lock_);
+
+  /// The jobs of the map. Stopped before the map goes away.
+  BackgroundPool sfondo_;
 
   /// Last, so that it is joined before what its tasks use goes away.
   SerialQueue workQ_{"pellak.engine"};

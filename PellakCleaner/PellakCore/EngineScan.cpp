@@ -1,6 +1,7 @@
 // The engine's queue runner: everything here runs on the engine's own queue.
 #include <algorithm>
 #include <exception>
+#include <iterator>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -12,9 +13,8 @@
 namespace pellak {
 namespace {
 
-bool contieneId(const std::vector<Finding>& findings, std::string_view id) {
-  return std::any_of(findings.begin(), findings.end(),
-                     [&](const Finding& finding) { return finding.id == id; });
+bool eSpeciale(const Meta& meta, std::string_view categoria) {
+  return std::count(meta.specials.begin(), meta.specials.end(), categoria) > 0;
 }
 
 }  // namespace
@@ -22,7 +22,6 @@ bool contieneId(const std::vector<Finding>& findings, std::string_view id) {
 void Engine::eseguiCoda() {
   std::string id;
   while (prossimaSezione(id)) scandisci(id);
-  fineCoda();
 }
 
 bool Engine::prossimaSezione(std::string& id) {
@@ -32,6 +31,7 @@ bool Engine::prossimaSezione(std::string& id) {
   queue_.pop_front();
   Sec& sezione = state_.find(id)->second;
   sezione.scanning = true;
+  sezione.esito = std::move(sezione.status);
   sezione.status = "Scansione in corso...";
   touchLocked();
   return true;
@@ -58,11 +58,10 @@ void Engine::scandisci(const std::string& id) {
     return;
   }
   save();
-  concludi(id);
+  if (concludi(id) && ambiente_.controlloFinito) ambiente_.controlloFinito(*snapshot());
 }
 
-std::vector<const RegolaCategoria*> Engine::categorie(const Meta& meta,
-                                                      const Regole& regole) {
+std::vector<const RegolaCategoria*> Engine::categorie(const Meta& meta, const Regole& regole) {
   std::vector<const RegolaCategoria*> scelte;
   std::set<std::string_view> viste;
   for (const std::string_view cat : meta.cats) {
@@ -80,11 +79,17 @@ Engine::Esito Engine::raccogli(const Meta& meta, const ScanContext& contesto) {
   const auto pronta = [&] {
     if (contesto.stop()) throw ScanCancelled();
   };
-  if (ambiente_.scanner.regole) {
+  if (ambiente_.scanner.regole && !contesto.regole.guasto.empty() && !meta.cats.empty()) {
+    // Without rules nothing was looked at: that must not read as a clean disk.
+    esito.errore = contesto.regole.guasto;
+    tieniVecchi(
+        meta, [&](const Finding& f) { return !eSpeciale(meta, f.categoria); }, esito);
+  } else if (ambiente_.scanner.regole) {
     for (const RegolaCategoria* regola : categorie(meta, contesto.regole)) {
       pronta();
       contesto.status("Scansione: " + regola->name + "...");
       eseguiCategoria(
+          meta, regola->id,
           [&] { return std::vector<Finding>{ambiente_.scanner.regole(contesto, *regola)}; }, esito);
     }
   }
@@ -93,30 +98,38 @@ Engine::Esito Engine::raccogli(const Meta& meta, const ScanContext& contesto) {
     const auto scanner = ambiente_.scanner.speciali.find(speciale);
     if (scanner == ambiente_.scanner.speciali.end()) continue;
     contesto.status(scanner->second.stato);
-    eseguiCategoria([&] { return scanner->second.esegui(contesto); }, esito);
+    eseguiCategoria(
+        meta, speciale, [&] { return scanner->second.esegui(contesto); }, esito);
   }
   return esito;
 }
 
-void Engine::eseguiCategoria(const std::function<std::vector<Finding>()>& scanner, Esito& esito) {
+void Engine::eseguiCategoria(const Meta& meta, std::string_view id, const Scansione& scanner,
+                             Esito& esito) {
   try {
     for (Finding& finding : scanner()) {
-      if (!finding.vuoto()) esito.findings.push_back(std::move(finding));
+      if (finding.vuoto()) continue;
+      finding.categoria = id;
+      esito.findings.push_back(std::move(finding));
     }
   } catch (const std::exception& errore) {
     esito.errore = errore.what();
+    // What it found last time is still the best that is known of it.
+    tieniVecchi(
+        meta, [&](const Finding& f) { return f.categoria == id; }, esito);
   }
+}
+
+void Engine::tieniVecchi(const Meta& meta, const std::function<bool(const Finding&)>& quali,
+                         Esito& esito) {
+  const MutexLock hold(lock_);
+  const std::vector<Finding>& vecchi = state_.find(meta.id)->second.findings;
+  std::copy_if(vecchi.begin(), vecchi.end(), std::back_inserter(esito.findings), quali);
 }
 
 void Engine::pubblica(const std::string& id, Esito esito, const Contatore& contatore) {
   const MutexLock hold(lock_);
   Sec& sezione = state_.find(id)->second;
-  if (!esito.errore.empty()) {
-    // What the failing category found last time is still the best that is known of it.
-    for (Finding& vecchio : sezione.findings) {
-      if (!contieneId(esito.findings, vecchio.id)) esito.findings.push_back(std::move(vecchio));
-    }
-  }
   sezione.findings = std::move(esito.findings);
   ++sezione.findingsVer;
   sezione.scanned = true;
@@ -124,14 +137,17 @@ void Engine::pubblica(const std::string& id, Esito esito, const Contatore& conta
   sezione.denied = contatore.n();
   sezione.deniedTop = radiciPeggiori(contatore);
   sezione.status = esito.errore.empty() ? statoFinale(sezione) : "Errore: " + esito.errore;
+  sezione.esito = sezione.status;
   touchLocked();
 }
 
-void Engine::concludi(const std::string& id) {
+bool Engine::concludi(const std::string& id) {
   const MutexLock hold(lock_);
   state_.find(id)->second.scanning = false;
   if (stopFlag_) queue_.clear();
   touchLocked();
+  // From here on a new scan may begin: whose end this was is decided under the same lock.
+  return queue_.empty() && std::exchange(autoPending_, false);
 }
 
 void Engine::interrompi(const std::string& id) {
@@ -142,15 +158,6 @@ void Engine::interrompi(const std::string& id) {
   queue_.clear();
   autoPending_ = false;
   touchLocked();
-}
-
-void Engine::fineCoda() {
-  {
-    const MutexLock hold(lock_);
-    if (!autoPending_) return;
-    autoPending_ = false;
-  }
-  if (ambiente_.controlloFinito) ambiente_.controlloFinito(*snapshot());
 }
 
 void Engine::mostraStato(const std::string& id, std::string stato) {

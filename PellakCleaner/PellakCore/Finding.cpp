@@ -1,21 +1,24 @@
 #include "PellakCore/Finding.h"
 
-#include <cstdlib>
+#include <limits>
 
 namespace pellak {
+namespace {
+
+constexpr std::int64_t kMassimo = std::numeric_limits<std::int64_t>::max();
+
+}  // namespace
 
 std::int64_t sommaSicura(std::int64_t a, std::int64_t b) {
   std::int64_t somma = 0;
-  if (__builtin_add_overflow(a, b, &somma)) std::abort();
-  return somma;
+  return __builtin_add_overflow(a, b, &somma) ? kMassimo : somma;
 }
 
 std::int64_t recuperabili(const Group& gruppo) {
   const auto copie = static_cast<std::int64_t>(gruppo.paths.size());
   std::int64_t byte = 0;
   if (copie < 2) return 0;
-  if (__builtin_mul_overflow(gruppo.size, copie - 1, &byte)) std::abort();
-  return byte;
+  return __builtin_mul_overflow(gruppo.size, copie - 1, &byte) ? kMassimo : byte;
 }
 
 std::int64_t Finding::totale() const {

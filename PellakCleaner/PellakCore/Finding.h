@@ -33,6 +33,7 @@ struct Group {
 /// The result of one category inside a section.
 struct Finding {
   std::string id;
+  std::string categoria;  ///< the category that found it; set by the engine
   std::string name;
   std::string mode;  ///< "delete": the page may move the entries to the Trash; "report": not
   std::string note;
@@ -52,7 +53,8 @@ struct Finding {
 /// Bytes that discarding all copies of a duplicate set but one frees.
 std::int64_t recuperabili(const Group& gruppo);
 
-/// Sum that stops the process instead of wrapping round.
+/// Sum of byte counts that stays at the largest value instead of wrapping round: the sizes may
+/// come from a damaged file.
 std::int64_t sommaSicura(std::int64_t a, std::int64_t b);
 
 }  // namespace pellak

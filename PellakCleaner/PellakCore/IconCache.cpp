@@ -93,7 +93,12 @@ Result<void> IconCache::salva() {
   }
   const std::string testo = uscita.take();
   const std::array<std::string_view, 1> pezzi = {testo};
-  return files_.replace(file_, pezzi);
+  Result<void> scritto = files_.replace(file_, pezzi);
+  if (!scritto) {
+    const std::lock_guard<std::mutex> hold(lock_);
+    dirty_ = true;
+  }
+  return scritto;
 }
 
 }  // namespace pellak

@@ -1,6 +1,7 @@
 #include "PellakCore/Impostazioni.h"
 
 #include <array>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -14,15 +15,21 @@ constexpr std::size_t kMaxBytes = std::size_t{4} << 20U;
 
 struct Letto {
   Config config;
-  bool guasto = false;  ///< something is there, but it is no settings document
+  bool guasto = false;          ///< something is there, but it is no settings document
+  std::optional<Error> errore;  ///< something is there and can't be read
 };
 
 Letto leggiFile(Files& files, const Store& store) {
   const Result<std::string> testo = files.read(store.impostazioni(), kMaxBytes);
-  if (!testo) return {{}, testo.error().kind == ErrorKind::invalid};
+  if (!testo) {
+    const ErrorKind kind = testo.error().kind;
+    if (kind == ErrorKind::missing) return {};
+    if (kind == ErrorKind::invalid) return {{}, true, {}};
+    return {{}, false, testo.error()};
+  }
   const Result<JsonDocument> documento = JsonDocument::parse(*testo);
-  if (!documento || !documento->radice().oggetto()) return {{}, true};
-  return {Config::daJson(documento->radice()), false};
+  if (!documento || !documento->radice().oggetto()) return {{}, true, {}};
+  return {Config::daJson(documento->radice()), false, {}};
 }
 
 }  // namespace
@@ -37,6 +44,8 @@ Result<Config> Impostazioni::scrivi(Json richiesta) {
     const auto blocco = files_.lock(store_.blocco());
     if (!blocco) return blocco.error();
     Letto letto = leggiFile(files_, store_);
+    // Writing the defaults over settings that are only unreadable would lose them.
+    if (letto.errore) return *letto.errore;
     if (letto.guasto) {
       const auto daParte =
           files_.renameOwn(store_.impostazioni(), store_.impostazioni() + ".guasto");

@@ -1,8 +1,10 @@
 #include "PellakCore/Regole.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "PellakCore/Config.h"
+#include "PellakCore/base/BytePath.h"
 #include "PellakCore/base/Json.h"
 
 namespace pellak {
@@ -62,6 +64,23 @@ Result<Regole> leggiRegole(std::string_view testo) {
   });
   regole.duplicati = leggiDuplicati(radice["duplicates"]);
   regole.grandi = leggiGrandi(radice["large_old"]);
+  return regole;
+}
+
+Regole conSpostamenti(Regole regole, const std::vector<Spostamento>& spostamenti) {
+  const auto sposta = [&](std::string& luogo) {
+    for (const Spostamento& spostamento : spostamenti) {
+      if (!dentroCartella(luogo, spostamento.da)) continue;
+      luogo = spostamento.a + luogo.substr(spostamento.da.size());
+      return;
+    }
+  };
+  for (RegolaCategoria& regola : regole.categorie) {
+    sposta(regola.childrenOf);
+    for (auto* luoghi : {&regola.folders, &regola.paths, &regola.glob}) {
+      std::for_each(luoghi->begin(), luoghi->end(), sposta);
+    }
+  }
   return regole;
 }
 

@@ -51,8 +51,20 @@ struct Regole {
   RegoleDuplicati duplicati;
   RegoleGrandi grandi;
 
+  /// Why the rules file could not be read; empty when it was.
+  std::string guasto;
+
   const RegolaCategoria* cerca(std::string_view id) const;
 };
+
+/// A folder below the home that lies elsewhere for this user.
+struct Spostamento {
+  std::string da;  ///< as the rules write it, "~/.cache"
+  std::string a;   ///< absolute
+};
+
+/// The rules with every place below a moved folder put where that folder is.
+Regole conSpostamenti(Regole regole, const std::vector<Spostamento>& spostamenti);
 
 /// Reads a rules document, leniently inside. Error (invalid) when the text is no JSON object.
 Result<Regole> leggiRegole(std::string_view testo);

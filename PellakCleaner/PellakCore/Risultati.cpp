@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "PellakCore/StatoTesto.h"
 #include "PellakCore/base/Json.h"
 #include "PellakCore/base/JsonWriter.h"
 
@@ -11,18 +12,11 @@ namespace {
 /// Our own file may hold far more than a request may.
 constexpr std::size_t kMaxBytes = std::size_t{1} << 30U;
 
-void scriviTesti(JsonWriter& uscita, std::string_view chiave,
-                 const std::vector<std::string>& testi) {
-  uscita.key(chiave).beginArray();
-  for (const std::string& testo : testi) uscita.text(testo);
-  uscita.endArray();
-}
-
 void scriviGruppo(JsonWriter& uscita, const Group& gruppo) {
   uscita.beginObject();
   uscita.key("size").integer(gruppo.size);
   uscita.key("hash").text(gruppo.hash);
-  scriviTesti(uscita, "paths", gruppo.paths);
+  uscita.key("paths").texts(gruppo.paths);
   uscita.key("name").text(gruppo.name);
   uscita.key("bundle").text(gruppo.bundle);
   uscita.key("prog").text(gruppo.prog);
@@ -33,7 +27,7 @@ void scriviGruppo(JsonWriter& uscita, const Group& gruppo) {
   uscita.key("pesi").beginArray();
   for (const std::int64_t peso : gruppo.pesi) uscita.integer(peso);
   uscita.endArray();
-  scriviTesti(uscita, "deboli", gruppo.deboli);
+  uscita.key("deboli").texts(gruppo.deboli);
   uscita.key("spento").boolean(gruppo.spento);
   uscita.endObject();
 }
@@ -41,6 +35,7 @@ void scriviGruppo(JsonWriter& uscita, const Group& gruppo) {
 void scriviFinding(JsonWriter& uscita, const Finding& finding) {
   uscita.beginObject();
   uscita.key("id").text(finding.id);
+  uscita.key("categoria").text(finding.categoria);
   uscita.key("name").text(finding.name);
   uscita.key("mode").text(finding.mode);
   uscita.key("note").text(finding.note);
@@ -65,16 +60,9 @@ void scriviFinding(JsonWriter& uscita, const Finding& finding) {
 void scriviSezione(JsonWriter& uscita, const Sec& sezione) {
   uscita.beginObject();
   uscita.key("ts").number(sezione.lastScan);
-  uscita.key("status").text(sezione.status);
+  uscita.key("status").text(sezione.scanning ? sezione.esito : sezione.status);
   uscita.key("denied").integer(sezione.denied);
-  uscita.key("denied_top").beginArray();
-  for (const RadiceNegata& radice : sezione.deniedTop) {
-    uscita.beginObject();
-    uscita.key("cartella").text(radice.cartella);
-    uscita.key("quanti").integer(radice.quanti);
-    uscita.endObject();
-  }
-  uscita.endArray();
+  scriviDinieghi(uscita.key("denied_top"), sezione.deniedTop);
   uscita.key("findings").beginArray();
   for (const Finding& finding : sezione.findings) scriviFinding(uscita, finding);
   uscita.endArray();
@@ -109,6 +97,7 @@ Group leggiGruppo(Json voce) {
 Finding leggiFinding(Json voce) {
   Finding finding;
   finding.id = voce.testo("id");
+  finding.categoria = voce.testo("categoria");
   finding.name = voce.testo("name");
   finding.mode = voce.testo("mode");
   finding.note = voce.testo("note");
@@ -129,6 +118,7 @@ void leggiSezione(Json voce, Sec& sezione) {
   sezione.scanned = true;
   sezione.lastScan = voce.numero("ts", 0);
   sezione.status = voce.testo("status");
+  sezione.esito = sezione.status;
   sezione.denied = voce.intero("denied", 0);
   sezione.deniedTop.clear();
   voce["denied_top"].perOgni([&](Json radice) {

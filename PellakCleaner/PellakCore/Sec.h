@@ -14,6 +14,7 @@ struct Sec {
   bool scanning = false;  ///< a scan of this section runs now
   bool scanned = false;   ///< at least one scan ended, or results were loaded
   std::string status;
+  std::string esito;        ///< the last result line; what is saved while a scan shows its progress
   std::int64_t denied = 0;  ///< paths the last scan could not read
   std::vector<RadiceNegata> deniedTop;
   double lastScan = 0;  ///< seconds since 1970; 0 when never scanned

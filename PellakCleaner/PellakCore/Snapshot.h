@@ -18,6 +18,7 @@ struct RiassuntoSezione {
   std::int64_t voci = 0;
   std::int64_t totale = 0;  ///< bytes
   double lastScan = 0;
+  bool scandibile = false;  ///< this version has a scanner for it
 };
 
 /// The state at one version. Immutable; the engine hands out the same object while nothing

@@ -15,13 +15,6 @@ void scriviDimensione(JsonWriter& uscita, std::string_view chiave, std::int64_t 
   uscita.closeText();
 }
 
-void scriviTesti(JsonWriter& uscita, std::string_view chiave,
-                 const std::vector<std::string>& testi) {
-  uscita.key(chiave).beginArray();
-  for (const std::string& testo : testi) uscita.text(testo);
-  uscita.endArray();
-}
-
 /// What the icon of a group is looked up by: the first of these that is there.
 std::string_view chiaveIcona(const Group& gruppo) {
   if (!gruppo.bundle.empty()) return gruppo.bundle;
@@ -46,8 +39,8 @@ void scriviGruppo(JsonWriter& uscita, const Finding& finding, const Group& grupp
   uscita.key("pesi").beginArray();
   for (const std::int64_t peso : gruppo.pesi) uscita.integer(peso);
   uscita.endArray();
-  scriviTesti(uscita, "deboli", gruppo.deboli);
-  scriviTesti(uscita, "paths", gruppo.paths);
+  uscita.key("deboli").texts(gruppo.deboli);
+  uscita.key("paths").texts(gruppo.paths);
   if (finding.duplicati()) {
     uscita.key("waste").integer(recuperabili(gruppo));
     scriviDimensione(uscita, "waste_h", recuperabili(gruppo));
@@ -61,7 +54,9 @@ std::string scriviFindings(const Sec& sezione, FormatoData& date, const IconaNot
   for (const Finding& finding : sezione.findings) voci += finding.items.size();
   uscita.reserve(voci * kBytePerVoce);
   uscita.beginArray();
-  for (const Finding& finding : sezione.findings) scriviFinding(uscita, finding, date, icona);
+  for (const Finding& finding : sezione.findings) {
+    scriviFinding(uscita, finding, {finding.items, finding.groups}, date, icona);
+  }
   uscita.endArray();
   return uscita.take();
 }
@@ -86,6 +81,17 @@ void scriviConteggi(JsonWriter& uscita, const Meta& meta, const Sec& sezione) {
 
 }  // namespace
 
+void scriviDinieghi(JsonWriter& uscita, const std::vector<RadiceNegata>& radici) {
+  uscita.beginArray();
+  for (const RadiceNegata& radice : radici) {
+    uscita.beginObject();
+    uscita.key("cartella").text(radice.cartella);
+    uscita.key("quanti").integer(radice.quanti);
+    uscita.endObject();
+  }
+  uscita.endArray();
+}
+
 void scriviVoce(JsonWriter& uscita, const Voce& voce, FormatoData& date) {
   // By hand: a full reply holds a hundred thousand of these.
   std::string& testo = uscita.openRaw();
@@ -102,8 +108,8 @@ void scriviVoce(JsonWriter& uscita, const Voce& voce, FormatoData& date) {
   testo += '}';
 }
 
-void scriviFinding(JsonWriter& uscita, const Finding& finding, FormatoData& date,
-                   const IconaNota& icona) {
+void scriviFinding(JsonWriter& uscita, const Finding& finding, const VociElencate& elencate,
+                   FormatoData& date, const IconaNota& icona) {
   uscita.beginObject();
   uscita.key("id").text(finding.id);
   uscita.key("name").text(finding.name);
@@ -116,10 +122,10 @@ void scriviFinding(JsonWriter& uscita, const Finding& finding, FormatoData& date
   uscita.key("count").integer(finding.quante());
   uscita.key("kind").text(finding.kind);
   uscita.key("items").beginArray();
-  for (const Voce& voce : finding.items) scriviVoce(uscita, voce, date);
+  for (const Voce& voce : elencate.items) scriviVoce(uscita, voce, date);
   uscita.endArray();
   uscita.key("groups").beginArray();
-  for (const Group& gruppo : finding.groups) scriviGruppo(uscita, finding, gruppo, icona);
+  for (const Group& gruppo : elencate.groups) scriviGruppo(uscita, finding, gruppo, icona);
   uscita.endArray();
   uscita.endObject();
 }
@@ -148,14 +154,7 @@ void StatoTesto::scriviSezione(Rope& uscita, const Meta& meta, const Sec& sezion
   testa.key("queued").boolean(inCoda);
   testa.key("status").text(sezione.status);
   testa.key("denied").integer(sezione.denied);
-  testa.key("denied_top").beginArray();
-  for (const RadiceNegata& radice : sezione.deniedTop) {
-    testa.beginObject();
-    testa.key("cartella").text(radice.cartella);
-    testa.key("quanti").integer(radice.quanti);
-    testa.endObject();
-  }
-  testa.endArray();
+  scriviDinieghi(testa.key("denied_top"), sezione.deniedTop);
   testa.key("last_scan").number(sezione.lastScan);
   testa.key("total").integer(scritto.totale);
   scriviDimensione(testa, "total_h", scritto.totale);

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -19,9 +20,18 @@ using IconaNota = std::function<std::string(std::string_view chiave)>;
 /// One entry of a finding, as every reply shows it.
 void scriviVoce(JsonWriter& uscita, const Voce& voce, FormatoData& date);
 
-/// One finding with all its entries.
-void scriviFinding(JsonWriter& uscita, const Finding& finding, FormatoData& date,
-                   const IconaNota& icona);
+/// The list of the roots with most refusals.
+void scriviDinieghi(JsonWriter& uscita, const std::vector<RadiceNegata>& radici);
+
+/// The entries of a finding that are listed; all of them or a part.
+struct VociElencate {
+  std::span<const Voce> items;
+  std::span<const Group> groups;
+};
+
+/// One finding with these of its entries; totals and count are always those of all.
+void scriviFinding(JsonWriter& uscita, const Finding& finding, const VociElencate& elencate,
+                   FormatoData& date, const IconaNota& icona);
 
 /// Writes the state reply and keeps the written findings of each section, so that a change of a
 /// status line costs no more than the line. Used by one thread at a time.

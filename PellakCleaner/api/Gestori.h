@@ -23,6 +23,9 @@ Risposta apri(Servizi& servizi, Json corpo);
 Risposta mostra(Servizi& servizi, Json corpo);
 Risposta reveal(Servizi& servizi, Json corpo);
 
+// RotteMappa.cpp
+Risposta mappa(Servizi& servizi, Json corpo);
+
 // RotteSistema.cpp
 Risposta perms(Servizi& servizi, Json corpo);
 Risposta appAttiva(Servizi& servizi, Json corpo);

@@ -18,7 +18,7 @@ constexpr auto kRotte = std::to_array<Rotta>({
     {"/api/log", nonDisponibile},
     {"/api/icon", icon},
     {"/api/icons", icons},
-    {"/api/mappa", nonDisponibile},
+    {"/api/mappa", mappa},
     {"/api/brew_upgrade", nonDisponibile},
     {"/api/apri", apri},
     {"/api/mostra", mostra},

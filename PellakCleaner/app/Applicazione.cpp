@@ -44,6 +44,21 @@ std::string cartellaRisorse(const Native& native, Files& files) {
   return luoghi.front();
 }
 
+/// Only absolute paths count, as the convention for these variables says.
+std::vector<Spostamento> cartelleXdg() {
+  constexpr std::array<std::pair<const char*, const char*>, 4> kVariabili = {
+      {{"XDG_CACHE_HOME", "~/.cache"},
+       {"XDG_DATA_HOME", "~/.local/share"},
+       {"XDG_STATE_HOME", "~/.local/state"},
+       {"XDG_CONFIG_HOME", "~/.config"}}};
+  std::vector<Spostamento> spostamenti;
+  for (const auto& [nome, solita] : kVariabili) {
+    const std::string cartella = senzaBarre(variabile(nome));
+    if (!cartella.empty() && cartella[0] == '/') spostamenti.push_back({solita, cartella});
+  }
+  return spostamenti;
+}
+
 Error erroreAmbiente(std::string testo) { return {ErrorKind::invalid, 0, std::move(testo)}; }
 
 }  // namespace
@@ -54,6 +69,9 @@ Result<Ambiente> leggiAmbiente(const Native& native, Files& files) {
   if (ambiente.home.empty()) ambiente.home = senzaBarre(native.homeFolder());
   if (ambiente.home.empty() || ambiente.home[0] != '/') {
     return erroreAmbiente("HOME non indica una cartella utente");
+  }
+  if (!files.exists(ambiente.home)) {
+    return erroreAmbiente("la cartella utente non esiste: " + ambiente.home);
   }
   ambiente.famiglia = native.famiglia();
   if (const std::string scelta = variabile("PELLAK_TOOLS"); scelta == "macos") {
@@ -67,6 +85,7 @@ Result<Ambiente> leggiAmbiente(const Native& native, Files& files) {
   if (ambiente.rulesPath.empty()) {
     ambiente.rulesPath = cartellaRisorse(native, files) + nomeRegole(ambiente.famiglia);
   }
+  if (ambiente.famiglia == FamigliaStrumenti::linux) ambiente.spostamenti = cartelleXdg();
   return ambiente;
 }
 
@@ -77,7 +96,7 @@ Applicazione::Applicazione(std::unique_ptr<Native> native, Ambiente ambiente,
       ambiente_(std::move(ambiente)),
       impostazioni_(platform_.files, Store(ambiente_.home)),
       engine_({platform_.files, platform_.clock, platform_.lister, platform_.applicazioni,
-               impostazioni_, Store(ambiente_.home), ambiente_.rulesPath,
+               impostazioni_, Store(ambiente_.home), ambiente_.rulesPath, ambiente_.spostamenti,
                scanners::tabellaScanner(), std::move(avviso), nullptr}),
       router_({engine_, impostazioni_, platform_.fileManager, platform_.applicazioni,
                platform_.files, ambiente_.famiglia, ambiente_.home}) {}

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "PellakCore/Engine.h"
 #include "PellakCore/Impostazioni.h"
@@ -15,10 +16,12 @@ namespace pellak::app {
 struct Ambiente {
   std::string home;  ///< home folder, no trailing slash
   FamigliaStrumenti famiglia;
-  std::string rulesPath;  ///< the rules file in force
+  std::string rulesPath;                 ///< the rules file in force
+  std::vector<Spostamento> spostamenti;  ///< folders that XDG_* variables put elsewhere
 };
 
-/// Reads HOME, PELLAK_TOOLS, PELLAK_RULES and PELLAK_RESOURCES. Errors (invalid, with an Italian
+/// Reads HOME, PELLAK_TOOLS, PELLAK_RULES, PELLAK_RESOURCES and, for the Linux tools, the XDG_*
+/// variables. Errors (invalid, with an Italian
 /// text): no usable home folder, a PELLAK_TOOLS that is neither "macos" nor "linux".
 Result<Ambiente> leggiAmbiente(const Native& native, Files& files);
 

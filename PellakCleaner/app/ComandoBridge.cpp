@@ -23,6 +23,11 @@ using Orologio = std::chrono::steady_clock;
 constexpr std::size_t kMaxLine = std::size_t{64} << 20U;
 /// The page may still finish its own work after it has asked to quit.
 constexpr std::chrono::milliseconds kQuitDelay{600};
+/// Requests taken ahead of their answers; a flood waits in the pipe, not in memory.
+constexpr std::size_t kMaxPending = 500;
+constexpr std::chrono::milliseconds kBreath{50};
+/// How long a scan may take to notice that it has to stop.
+constexpr std::chrono::milliseconds kStopPatience{2000};
 
 /// "STARTUP" line of a timed start: PELLAK_TIME_START holds the system's uptime in nanoseconds at
 /// which the program was launched.
@@ -80,6 +85,10 @@ int comandoBridge(Applicazione& applicazione) {
   LettoreRighe righe(STDIN_FILENO, kMaxLine);
   std::string riga;
   while (!parole.deveFinire()) {
+    if (bridge.inAttesa() > kMaxPending) {
+      bridge.attendiRisposte(kBreath);
+      continue;
+    }
     const auto esito = righe.prossima(riga, parole.pazienza());
     if (esito == LettoreRighe::Esito::riga) consegna(bridge, riga);
     if (esito == LettoreRighe::Esito::fine) {
@@ -88,7 +97,13 @@ int comandoBridge(Applicazione& applicazione) {
     }
   }
   if (parole.riga()) stampa(*parole.riga());
-  return chiudiUscita();
+  chiudiUscita();
+  // A folder that does not answer must not keep the process from ending; what we keep is written
+  // whole or not at all.
+  applicazione.engine().stop();
+  applicazione.engine().attendiFine(kStopPatience);
+  if (applicazione.engine().occupato() || bridge.inAttesa() > 0) std::_Exit(0);
+  return 0;
 }
 
 }  // namespace pellak::app

@@ -24,6 +24,8 @@ using Orologio = std::chrono::steady_clock;
 constexpr int kUnknownSection = 2;
 constexpr int kInterrupted = 130;
 constexpr std::chrono::milliseconds kLook{100};
+/// A scan that takes longer to stop is worth a word.
+constexpr std::chrono::milliseconds kPazienza{1000};
 
 /// The line that moves while a scan runs; gone when it ends.
 class Avanzamento {
@@ -61,6 +63,12 @@ class Avanzamento {
 
 bool nelCatalogo(const std::string& id) { return cercaMeta(id) != nullptr; }
 
+std::string elencoSezioni() {
+  std::string elenco;
+  for (const Meta& meta : metas()) elenco += (elenco.empty() ? "" : ", ") + std::string(meta.id);
+  return elenco;
+}
+
 std::vector<std::string> sezioniRichieste(const OpzioniScan& opzioni) {
   std::vector<std::string> sezioni;
   for (const Meta& meta : metas()) {
@@ -81,7 +89,11 @@ bool scandisci(Engine& engine, const std::vector<std::string>& sezioni) {
     for (auto stato = engine.snapshot(); stato->busy; stato = engine.snapshot()) {
       if (interruzione.chiesta()) {
         engine.stop();
-        engine.attendiFine();
+        engine.attendiFine(kPazienza);
+        if (engine.occupato()) {
+          fmt::print(stderr, "Mi fermo… (di nuovo Ctrl-C per uscire subito)\n");
+          engine.attendiFine();
+        }
         return false;
       }
       avanzamento.mostra(*stato, i);
@@ -92,16 +104,18 @@ bool scandisci(Engine& engine, const std::vector<std::string>& sezioni) {
   return true;
 }
 
-void stampaTabella(const Snapshot& stato, const std::vector<std::string>& sezioni) {
+void stampaTabella(const Snapshot& istante, const std::vector<std::string>& sezioni) {
   Tabella tabella(
       {Allineamento::sinistra, Allineamento::sinistra, Allineamento::destra, Allineamento::destra});
   tabella.riga({"Sezione", "Stato", "Voci", "Recuperabili"});
   std::int64_t totale = 0;
   std::int64_t voci = 0;
-  for (const RiassuntoSezione& sezione : stato.sezioni) {
+  for (const RiassuntoSezione& sezione : istante.sezioni) {
     if (std::count(sezioni.begin(), sezioni.end(), sezione.id) == 0) continue;
-    tabella.riga({sezione.name, perTerminale(sezione.status), std::to_string(sezione.voci),
-                  dimensione(sezione.totale)});
+    // What nobody looked at must not read as clean.
+    const std::string stato = sezione.scandibile ? perTerminale(sezione.status)
+                                                 : "Non ancora disponibile in questa versione.";
+    tabella.riga({sezione.name, stato, std::to_string(sezione.voci), dimensione(sezione.totale)});
     totale = sommaSicura(totale, sezione.totale);
     voci += sezione.voci;
   }
@@ -114,7 +128,8 @@ void stampaTabella(const Snapshot& stato, const std::vector<std::string>& sezion
 int comandoScan(Applicazione& applicazione, const OpzioniScan& opzioni) {
   for (const std::string& id : opzioni.sezioni) {
     if (!nelCatalogo(id)) {
-      fmt::print(stderr, "sezione inesistente: {}\n", perTerminale(id));
+      fmt::print(stderr, "sezione inesistente: {} (le sezioni sono {})\n", perTerminale(id),
+                 elencoSezioni());
       return kUnknownSection;
     }
   }

@@ -42,9 +42,12 @@ void riduci(Finding& finding, const OpzioniShow& opzioni) {
   }
 }
 
-void stampaElenco(const std::vector<FindingDiSezione>& findings) {
+void stampaElenco(const std::vector<FindingDiSezione>& findings, const Snapshot& stato) {
   if (findings.empty()) {
-    stampa("Nessun risultato salvato: esegui «pellak-cleaner scan».\n");
+    const bool mai = std::all_of(stato.sezioni.begin(), stato.sezioni.end(),
+                                 [](const RiassuntoSezione& s) { return s.lastScan <= 0; });
+    stampa(mai ? "Nessun risultato salvato: esegui «pellak-cleaner scan».\n"
+               : "L'ultima scansione non ha trovato niente da segnalare.\n");
     return;
   }
   Tabella tabella({Allineamento::sinistra, Allineamento::sinistra, Allineamento::sinistra,
@@ -86,9 +89,9 @@ void stampaFinding(const Finding& intero, const Finding& ridotto, const std::str
   if (nascoste > 1) stampa("… e altre " + quanteVoci(nascoste) + "\n");
 }
 
-int mostraElenco(const std::vector<FindingDiSezione>& findings, bool json) {
+int mostraElenco(const std::vector<FindingDiSezione>& findings, const Snapshot& stato, bool json) {
   if (!json) {
-    stampaElenco(findings);
+    stampaElenco(findings, stato);
     return chiudiUscita();
   }
   FormatoData date;
@@ -96,7 +99,7 @@ int mostraElenco(const std::vector<FindingDiSezione>& findings, bool json) {
   uscita.beginArray();
   for (const auto& [sezione, finding] : findings) {
     JsonWriter oggetto;
-    scriviFinding(oggetto, finding, date, senzaIcona);
+    scriviFinding(oggetto, finding, {finding.items, finding.groups}, date, senzaIcona);
     std::string testo = oggetto.take();
     uscita.raw("{\"section\":" + jsonText(sezione) + "," + testo.substr(1));
   }
@@ -109,7 +112,9 @@ int mostraElenco(const std::vector<FindingDiSezione>& findings, bool json) {
 
 int comandoShow(Applicazione& applicazione, const OpzioniShow& opzioni) {
   const std::vector<FindingDiSezione> findings = applicazione.engine().findings();
-  if (opzioni.finding.empty()) return mostraElenco(findings, opzioni.json);
+  if (opzioni.finding.empty()) {
+    return mostraElenco(findings, *applicazione.engine().snapshot(), opzioni.json);
+  }
   const auto scelto = std::find_if(
       findings.begin(), findings.end(),
       [&](const FindingDiSezione& voce) { return voce.finding.id == opzioni.finding; });
@@ -122,7 +127,7 @@ int comandoShow(Applicazione& applicazione, const OpzioniShow& opzioni) {
   if (opzioni.json) {
     FormatoData date;
     JsonWriter uscita;
-    scriviFinding(uscita, ridotto, date, senzaIcona);
+    scriviFinding(uscita, scelto->finding, {ridotto.items, ridotto.groups}, date, senzaIcona);
     stampa(uscita.take() + "\n");
   } else {
     stampaFinding(scelto->finding, ridotto, applicazione.home());

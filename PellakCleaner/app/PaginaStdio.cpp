@@ -12,7 +12,7 @@ void PaginaStdio::apiDone(std::int64_t id, int stato, const Rope& risposta) {
   stampa(fmt::format(R"({{"call":"__apiDone","id":{},"status":{},"reply":)", id, stato));
   stampa(risposta);
   stampa("}\n");
-  std::fflush(stdout);
+  consegna();
 }
 
 void PaginaStdio::chiama(std::string_view funzione, std::span<const std::string> argomenti) {
@@ -21,7 +21,7 @@ void PaginaStdio::chiama(std::string_view funzione, std::span<const std::string>
   riga += "]}\n";
   const std::lock_guard<std::mutex> hold(lock_);
   stampa(riga);
-  std::fflush(stdout);
+  consegna();
 }
 
 }  // namespace pellak::app

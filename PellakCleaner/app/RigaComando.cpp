@@ -12,6 +12,7 @@ namespace pellak::app {
 namespace {
 
 constexpr int kUsage = 2;
+constexpr std::int64_t kMaxLimit = 1'000'000'000;
 
 void etichetteItaliane(CLI::App& app) {
   const auto formato = app.get_formatter();
@@ -63,16 +64,21 @@ struct Righe {
   CLI::App app{"Pulizia onesta: tutto nel Cestino, sempre reversibile."};
   OpzioniScan scan;
   OpzioniShow show;
+  OpzioniMap map;
   OpzioniApi api;
   std::int64_t limite = -1;
   CLI::App* comandoScan = nullptr;
   CLI::App* comandoShow = nullptr;
+  CLI::App* comandoMap = nullptr;
   CLI::App* comandoApi = nullptr;
   CLI::App* comandoBridge = nullptr;
 
   void aggiungiScan() {
     comandoScan = app.add_subcommand("scan", "Cerca lo spazio che si può liberare");
-    comandoScan->add_option("SECTION", scan.sezioni, "Sezioni da scandire (senza: tutte e otto)");
+    comandoScan->add_option(
+        "SECTION", scan.sezioni,
+        "Sezioni (senza: tutte): sviluppo, applicazioni, duplicati, grandi, pulizia, privacy, "
+        "avvio, sistema");
     comandoScan->add_flag("--json", scan.json, "Stampa lo stato finale in JSON");
   }
 
@@ -84,9 +90,15 @@ struct Righe {
             {"spazio", OrdineVoci::spazio}, {"nome", OrdineVoci::nome}}))
         ->option_text("spazio|nome");
     comandoShow->add_option("--limit", limite, "Quante voci al massimo")
-        ->check(CLI::NonNegativeNumber)
+        ->check(CLI::Range(std::int64_t{0}, kMaxLimit))
         ->option_text("N");
     comandoShow->add_flag("--json", show.json, "Stampa in JSON");
+  }
+
+  void aggiungiMap() {
+    comandoMap = app.add_subcommand("map", "Misura le cartelle e i file di una cartella");
+    comandoMap->add_option("PATH", map.percorso, "Cartella (senza: la cartella utente)");
+    comandoMap->add_flag("--json", map.json, "Stampa in JSON");
   }
 
   void aggiungiAltri() {
@@ -105,6 +117,7 @@ struct Righe {
     app.require_subcommand(0, 1);
     aggiungiScan();
     aggiungiShow();
+    aggiungiMap();
     aggiungiAltri();
     intestazioniItaliane(app);
     for (CLI::App* comando : app.get_subcommands(nullptr)) intestazioniItaliane(*comando);
@@ -114,6 +127,7 @@ struct Righe {
     if (limite >= 0) show.limite = limite;
     if (comandoScan->parsed()) return scan;
     if (comandoShow->parsed()) return show;
+    if (comandoMap->parsed()) return map;
     if (comandoApi->parsed()) return api;
     if (comandoBridge->parsed()) return OpzioniBridge();
     return OpzioniFinestra();

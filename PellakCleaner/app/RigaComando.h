@@ -3,6 +3,7 @@
 #include <string>
 #include <variant>
 
+#include "app/ComandoMap.h"
 #include "app/ComandoScan.h"
 #include "app/ComandoShow.h"
 
@@ -19,8 +20,8 @@ struct Uscito {
   int stato = 0;
 };
 
-using Comando =
-    std::variant<OpzioniFinestra, OpzioniScan, OpzioniShow, OpzioniApi, OpzioniBridge, Uscito>;
+using Comando = std::variant<OpzioniFinestra, OpzioniScan, OpzioniShow, OpzioniMap, OpzioniApi,
+                             OpzioniBridge, Uscito>;
 
 /// Reads the command line. Help and version go to standard output, mistakes in Italian to
 /// standard error (exit status 2).

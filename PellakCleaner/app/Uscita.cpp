@@ -1,23 +1,42 @@
 #include "app/Uscita.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <fmt/format.h>
 #include <system_error>
 
 namespace pellak::app {
+namespace {
 
-void stampa(std::string_view testo) { std::fwrite(testo.data(), 1, testo.size(), stdout); }
+/// The first failure of writing; later ones follow from it.
+std::atomic<int> primoErrore{0};
+
+void annota(int numero) {
+  int nessuno = 0;
+  primoErrore.compare_exchange_strong(nessuno, numero == 0 ? EIO : numero);
+}
+
+}  // namespace
+
+void stampa(std::string_view testo) {
+  errno = 0;
+  if (std::fwrite(testo.data(), 1, testo.size(), stdout) < testo.size()) annota(errno);
+}
 
 void stampa(const Rope& testo) {
   for (const Rope::Piece& pezzo : testo.pieces()) stampa(*pezzo);
 }
 
-int chiudiUscita() {
+void consegna() {
   errno = 0;
-  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return 0;
-  const int perche = errno;
-  if (perche == EPIPE) return 0;
+  if (std::fflush(stdout) != 0) annota(errno);
+}
+
+int chiudiUscita() {
+  consegna();
+  const int perche = primoErrore;
+  if (perche == 0 || perche == EPIPE) return 0;
   fmt::print(stderr, "impossibile scrivere il risultato: {}\n",
              std::generic_category().message(perche));
   return 1;

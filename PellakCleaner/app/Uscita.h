@@ -10,6 +10,9 @@ namespace pellak::app {
 void stampa(std::string_view testo);
 void stampa(const Rope& testo);
 
+/// Hands over what is buffered.
+void consegna();
+
 /// Hands over what is still buffered. The exit status of a command that has printed its results:
 /// 0, or 1 with a line on standard error when they could not be written (a full disk; a reader
 /// that went away is no error).

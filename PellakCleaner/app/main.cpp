@@ -12,6 +12,7 @@
 #include "app/Applicazione.h"
 #include "app/ComandoApi.h"
 #include "app/ComandoBridge.h"
+#include "app/ComandoMap.h"
 #include "app/ComandoScan.h"
 #include "app/ComandoShow.h"
 #include "app/RigaComando.h"
@@ -26,7 +27,10 @@ class Avvisi {
  public:
   void operator()(const std::string& testo) {
     const std::lock_guard<std::mutex> hold(lock_);
-    if (detti_.insert(testo).second) fmt::print(stderr, "{}\n", perTerminale(testo));
+    if (!detti_.insert(testo).second) return;
+    // Over the progress line, if one stands there.
+    if (uscitaInterattiva()) fmt::print(stderr, "\r\033[K");
+    fmt::print(stderr, "{}\n", perTerminale(testo));
   }
 
  private:
@@ -51,7 +55,7 @@ int esegui(const Comando& comando) {
   std::unique_ptr<Native> native = creaNative();
   Result<Ambiente> ambiente = leggiAmbiente(*native, native->platform().files);
   if (!ambiente) {
-    fmt::print(stderr, "{}\n", ambiente.error().text);
+    fmt::print(stderr, "{}\n", perTerminale(ambiente.error().text));
     return 1;
   }
   const auto avvisi = std::make_shared<Avvisi>();
@@ -61,6 +65,7 @@ int esegui(const Comando& comando) {
     return comandoScan(applicazione, *scan);
   if (const auto* show = std::get_if<OpzioniShow>(&comando))
     return comandoShow(applicazione, *show);
+  if (const auto* map = std::get_if<OpzioniMap>(&comando)) return comandoMap(applicazione, *map);
   if (const auto* api = std::get_if<OpzioniApi>(&comando)) {
     return comandoApi(applicazione, api->rotta, api->corpo);
   }

@@ -50,11 +50,15 @@ class Files {
   /// why not. Touches nothing.
   virtual Result<void> readable(std::string_view percorso) = 0;
 
+  /// A text that is another one whenever the file was replaced; empty when there is none.
+  virtual std::string stamp(std::string_view percorso) = 0;
+
   /// Whether something is at the path, a dangling link included.
   virtual bool exists(std::string_view percorso) = 0;
 
   /// Waits for the advisory lock on a file, which is made when missing, against other processes
-  /// and other callers here. Errors: denied, readOnly, failed.
+  /// and other callers here, for a few seconds at most. Where the file system knows no locks it
+  /// succeeds without one. Errors: busy (somebody else kept it), denied, readOnly, failed.
   virtual Result<std::unique_ptr<FileLock>> lock(std::string_view percorso) = 0;
 };
 

@@ -24,7 +24,8 @@ struct Platform {
   Applications& applicazioni;
 };
 
-/// Owns the back ends. Making one opens nothing and starts nothing.
+/// Owns the back ends. Making one starts nothing, and opens nothing but the standard streams that
+/// the process was started without.
 class Native {
  public:
   virtual ~Native() = default;

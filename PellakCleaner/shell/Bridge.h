@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <string>
@@ -34,6 +36,11 @@ class Bridge {
 
   /// Waits until everything received before the call is answered.
   void attendiRisposte();
+  /// The same for at most `attesa`; whether all of it was answered.
+  bool attendiRisposte(std::chrono::milliseconds attesa);
+
+  /// Requests received and not yet answered.
+  std::size_t inAttesa();
 
  private:
   void riceviRichiesta(std::shared_ptr<const JsonDocument> documento, Json messaggio);

@@ -28,9 +28,17 @@ class Richieste : public testing::Test {
 
   Engine& motore() {
     if (!engine_) {
-      engine_ = std::make_unique<Engine>(AmbienteEngine{files, clock, lister, applicazioni,
-                                                        impostazioni, store, home / "regole.json",
-                                                        tabella, nullptr, nullptr});
+      engine_ = std::make_unique<Engine>(AmbienteEngine{files,
+                                                        clock,
+                                                        lister,
+                                                        applicazioni,
+                                                        impostazioni,
+                                                        store,
+                                                        home / "regole.json",
+                                                        {},
+                                                        tabella,
+                                                        nullptr,
+                                                        nullptr});
     }
     return *engine_;
   }

@@ -18,9 +18,11 @@ class FileRotti(ConCasa):
             if contenuto is not None:
                 percorso.write_text(contenuto)
             uscita, errori = self.esegui("scan", "sviluppo")
-            self.assertIn("Niente da segnalare.", uscita)
             if contenuto is None or not contenuto.startswith('{"'):
+                self.assertIn("Errore: file delle regole illeggibile", uscita)
                 self.assertIn("file delle regole illeggibile", errori)
+            else:
+                self.assertIn("Niente da segnalare.", uscita)
         percorso.unlink()
         percorso.mkdir()
         self.esegui("scan", "sviluppo")
@@ -34,6 +36,20 @@ class FileRotti(ConCasa):
         self.assertFalse(self.api("/api/state")["sections"][0]["scanned"])
         self.esegui("scan", "sviluppo")
         self.assertTrue(self.api("/api/state")["sections"][0]["scanned"])
+
+    def test_results_that_cannot_be_read_as_such_are_kept_aside(self):
+        self.supporto.mkdir(parents=True)
+        (self.supporto / "risultati.json").write_text("{")
+        _, errori = self.esegui("scan", "sviluppo")
+        self.assertIn("risultati salvati illeggibili", errori)
+        self.assertEqual((self.supporto / "risultati.json.guasto").read_text(), "{")
+
+    def test_closed_standard_streams_write_into_no_file_of_ours(self):
+        chiuso = f"exec '{PROGRAMMA}' scan sviluppo <&- >&- 2>&-"
+        esito = subprocess.run(["/bin/sh", "-c", chiuso], env=self.ambiente, timeout=60)
+        self.assertEqual(esito.returncode, 0)
+        self.assertEqual((self.supporto / ".blocco").read_bytes(), b"")
+        json.loads((self.supporto / "risultati.json").read_text())
 
     def test_a_fifo_in_place_of_a_file_hangs_nothing(self):
         self.supporto.mkdir(parents=True)

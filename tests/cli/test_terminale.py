@@ -32,6 +32,28 @@ class Scansione(ConCasa):
         self.assertEqual(oggetto["items"][0]["path"], str(self.casa / ".npm/_cacache/content"))
         self.esegui("show", "non-esiste", stato=2)
 
+    def test_a_clean_scan_and_a_reader_that_goes_away(self):
+        self.assertIn("Nessun risultato salvato", self.esegui("show")[0])
+        uscita, _ = self.esegui("scan", "sviluppo", "privacy")
+        self.assertIn("Niente da segnalare.", uscita)
+        self.assertRegex(uscita, r"Privacy +Non ancora disponibile")
+        self.assertIn("non ha trovato niente", self.esegui("show")[0])
+        for numero in range(3_000):
+            self.file(f".npm/_cacache/{numero}", 10)
+        self.esegui("scan", "sviluppo")
+        processo = self.avvia("show", "npm-cache")
+        processo.stdout.read(10)
+        processo.stdout.close()
+        self.assertEqual((processo.wait(60), processo.stderr.read()), (0, b""))
+        processo.stderr.close()
+        processo.stdin.close()
+
+    def test_places_that_the_environment_moves(self):
+        self.ambiente["XDG_CACHE_HOME"] = str(self.casa / "altrove")
+        self.file("altrove/pip/a", 9_000)
+        self.esegui("scan", "sviluppo")
+        self.assertIn("~/altrove/pip/a", self.esegui("show", "pip-cache")[0])
+
     def test_named_sections_and_json(self):
         uscita, _ = self.esegui("scan", "avvio", "privacy")
         self.assertEqual(len(uscita.splitlines()), 4, uscita)
@@ -55,6 +77,8 @@ class Scansione(ConCasa):
         self.assertEqual(nomi(), ["alfa", "gamma", "Beta"])
         self.assertEqual(nomi("--order", "nome"), ["alfa", "Beta", "gamma"])
         self.assertEqual(nomi("--limit", "1"), ["alfa"])
+        ridotto = json.loads(self.esegui("show", "x", "--json", "--limit", "1")[0])
+        self.assertEqual((ridotto["count"], len(ridotto["items"])), (3, 1))
         testo, _ = self.esegui("show", "x", "--limit", "1")
         self.assertIn("e altre 2 voci", testo)
         self.esegui("show", "x", "--order", "peso", stato=2)

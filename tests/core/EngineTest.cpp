@@ -47,7 +47,15 @@ class EngineTest : public testing::Test {
 
   std::unique_ptr<Engine> crea() {
     return std::make_unique<Engine>(AmbienteEngine{
-        files, clock, lister, applicazioni, impostazioni, store, regole, tabella,
+        files,
+        clock,
+        lister,
+        applicazioni,
+        impostazioni,
+        store,
+        regole,
+        {},
+        tabella,
         [this](const std::string& testo) { avvisi.push_back(testo); },
         [this](const Snapshot& stato) { controlli.push_back(stato.sezioni.size()); }});
   }
@@ -185,6 +193,80 @@ TEST_F(EngineTest, AFailingCategoryIsSkippedAndKeepsWhatItHadFound) {
   engine->attendiFine();
   EXPECT_EQ(sezione(*engine->snapshot(), "applicazioni").status, "Errore: disco in fiamme");
   EXPECT_EQ(engine->findings("applicazioni").size(), 2U);
+}
+
+TEST_F(EngineTest, AFailureOfOneCategoryBringsNothingOfTheOthersBack) {
+  bool secondo = false;
+  tabella.regole = [&](const ScanContext&, const RegolaCategoria& regola) {
+    if (secondo && regola.id == "npm-cache") throw std::runtime_error("guasto");
+    return finding(regola.id, secondo ? 0 : 1024);
+  };
+  const auto engine = crea();
+  engine->start("sviluppo");
+  engine->attendiFine();
+  secondo = true;
+  engine->start("sviluppo");
+  engine->attendiFine();
+  const auto rimasti = engine->findings("sviluppo");
+  ASSERT_EQ(rimasti.size(), 1U);
+  EXPECT_EQ(rimasti[0].finding.id, "npm-cache");
+}
+
+TEST_F(EngineTest, WithoutRulesTheOldFindingsStayAndTheStatusSaysWhy) {
+  tabella.regole = [&](const ScanContext&, const RegolaCategoria& regola) {
+    return finding(regola.id, 1024);
+  };
+  speciale("docker-disk");
+  const auto engine = crea();
+  engine->start("sviluppo");
+  engine->attendiFine();
+  std::filesystem::remove(regole);
+  engine->start("sviluppo");
+  engine->attendiFine();
+  EXPECT_EQ(sezione(*engine->snapshot(), "sviluppo").status,
+            "Errore: file delle regole illeggibile");
+  EXPECT_EQ(engine->findings("sviluppo").size(), 4U);
+}
+
+TEST_F(EngineTest, ASaveTakesOverWhatAnotherProcessScannedSince) {
+  speciale("startup-user");
+  speciale("recent-items");
+  const auto questo = crea();
+  {
+    const auto altro = crea();
+    altro->start("privacy");
+    altro->attendiFine();
+  }
+  questo->save();
+  EXPECT_EQ(questo->findings("privacy").size(), 1U);
+  EXPECT_EQ(crea()->findings("privacy").size(), 1U);
+}
+
+TEST_F(EngineTest, AProgressLineIsNeverSavedAsAResult) {
+  std::unique_ptr<Engine> engine;
+  std::string durante;
+  speciale("startup-user", [&](const ScanContext&) {
+    engine->save();
+    durante = fakes::leggiFile(store.risultati());
+  });
+  engine = crea();
+  engine->start("avvio");
+  engine->attendiFine();
+  engine->start("avvio");
+  engine->attendiFine();
+  EXPECT_NE(durante.find("Recuperabili 1.0 KiB."), std::string::npos);
+  EXPECT_EQ(durante.find("Stato di"), std::string::npos);
+}
+
+TEST_F(EngineTest, SizesOfADamagedFileStopNothing) {
+  std::string voci;
+  for (int i = 0; i < 1100; ++i) {
+    voci += std::string(i == 0 ? "" : ",") + R"({"path":"/x","size":9007199254740992})";
+  }
+  fakes::scriviFile(store.risultati(),
+                    R"({"avvio":{"ts":1,"findings":[{"id":"a","items":[)" + voci + "]}]}}");
+  const auto engine = crea();
+  EXPECT_EQ(sezione(*engine->snapshot(), "avvio").totale, INT64_MAX);
 }
 
 TEST_F(EngineTest, SnapshotIsTheSameObjectUntilSomethingMoves) {

@@ -64,6 +64,19 @@ TEST_F(ImpostazioniTest, ABrokenFileMeansDefaultsAndIsKeptAside) {
   EXPECT_EQ(fakes::leggiFile(store.impostazioni() + ".guasto"), R"({"dup_min_mb":9,"dup_ex)");
 }
 
+TEST_F(ImpostazioniTest, SettingsThatCannotBeReadAreNotOverwritten) {
+  struct Illeggibili : posix::FilesPosix {
+    Result<std::string> read(std::string_view, std::size_t) override {
+      return Error{ErrorKind::denied, 0, "denied"};
+    }
+  } negati;
+  scrivi(R"({"dup_min_mb":9})");
+  Impostazioni senzaDiritti(negati, store);
+  const auto corpo = JsonDocument::parse(R"({"auto_days":3})");
+  EXPECT_FALSE(senzaDiritti.scrivi(corpo->radice()).ok());
+  EXPECT_EQ(impostazioni.leggi().intero("dup_min_mb"), 9);
+}
+
 TEST_F(ImpostazioniTest, MembersOfAnotherVersionSurviveAWrite) {
   // 1e400 is beyond any double; it must not make the file unreadable.
   fakes::scriviFile(store.impostazioni(),

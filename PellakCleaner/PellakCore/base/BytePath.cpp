@@ -73,9 +73,9 @@ std::string decodificaByte(std::string_view testo) {
 std::string espandiTilde(std::string_view percorso, std::string_view home) {
   const bool tilde = percorso == "~" || percorso.substr(0, 2) == "~/";
   if (!tilde) return std::string(percorso);
-  std::string intero(home);
+  std::string intero(home == "/" ? std::string_view() : home);
   intero += percorso.substr(1);
-  return intero;
+  return intero.empty() ? "/" : intero;
 }
 
 std::string percorsoMostrato(std::string_view percorso, std::string_view home) {

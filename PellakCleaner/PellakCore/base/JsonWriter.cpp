@@ -160,6 +160,12 @@ JsonWriter& JsonWriter::text(std::string_view valore) {
   return closeText();
 }
 
+JsonWriter& JsonWriter::texts(std::span<const std::string> valori) {
+  beginArray();
+  for (const std::string& valore : valori) text(valore);
+  return endArray();
+}
+
 JsonWriter& JsonWriter::integer(std::int64_t valore) {
   separate();
   appendJsonInteger(uscita_, valore);

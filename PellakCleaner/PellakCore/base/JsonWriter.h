@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,7 @@ class JsonWriter {
   JsonWriter& textKey(std::string_view nome);
 
   JsonWriter& text(std::string_view valore);
+  JsonWriter& texts(std::span<const std::string> valori);
   JsonWriter& integer(std::int64_t valore);
   /// Whole numbers without a fraction, others in the shortest form that stands for the same double;
   /// infinities and NaN, which JSON can't hold, become 0.

@@ -23,9 +23,9 @@ void SerialQueue::post(Task task) {
   {
     const std::lock_guard<std::mutex> hold(lock_);
     if (stopping_) return;
+    startThread();
     pending_.push_back(std::move(task));
     ++posted_;
-    startThread();
   }
   changed_.notify_all();
 }
@@ -34,8 +34,8 @@ void SerialQueue::postAfter(std::chrono::milliseconds attesa, Task task) {
   {
     const std::lock_guard<std::mutex> hold(lock_);
     if (stopping_) return;
-    delayed_.emplace(std::chrono::steady_clock::now() + attesa, std::move(task));
     startThread();
+    delayed_.emplace(std::chrono::steady_clock::now() + attesa, std::move(task));
   }
   changed_.notify_all();
 }
@@ -50,6 +50,11 @@ bool SerialQueue::drainFor(std::chrono::milliseconds attesa) {
   std::unique_lock<std::mutex> hold(lock_);
   const std::uint64_t target = posted_;
   return changed_.wait_for(hold, attesa, [&] { return finished_ >= target || stopping_; });
+}
+
+std::size_t SerialQueue::inAttesa() {
+  const std::lock_guard<std::mutex> hold(lock_);
+  return static_cast<std::size_t>(posted_ - finished_);
 }
 
 void SerialQueue::promoteDue() {

@@ -17,7 +17,8 @@ namespace pellak {
 /// The thread starts with the first task. Destroying the queue waits for the running task,
 /// drops the ones not begun and joins the thread; a task must therefore never destroy its own
 /// queue. `post`, `postAfter` and `drain` may be called from any thread. A task must not
-/// throw.
+/// throw. `post` and `postAfter` throw std::system_error, with nothing queued, when the system
+/// gives no thread.
 class SerialQueue {
  public:
   using Task = std::function<void()>;
@@ -36,6 +37,9 @@ class SerialQueue {
   void drain();
   /// The same for at most `attesa`; whether they have all run.
   bool drainFor(std::chrono::milliseconds attesa);
+
+  /// Tasks posted and not yet finished.
+  std::size_t inAttesa();
 
   const std::string& etichetta() const { return etichetta_; }
 

@@ -2,9 +2,10 @@
 
 #include <cerrno>
 #include <cstddef>
-#include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <memory>
+#include <string_view>
 #include <utility>
 
 #include "platform/posix/Descriptor.h"

@@ -10,6 +10,7 @@
 #include "platform/posix/FilesPosix.h"
 #include "platform/posix/HomeFolder.h"
 #include "platform/posix/ProcessLauncherPosix.h"
+#include "platform/posix/StandardStreams.h"
 
 namespace pellak {
 namespace {
@@ -42,6 +43,9 @@ class NativeLinux : public Native {
 
 }  // namespace
 
-std::unique_ptr<Native> creaNative() { return std::make_unique<NativeLinux>(); }
+std::unique_ptr<Native> creaNative() {
+  posix::occupyStandardStreams();
+  return std::make_unique<NativeLinux>();
+}
 
 }  // namespace pellak

@@ -5,8 +5,10 @@
 #include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -74,6 +76,8 @@ Result<void> syncFolder(const std::string& cartella) {
 Result<void> takeLock(int file) {
   const auto limite = std::chrono::steady_clock::now() + kLockPatience;
   while (::flock(file, LOCK_EX | LOCK_NB) != 0) {
+    // A file system without locks must not keep anything from being saved.
+    if (errno == ENOLCK || errno == ENOTSUP || errno == ENOSYS) return {};
     if (errno != EWOULDBLOCK && errno != EINTR) return lastError();
     if (std::chrono::steady_clock::now() > limite) return errnoError(EBUSY);
     std::this_thread::sleep_for(kLockPoll);
@@ -197,6 +201,15 @@ Result<void> FilesPosix::readable(std::string_view percorso) {
   errno = 0;
   if (::readdir(elenco.get()) == nullptr && errno != 0) return lastError();
   return {};
+}
+
+std::string FilesPosix::stamp(std::string_view percorso) {
+  struct stat info {};
+  if (::stat(std::string(percorso).c_str(), &info) != 0) return {};
+  std::error_code ignorato;
+  const auto scritto = std::filesystem::last_write_time(percorso, ignorato);
+  return std::to_string(info.st_dev) + ":" + std::to_string(info.st_ino) + ":" +
+         std::to_string(info.st_size) + ":" + std::to_string(scritto.time_since_epoch().count());
 }
 
 bool FilesPosix::exists(std::string_view percorso) {

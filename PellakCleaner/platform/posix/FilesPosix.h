@@ -14,6 +14,7 @@ class FilesPosix : public Files {
   Result<void> removeOwn(std::string_view percorso) override;
   Result<void> renameOwn(std::string_view da, std::string_view a) override;
   Result<void> readable(std::string_view percorso) override;
+  std::string stamp(std::string_view percorso) override;
   bool exists(std::string_view percorso) override;
   Result<std::unique_ptr<FileLock>> lock(std::string_view percorso) override;
 };

@@ -44,11 +44,11 @@ std::optional<Task> Crew::take() {
 void Crew::give(std::vector<Task> tasks) {
   const std::lock_guard<std::mutex> hold(lock_);
   if (over_) return;
-  const std::size_t given = tasks.size();
+  std::size_t hands = tasks.size();
   stack_.insert(stack_.end(), std::make_move_iterator(tasks.begin()),
                 std::make_move_iterator(tasks.end()));
-  if (waiting_ == 0) startOne();
-  for (std::size_t i = std::min(given, waiting_); i > 0; --i) work_.notify_one();
+  for (std::size_t i = std::min(hands, waiting_); i > 0; --i, --hands) work_.notify_one();
+  while (hands > 0 && startOne()) --hands;
   updateHunger();
 }
 

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -22,6 +23,7 @@ struct FolderTask {
   FolderRef parent;
   std::string name;
   std::size_t root = 0;
+  std::uint64_t mark = 0;  ///< the client's, see WalkCore.h
 };
 
 /// A part of a folder that has been read already.
@@ -31,6 +33,7 @@ struct SliceTask {
   std::size_t begin = 0;
   std::size_t end = 0;
   std::size_t root = 0;
+  std::uint64_t mark = 0;
 };
 
 using Task = std::variant<FolderTask, SliceTask>;
@@ -71,7 +74,8 @@ class Crew {
   std::condition_variable ended_;
   std::vector<Task> stack_;
   std::vector<std::thread> threads_;
-  std::size_t allowed_;  ///< threads that may exist; fewer than `most_` when the system has no more
+  std::size_t
+      allowed_;  ///< threads that may exist; fewer than asked for when the system has no more
   std::size_t started_ = 0;
   std::size_t waiting_ = 0;
   bool over_ = false;

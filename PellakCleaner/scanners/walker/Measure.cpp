@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "scanners/walker/FolderReader.h"
+#include "scanners/walker/FolderSizes.h"
 #include "scanners/walker/WalkCore.h"
 #include "scanners/walker/Walker.h"
 
@@ -22,8 +23,10 @@ std::int64_t sum(std::int64_t a, std::int64_t b) {
 /// total at the end of each piece of work.
 class MeasureClient final : public WalkClient {
  public:
-  MeasureClient(const Ambiente& ambiente, std::size_t roots, const Misurata& misurata)
-      : ambiente_(ambiente), misurata_(misurata), roots_(roots) {}
+  /// `notes` may be none.
+  MeasureClient(const Ambiente& ambiente, std::size_t roots, const Misurata& misurata,
+                FolderNotes* notes)
+      : ambiente_(ambiente), misurata_(misurata), notes_(notes), roots_(roots) {}
 
   bool onlyRegular() const override { return false; }
   bool entersName(std::string_view) const override { return true; }
@@ -42,6 +45,10 @@ class MeasureClient final : public WalkClient {
     return false;
   }
 
+  FolderMark mark(std::size_t worker, FolderMark parent, std::string_view name) override {
+    return notes_ == nullptr ? parent : notes_->folder(worker, parent, name);
+  }
+
   void file(const FileSeen& seen, const EntryAttributes& attributes) override {
     std::int64_t& bytes = parts_[seen.worker].bytes;
     bytes = sum(bytes, attributes.alloc);
@@ -51,9 +58,10 @@ class MeasureClient final : public WalkClient {
     roots_[root].pieces.fetch_add(pieces, std::memory_order_relaxed);
   }
 
-  void done(std::size_t worker, std::size_t root) override {
+  void done(std::size_t worker, std::size_t root, FolderMark folder) override {
     Root& r = roots_[root];
     const std::int64_t part = std::exchange(parts_[worker].bytes, 0);
+    if (notes_ != nullptr) notes_->add(worker, folder, part);
     std::int64_t before = r.bytes.load(std::memory_order_relaxed);
     while (!r.bytes.compare_exchange_weak(before, sum(before, part), std::memory_order_relaxed)) {
     }
@@ -75,6 +83,7 @@ class MeasureClient final : public WalkClient {
 
   const Ambiente& ambiente_;
   const Misurata& misurata_;
+  FolderNotes* const notes_;
   std::vector<Root> roots_;
   std::array<Part, kMaxListings> parts_;
   std::mutex lock_;
@@ -85,14 +94,14 @@ class MeasureClient final : public WalkClient {
 std::int64_t treeSize(const Ambiente& ambiente, std::string_view percorso, const Stop& stop) {
   std::int64_t bytes = 0;
   const Misurata keep = [&](std::size_t, std::optional<std::int64_t> b) { bytes = b.value_or(0); };
-  MeasureClient client(ambiente, 1, keep);
+  MeasureClient client(ambiente, 1, keep, nullptr);
   walkAlone(ambiente, stop, client, percorso);
   return bytes;
 }
 
 void measureTrees(const Ambiente& ambiente, std::span<const std::string> percorsi, const Stop& stop,
-                  const Misurata& misurata) {
-  MeasureClient client(ambiente, percorsi.size(), misurata);
+                  const Misurata& misurata, FolderNotes* cartelle) {
+  MeasureClient client(ambiente, percorsi.size(), misurata, cartelle);
   walkTogether(ambiente, stop, client, percorsi);
 }
 

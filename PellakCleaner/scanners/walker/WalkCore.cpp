@@ -47,10 +47,11 @@ class Worker {
 
   void run() {
     while (std::optional<Task> task = next()) {
-      const std::size_t root = std::visit([](const auto& t) { return t.root; }, *task);
+      const auto [root, mark] =
+          std::visit([](const auto& t) { return std::pair(t.root, t.mark); }, *task);
       std::visit([this](auto& t) { execute(t); }, *task);
       if (walk_.cancelled.load(std::memory_order_relaxed)) return;
-      walk_.client.done(index_, root);
+      walk_.client.done(index_, root, mark);
     }
   }
 
@@ -67,7 +68,7 @@ class Worker {
   void execute(FolderTask& task);
   void execute(SliceTask& task);
   bool enters(const FolderTask& task);
-  void addFolder(const FolderRef& folder, std::string_view name, std::size_t root);
+  void addFolder(const SliceTask& of, std::string_view name);
   void visitAll(const SliceTask& task);
   void visit(const SliceTask& task, std::size_t begin, std::size_t end);
   bool hungry() const { return walk_.crew != nullptr && walk_.crew->hungry(); }
@@ -107,8 +108,9 @@ void Worker::execute(FolderTask& task) {
     all.listing = listing_;
     all.end = listing_->batch.entries.size();
     all.root = task.root;
+    all.mark = task.mark;
     for (const ListedEntry& entry : listing_->batch.entries) {
-      if (entry.type == EntryType::directory) addFolder(all.folder, entry.name, all.root);
+      if (entry.type == EntryType::directory) addFolder(all, entry.name);
     }
     execute(all);
   }
@@ -121,11 +123,11 @@ void Worker::execute(SliceTask& task) {
   if (task.folder->isOpen()) folders_.keep(task.folder);
 }
 
-void Worker::addFolder(const FolderRef& folder, std::string_view name, std::size_t root) {
+void Worker::addFolder(const SliceTask& of, std::string_view name) {
   if (!walk_.client.entersName(name)) return;
-  folder->claim();
-  walk_.client.added(root, 1);
-  push(FolderTask{folder, std::string(name), root});
+  of.folder->claim();
+  walk_.client.added(of.root, 1);
+  push(FolderTask{of.folder, std::string(name), of.root, walk_.client.mark(index_, of.mark, name)});
 }
 
 void Worker::visitAll(const SliceTask& task) {
@@ -151,7 +153,7 @@ void Worker::visit(const SliceTask& task, std::size_t begin, std::size_t end) {
       [&] { return task.folder->path(); },
       [&](const ListedEntry& entry) {
         // Folders known as such were taken when the folder was read.
-        if (entry.type == EntryType::unknown) addFolder(task.folder, entry.name, task.root);
+        if (entry.type == EntryType::unknown) addFolder(task, entry.name);
       },
       [&](std::string_view name, const EntryAttributes& attributes) {
         walk_.client.file({index_, task.root, task.folder, name}, attributes);
@@ -189,7 +191,7 @@ void walkAlone(const Ambiente& ambiente, const Stop& stop, WalkClient& client,
                std::string_view radice) {
   Walk walk{ambiente, stop, client};
   Worker worker(walk, 0, allowanceOf(ambiente, 1));
-  worker.push(FolderTask{{}, std::string(radice), 0});
+  worker.push(FolderTask{{}, std::string(radice)});
   worker.run();
   if (walk.cancelled) throw ScanCancelled{};
 }
@@ -198,7 +200,7 @@ void walkTogether(const Ambiente& ambiente, const Stop& stop, WalkClient& client
                   std::span<const std::string> radici) {
   std::vector<Task> roots;
   roots.reserve(radici.size());
-  for (std::size_t i = radici.size(); i-- > 0;) roots.emplace_back(FolderTask{{}, radici[i], i});
+  for (std::size_t i = radici.size(); i-- > 0;) roots.emplace_back(FolderTask{{}, radici[i], i, i});
 
   Walk walk{ambiente, stop, client};
   std::mutex faultLock;

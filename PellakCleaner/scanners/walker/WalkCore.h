@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -9,6 +10,10 @@
 #include "scanners/walker/Walker.h"
 
 namespace pellak::walker {
+
+/// A client's own number for a folder; it travels with the work on the folder. A root has its
+/// index.
+using FolderMark = std::uint64_t;
 
 /// A file that the walk came by. Lives for one call.
 struct FileSeen {
@@ -37,12 +42,17 @@ class WalkClient {
   virtual bool filtersPaths() const = 0;
   virtual bool entersPath(const std::string& percorso) = 0;
 
+  /// The mark of a folder that is going to be entered, found in the one marked `parent`.
+  virtual FolderMark mark(std::size_t /*worker*/, FolderMark parent, std::string_view /*name*/) {
+    return parent;
+  }
+
   virtual void file(const FileSeen& seen, const EntryAttributes& attributes) = 0;
 
   /// More pieces of work came up for a root, or one is done. A root begins with one piece; with
-  /// as many done as came up everything below it has been seen.
+  /// as many done as came up everything below it has been seen. A piece lies in one folder.
   virtual void added(std::size_t root, std::size_t pieces) = 0;
-  virtual void done(std::size_t worker, std::size_t root) = 0;
+  virtual void done(std::size_t worker, std::size_t root, FolderMark folder) = 0;
 };
 
 /// Walks one root on the calling thread. Throws `ScanCancelled`.

@@ -51,7 +51,7 @@ class VisitClient final : public WalkClient {
   }
 
   void added(std::size_t, std::size_t) override {}
-  void done(std::size_t, std::size_t) override {}
+  void done(std::size_t, std::size_t, FolderMark) override {}
 
  private:
   struct alignas(64) Place {

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "PellakCore/base/ScanCancelled.h"
@@ -56,6 +58,12 @@ inline constexpr std::size_t kMaxListings = 8;
 /// cannot be opened or its listing fails half-way.
 std::optional<std::vector<BulkEntry>> bulkList(const Ambiente& ambiente, std::string_view percorso);
 
+/// The entries of one folder with their attributes, in listing order, by the bulk listing or else
+/// by names. Folders that the listing tells as such carry no further attributes. A large folder's
+/// attributes are asked for by several threads. An entry whose record can't be had is left out.
+/// Errors: those of opening or reading the folder.
+Result<std::vector<BulkEntry>> listFolder(const Ambiente& ambiente, std::string_view percorso);
+
 /// The names in one folder by the ordinary directory stream, in the order read.
 std::optional<std::vector<std::string>> nameList(const Ambiente& ambiente,
                                                  std::string_view percorso);
@@ -69,14 +77,17 @@ std::optional<struct stat> statNoFollow(const Ambiente& ambiente, std::string_vi
 /// thread. Throws `ScanCancelled`.
 std::int64_t treeSize(const Ambiente& ambiente, std::string_view percorso, const Stop& stop = {});
 
+class FolderNotes;
+
 /// Told one root's size as soon as it is known; absent when the root has no record (missing or
 /// refused). One call at a time, from any worker, in any order.
 using Misurata = std::function<void(std::size_t indice, std::optional<std::int64_t> byte)>;
 
 /// `treeSize` of many roots at once over the walk's workers, a single huge root spread over all
-/// of them. Throws `ScanCancelled`; sizes told before that are right.
+/// of them. Throws `ScanCancelled`; sizes told before that are right. `cartelle`, when given, takes
+/// down every folder on the way with its size (FolderSizes.h).
 void measureTrees(const Ambiente& ambiente, std::span<const std::string> percorsi, const Stop& stop,
-                  const Misurata& misurata);
+                  const Misurata& misurata, FolderNotes* cartelle = nullptr);
 
 /// The same, answered at the end, in the order of `percorsi`.
 std::vector<std::optional<std::int64_t>> measureTrees(const Ambiente& ambiente,

@@ -1,0 +1,39 @@
+#include "PellakCore/base/Motivo.h"
+
+namespace pellak {
+namespace {
+
+const char* frase(ErrorKind tipo) {
+  switch (tipo) {
+    case ErrorKind::missing:
+      return "non esiste";
+    case ErrorKind::denied:
+      return "permesso negato";
+    case ErrorKind::busy:
+      return "in uso da un altro programma";
+    case ErrorKind::full:
+      return "spazio esaurito";
+    case ErrorKind::exists:
+      return "il nome è già occupato";
+    case ErrorKind::readOnly:
+      return "volume in sola lettura";
+    case ErrorKind::cancelled:
+      return "operazione annullata";
+    case ErrorKind::invalid:
+      return "contenuto non valido";
+    case ErrorKind::failed:
+      break;
+  }
+  return "errore di sistema";
+}
+
+}  // namespace
+
+std::string motivo(const Error& errore) {
+  const bool generico = errore.kind == ErrorKind::failed || errore.kind == ErrorKind::invalid;
+  std::string testo = frase(errore.kind);
+  if (generico && !errore.text.empty()) testo += " (" + errore.text + ")";
+  return testo;
+}
+
+}  // namespace pellak

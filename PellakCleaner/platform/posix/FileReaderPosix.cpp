@@ -1,0 +1,111 @@
+#include "platform/posix/FileReaderPosix.h"
+
+#include <cerrno>
+#include <climits>
+#include <fcntl.h>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+#include "platform/posix/Descriptor.h"
+#include "platform/posix/ErrnoError.h"
+#include "platform/posix/FolderPosix.h"
+#include "platform/posix/ReadAdvice.h"
+
+namespace pellak::posix {
+namespace {
+
+// Not blocking: a pipe may have taken the file's place.
+constexpr int kReadFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+
+std::int64_t nanoseconds(const timespec& time) {
+  return static_cast<std::int64_t>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
+}
+
+/// The BSD family has its own names for the fields.
+template <class Record>
+void setTimes(FileMark& mark, const Record& record) {
+  if constexpr (requires { record.st_mtimespec; }) {
+    mark.mtimeNs = nanoseconds(record.st_mtimespec);
+    mark.ctimeNs = nanoseconds(record.st_ctimespec);
+  } else {
+    mark.mtimeNs = nanoseconds(record.st_mtim);
+    mark.ctimeNs = nanoseconds(record.st_ctim);
+  }
+}
+
+class OpenFilePosix final : public OpenFile {
+ public:
+  explicit OpenFilePosix(Descriptor file) : file_(std::move(file)) {}
+
+  Result<FileMark> mark() const override {
+    struct stat record {};
+    if (::fstat(file_.get(), &record) != 0) return errnoError(errno);
+    FileMark mark;
+    mark.regular = S_ISREG(record.st_mode);
+    mark.size = record.st_size;
+    mark.dev = static_cast<std::uint64_t>(record.st_dev);
+    mark.ino = record.st_ino;
+    setTimes(mark, record);
+    return mark;
+  }
+
+  Result<std::size_t> readAt(std::int64_t offset, std::span<std::byte> into) const override {
+    std::size_t done = 0;
+    while (done < into.size()) {
+      const ssize_t part = ::pread(file_.get(), into.data() + done, into.size() - done,
+                                   static_cast<off_t>(offset) + static_cast<off_t>(done));
+      if (part == 0) break;
+      if (part > 0) {
+        done += static_cast<std::size_t>(part);
+      } else if (errno != EINTR) {
+        return errnoError(errno);
+      }
+    }
+    return done;
+  }
+
+ private:
+  Descriptor file_;
+};
+
+int openAt(int folder, const char* name) {
+  for (;;) {
+    const int number = ::openat(folder, name, kReadFlags);
+    if (number >= 0 || errno != EINTR) return number;
+  }
+}
+
+Result<Descriptor> openPath(std::string_view percorso) {
+  if (percorso.empty() || percorso.find('\0') != std::string_view::npos) return errnoError(EINVAL);
+  Descriptor file;
+  if (percorso.size() < PATH_MAX) {
+    file = Descriptor(openAt(AT_FDCWD, std::string(percorso).c_str()));
+  } else {
+    const std::size_t barra = percorso.rfind('/');
+    if (barra == std::string_view::npos || barra == 0) return errnoError(ENAMETOOLONG);
+    auto folder = openFolder(percorso.substr(0, barra), O_RDONLY);
+    if (!folder) return folder.error();
+    file = Descriptor(openAt(folder->get(), std::string(percorso.substr(barra + 1)).c_str()));
+  }
+  if (!file) return errnoError(errno);
+  return file;
+}
+
+}  // namespace
+
+Result<std::unique_ptr<OpenFile>> FileReaderPosix::open(std::string_view percorso, ReadPlan plan) {
+  auto file = openPath(percorso);
+  if (!file) return file.error();
+  adviseRead(file->get(), plan);
+  return std::unique_ptr<OpenFile>(std::make_unique<OpenFilePosix>(std::move(file).value()));
+}
+
+}  // namespace pellak::posix
+
+namespace pellak {
+
+std::unique_ptr<FileReader> creaFileReader() { return std::make_unique<posix::FileReaderPosix>(); }
+
+}  // namespace pellak

@@ -1,0 +1,80 @@
+#include <array>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "platform/linux/Sha256OpenSsl.h"
+#include "platform/posix/Sha256Instructions.h"
+
+namespace pellak {
+namespace {
+
+std::string hex(const Sha256Digest& digest) {
+  std::string text;
+  for (const std::uint8_t byte : digest) {
+    text += "0123456789abcdef"[byte >> 4];
+    text += "0123456789abcdef"[byte & 15];
+  }
+  return text;
+}
+
+std::span<const std::byte> bytes(const std::string& text) {
+  return std::as_bytes(std::span(text.data(), text.size()));
+}
+
+void expectPublishedDigests(TwinSha256& sha) {
+  EXPECT_EQ(hex(sha.finish(0)), "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
+  sha.update(1, bytes("abc"));
+  EXPECT_EQ(hex(sha.finish(1)), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+  const std::string long56 = "abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq";
+  sha.updateBoth(bytes(long56), bytes("abc"));
+  EXPECT_EQ(hex(sha.finish(0)), "248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1");
+  EXPECT_EQ(hex(sha.finish(1)), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+  const std::string million(1'000'000, 'a');
+  sha.updateBoth(bytes(million), bytes(million));
+  for (const std::size_t lane : {0U, 1U}) {
+    EXPECT_EQ(hex(sha.finish(lane)),
+              "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
+  }
+}
+
+TEST(Sha256, GivesThePublishedDigests) {
+  expectPublishedDigests(*native::creaSha256OpenSsl());
+  expectPublishedDigests(*creaTwinSha256());
+}
+
+TEST(Sha256, TheInstructionsAgreeWithTheLibraryHoweverTheDataArrive) {
+  const auto ours = posix::creaSha256Instructions();
+  if (!ours) GTEST_SKIP() << "this processor has no SHA instructions";
+  expectPublishedDigests(*ours);
+  const auto library = native::creaSha256OpenSsl();
+  std::mt19937 random(7);
+  std::vector<std::byte> data(5'000);
+  for (std::byte& byte : data) byte = static_cast<std::byte>(random());
+  const auto upTo = [&](std::size_t most) { return std::size_t{random()} % (most + 1); };
+  for (std::size_t round = 0; round < 3'000; ++round) {
+    for (std::size_t pieces = upTo(5); pieces > 0; --pieces) {
+      // Often whole blocks, which go the interleaved way, of equal and of different lengths.
+      const std::size_t unit = upTo(1) == 0 ? 64 : 1;
+      const std::size_t a = upTo(200) * unit % 2'000;
+      const std::size_t b = upTo(2) == 0 ? a : upTo(1'000);
+      const auto first = std::span<const std::byte>(data).subspan(upTo(100), a);
+      const auto second = std::span<const std::byte>(data).subspan(upTo(100), b);
+      if (upTo(3) == 0) {
+        ours->update(1, second);
+        library->update(1, second);
+      } else {
+        ours->updateBoth(first, second);
+        library->updateBoth(first, second);
+      }
+    }
+    const std::size_t lane = upTo(1);
+    ASSERT_EQ(hex(ours->finish(lane)), hex(library->finish(lane))) << round;
+  }
+  for (const std::size_t lane : {0U, 1U}) EXPECT_EQ(ours->finish(lane), library->finish(lane));
+}
+
+}  // namespace
+}  // namespace pellak
