@@ -56,8 +56,17 @@ struct Banco {
   fakes::FakeFileManager fileManager;
   Store store{home.percorso()};
   Impostazioni impostazioni{files, store};
-  Engine engine{{files, clock, lister, applicazioni, impostazioni, store, home / "regole.json",
-                 tabella(), nullptr, nullptr}};
+  Engine engine{{files,
+                 clock,
+                 lister,
+                 applicazioni,
+                 impostazioni,
+                 store,
+                 home / "regole.json",
+                 {},
+                 tabella(),
+                 nullptr,
+                 nullptr}};
   api::Router router{{engine, impostazioni, fileManager, applicazioni, files,
                       FamigliaStrumenti::linux, home.percorso()}};
 };

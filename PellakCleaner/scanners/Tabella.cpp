@@ -1,5 +1,10 @@
 #include "scanners/Tabella.h"
 
+#include <memory>
+
+#include "platform/FileReader.h"
+#include "scanners/duplicati/ScannerDuplicati.h"
+#include "scanners/grandi/ScannerGrandi.h"
 #include "scanners/regole/ScannerRegole.h"
 
 namespace pellak::scanners {
@@ -7,6 +12,12 @@ namespace pellak::scanners {
 TabellaScanner tabellaScanner() {
   TabellaScanner tabella;
   tabella.regole = scanRegola;
+  const std::shared_ptr<FileReader> reader = creaFileReader();
+  tabella.speciali["duplicates"] = {"Ricerca duplicati (può richiedere minuti)...",
+                                    [reader](const ScanContext& ctx) {
+                                      return std::vector<Finding>{scanDuplicati(ctx, *reader)};
+                                    }};
+  tabella.speciali["large-old"] = {"Scansione: File grandi e vecchi...", scanGrandi};
   return tabella;
 }
 

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "platform/Sha256.h"
+#include "scanners/duplicati/Candidati.h"
+
+namespace pellak::scanners {
+
+/// How much is known of a file's content.
+enum class Conoscenza : std::uint8_t {
+  dimensione,  ///< its size
+  campioni,    ///< `impronta`: what it holds in some places
+  tutto,       ///< `digest`: all of it
+  perso        ///< it can't be read or changed; it is a duplicate of nothing
+};
+
+/// One file on disk, which may have several names: its candidates are `quanti` from `primo` on, in
+/// ascending order of their paths.
+struct Contenuto {
+  std::int64_t size = 0;
+  std::uint64_t impronta = 0;
+  std::uint64_t dev = 0;  ///< of the file that was read in the end, as is `ino`
+  std::uint64_t ino = 0;
+  std::uint32_t primo = 0;
+  std::uint32_t quanti = 0;
+  Sha256Digest digest{};
+  Conoscenza noto = Conoscenza::dimensione;
+};
+
+/// Sorts the candidates by size (largest first), file and path, and gathers the names of one file.
+/// Files with a size of their own are left out.
+std::vector<Contenuto> raggruppaPerFile(std::vector<Candidato>& candidati, const Candidati& testi);
+
+/// Drops what is lost, and of the rest every file that differs from all others in size or in what
+/// is known of it. The others are sorted: equal ones adjacent, larger ones first.
+void tieniUguali(std::vector<Contenuto>& contenuti);
+
+/// Where the run of files equal to the one at `da` ends, in a list as `tieniUguali` leaves it.
+std::size_t fineUguali(const std::vector<Contenuto>& contenuti, std::size_t da);
+
+}  // namespace pellak::scanners

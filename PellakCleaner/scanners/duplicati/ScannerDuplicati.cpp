@@ -1,0 +1,128 @@
+#include "scanners/duplicati/ScannerDuplicati.h"
+
+#include <algorithm>
+#include <limits>
+#include <set>
+#include <utility>
+
+#include "PellakCore/base/BytePath.h"
+#include "scanners/Luoghi.h"
+#include "scanners/duplicati/Contenuti.h"
+#include "scanners/duplicati/Lettura.h"
+#include "scanners/walker/Walker.h"
+
+namespace pellak::scanners {
+namespace {
+
+constexpr std::int64_t kMiB = 1'048'576;
+
+std::int64_t byteMinimi(std::int64_t mib) {
+  constexpr auto kMax = std::numeric_limits<std::int64_t>::max();
+  if (mib <= 0) return 0;
+  return mib > kMax / kMiB ? kMax : mib * kMiB;
+}
+
+walker::Filtro filtroDi(const RegoleDuplicati& regole, const std::string& home) {
+  walker::Filtro filtro{{regole.excludeDirNames, regole.excludeBundleSuffixes},
+                        byteMinimi(regole.minSizeMb)};
+  std::vector<std::string> esclusi;
+  for (const std::string& scritto : regole.excludePaths) {
+    std::string escluso = standardizza(scritto, home);
+    if (!escluso.empty()) esclusi.push_back(std::move(escluso));
+  }
+  if (esclusi.empty()) return filtro;
+  filtro.entra = [esclusi = std::move(esclusi)](std::string_view percorso) {
+    return std::none_of(esclusi.begin(), esclusi.end(), [&](const std::string& escluso) {
+      return dentroCartella(percorso, escluso);
+    });
+  };
+  return filtro;
+}
+
+void raccogli(const ScanContext& ctx, Candidati& candidati) {
+  const walker::Ambiente ambiente{ctx.lister, registraDiniego};
+  const RegoleDuplicati& regole = ctx.regole.duplicati;
+  const auto radici = radiciEsistenti(ambiente, regole.roots, ctx.home);
+  struct Nulla {};
+  walker::parallelWalk(ambiente, radici, filtroDi(regole, ctx.home), ctx.stop,
+                       [&](std::string_view percorso, const struct stat& s) {
+                         candidati.aggiungi(percorso, s.st_size,
+                                            static_cast<std::int32_t>(s.st_dev), s.st_ino);
+                         return std::optional<Nulla>();
+                       });
+}
+
+std::string esadecimale(const Sha256Digest& digest) {
+  constexpr std::string_view kCifre = "0123456789abcdef";
+  std::string testo;
+  for (const std::uint8_t byte : digest) {
+    testo += kCifre[byte >> 4];
+    testo += kCifre[byte & 15];
+  }
+  return testo;
+}
+
+/// The paths of equal files in ascending order, each file on disk once.
+std::vector<std::string> percorsiDi(const std::vector<Contenuto>& contenuti, std::size_t da,
+                                    std::size_t fine, const std::vector<Candidato>& candidati,
+                                    const Candidati& testi) {
+  std::vector<std::pair<std::string, const Contenuto*>> ordinati;
+  for (std::size_t i = da; i < fine; ++i) {
+    ordinati.emplace_back(testi.percorso(candidati[contenuti[i].primo]), &contenuti[i]);
+  }
+  std::sort(ordinati.begin(), ordinati.end());
+  std::set<std::pair<std::uint64_t, std::uint64_t>> visti;
+  std::vector<std::string> percorsi;
+  for (auto& [percorso, contenuto] : ordinati) {
+    if (visti.emplace(contenuto->dev, contenuto->ino).second) {
+      percorsi.push_back(std::move(percorso));
+    }
+  }
+  return percorsi;
+}
+
+std::vector<Group> gruppi(const std::vector<Contenuto>& contenuti,
+                          const std::vector<Candidato>& candidati, const Candidati& testi) {
+  std::vector<Group> trovati;
+  for (std::size_t da = 0; da < contenuti.size();) {
+    const std::size_t fine = fineUguali(contenuti, da);
+    Group gruppo;
+    gruppo.paths = percorsiDi(contenuti, da, fine, candidati, testi);
+    gruppo.size = contenuti[da].size;
+    gruppo.hash = esadecimale(contenuti[da].digest);
+    if (gruppo.paths.size() > 1) trovati.push_back(std::move(gruppo));
+    da = fine;
+  }
+  std::sort(trovati.begin(), trovati.end(), [](const Group& a, const Group& b) {
+    const std::int64_t liberaA = recuperabili(a);
+    const std::int64_t liberaB = recuperabili(b);
+    if (liberaA != liberaB) return liberaA > liberaB;
+    return a.size != b.size ? a.size > b.size : a.paths.front() < b.paths.front();
+  });
+  return trovati;
+}
+
+}  // namespace
+
+Finding scanDuplicati(const ScanContext& ctx, FileReader& reader) {
+  Finding finding;
+  finding.id = "duplicates";
+  finding.name = "File duplicati";
+  finding.mode = "delete";
+  finding.note =
+      "Confronto per dimensione, poi hash parziale, poi hash completo. Gli hard link non sono "
+      "conteggiati come duplicati.";
+  Candidati testi;
+  raccogli(ctx, testi);
+  std::vector<Candidato> candidati = testi.prendi();
+  std::vector<Contenuto> contenuti = raggruppaPerFile(candidati, testi);
+  Lettura lettura(ctx, reader, testi, candidati);
+  lettura.campioni(contenuti);
+  tieniUguali(contenuti);
+  lettura.interi(contenuti);
+  tieniUguali(contenuti);
+  finding.groups = gruppi(contenuti, candidati, testi);
+  return finding;
+}
+
+}  // namespace pellak::scanners

@@ -1,0 +1,52 @@
+#include "scanners/duplicati/Squadra.h"
+
+#include <algorithm>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include "PellakCore/base/ScanCancelled.h"
+
+namespace pellak::scanners {
+
+void Squadra::esegui(const std::function<void()>& lavoro) {
+  const std::size_t lettori =
+      std::min(parti_, std::max<std::size_t>(kLettori, std::thread::hardware_concurrency()));
+  std::vector<std::thread> altri;
+  altri.reserve(lettori);
+  try {
+    while (altri.size() + 1 < lettori) altri.emplace_back([&] { protetto(lavoro); });
+  } catch (const std::system_error&) {
+    // With fewer threads it only takes longer.
+  }
+  protetto(lavoro);
+  for (std::thread& altro : altri) altro.join();
+  if (errore_) std::rethrow_exception(errore_);
+}
+
+void Squadra::protetto(const std::function<void()>& lavoro) {
+  try {
+    lavoro();
+  } catch (...) {
+    const std::lock_guard hold(lock_);
+    if (!finita_.exchange(true) || !errore_) errore_ = std::current_exception();
+  }
+}
+
+std::optional<std::size_t> Squadra::prossima() {
+  controlla();
+  const std::size_t parte = prese_++;
+  if (parte >= parti_) return std::nullopt;
+  return parte;
+}
+
+std::size_t Squadra::rimaste() const {
+  const std::size_t prese = prese_;
+  return prese < parti_ ? parti_ - prese : 0;
+}
+
+void Squadra::controlla() const {
+  if (finita_ || (stop_ && stop_())) throw ScanCancelled();
+}
+
+}  // namespace pellak::scanners

@@ -1,0 +1,426 @@
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <map>
+#include <mutex>
+#include <random>
+#include <set>
+#include <sstream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "PellakCore/base/ScanCancelled.h"
+#include "fakes/CartellaTemporanea.h"
+#include "fakes/FakeClock.h"
+#include "platform/linux/DirectoryListerLinux.h"
+#include "scanners/duplicati/ScannerDuplicati.h"
+
+namespace pellak::scanners {
+namespace {
+
+using fakes::scriviFile;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr std::size_t kMiB = 1'048'576;
+
+/// The system's reader, which notes how much is read of each path and lets a test step in.
+class LettoreSpia final : public FileReader {
+ public:
+  std::function<void(const std::string&, ReadPlan)> primaDiAprire;
+  std::function<void(const std::string&, std::int64_t)> dopoLettura;
+
+  Result<std::unique_ptr<OpenFile>> open(std::string_view percorso, ReadPlan plan) override {
+    const std::string testo(percorso);
+    if (primaDiAprire) primaDiAprire(testo, plan);
+    auto file = vero_->open(percorso, plan);
+    if (!file) return file.error();
+    return std::unique_ptr<OpenFile>(
+        std::make_unique<FileSpia>(*this, testo, std::move(file).value()));
+  }
+
+  std::map<std::string, std::size_t> letti() const { return letti_; }
+
+ private:
+  class FileSpia final : public OpenFile {
+   public:
+    FileSpia(LettoreSpia& spia, std::string percorso, std::unique_ptr<OpenFile> vero)
+        : spia_(spia), percorso_(std::move(percorso)), vero_(std::move(vero)) {}
+    Result<FileMark> mark() const override { return vero_->mark(); }
+    Result<std::size_t> readAt(std::int64_t offset, std::span<std::byte> into) const override {
+      auto letti = vero_->readAt(offset, into);
+      if (letti) {
+        const std::lock_guard hold(spia_.lock_);
+        spia_.letti_[percorso_] += *letti;
+      }
+      if (spia_.dopoLettura) spia_.dopoLettura(percorso_, offset);
+      return letti;
+    }
+
+   private:
+    LettoreSpia& spia_;
+    std::string percorso_;
+    std::unique_ptr<OpenFile> vero_;
+  };
+
+  std::unique_ptr<FileReader> vero_ = creaFileReader();
+  std::mutex lock_;
+  std::map<std::string, std::size_t> letti_;
+};
+
+class DuplicatiTest : public ::testing::Test {
+ protected:
+  DuplicatiTest() {
+    regole_.duplicati.minSizeMb = 0;
+    regole_.duplicati.roots = {"~"};
+    Denied::resetShared();
+  }
+
+  std::string scrivi(const std::string& nome, const std::string& testo) {
+    scriviFile(casa_ / nome, testo);
+    return casa_ / nome;
+  }
+
+  void collega(const std::string& esistente, const std::string& nome) {
+    std::filesystem::create_hard_link(casa_ / esistente, casa_ / nome);
+  }
+
+  Finding scan() {
+    const ScanContext ctx{regole_, Config(),   casa_.percorso(), stop_,
+                          {},      contatore_, lister_,          clock_};
+    Finding finding;
+    withCounter(contatore_, [&] { finding = scanDuplicati(ctx, lettore_); });
+    return finding;
+  }
+
+  /// The names of each group, without the folder of the test.
+  std::vector<std::vector<std::string>> gruppi() {
+    std::vector<std::vector<std::string>> elenco;
+    for (const Group& gruppo : scan().groups) {
+      auto& nomi = elenco.emplace_back();
+      for (const std::string& p : gruppo.paths)
+        nomi.push_back(p.substr(casa_.percorso().size() + 1));
+    }
+    return elenco;
+  }
+
+  fakes::CartellaTemporanea casa_;
+  Regole regole_;
+  LettoreSpia lettore_;
+  Contatore contatore_{casa_.percorso(), true};
+  std::function<bool()> stop_;
+
+ private:
+  native::DirectoryListerLinux lister_;
+  fakes::FakeClock clock_{1'700'000'000};
+};
+
+std::string casuale(std::size_t lunghezza, unsigned seme) {
+  std::mt19937 random(seme);
+  std::string testo(lunghezza, '\0');
+  for (char& byte : testo) byte = static_cast<char>(random());
+  return testo;
+}
+
+TEST_F(DuplicatiTest, TellsTheFindingAsAPersonSeesIt) {
+  scrivi("b/copia", std::string(200'000, 'a'));
+  scrivi("a/prima", std::string(200'000, 'a'));
+  const Finding finding = scan();
+  EXPECT_EQ(finding.id, "duplicates");
+  EXPECT_EQ(finding.name, "File duplicati");
+  EXPECT_EQ(finding.mode, "delete");
+  EXPECT_EQ(finding.note,
+            "Confronto per dimensione, poi hash parziale, poi hash completo. Gli hard link non "
+            "sono conteggiati come duplicati.");
+  ASSERT_EQ(finding.groups.size(), 1U);
+  EXPECT_EQ(finding.groups[0].size, 200'000);
+  // sha256sum of 200,000 letters "a".
+  EXPECT_EQ(finding.groups[0].hash,
+            "2287d207f24a941ff3b56c04c8a25ad56b63e3023207b3bb5b4ac0c9869d74be");
+  EXPECT_THAT(finding.groups[0].paths, ElementsAre(casa_ / "a/prima", casa_ / "b/copia"));
+  EXPECT_EQ(finding.totale(), 200'000);
+}
+
+TEST_F(DuplicatiTest, OnlyEqualContentMakesAGroup) {
+  for (const std::size_t lunghezza : {1UL, 65'535UL, 65'536UL, 65'537UL, 69'000UL, 3 * kMiB + 7}) {
+    const std::string base = casuale(lunghezza, 1);
+    const std::string nome = std::to_string(lunghezza);
+    scrivi(nome + "/uguale1", base);
+    scrivi(nome + "/uguale2", base);
+    // One byte differs: first, last, in the middle, just behind the head, between the samples.
+    for (const std::size_t dove :
+         {std::size_t{0}, lunghezza - 1, lunghezza / 2, std::size_t{65'536}, lunghezza / 3}) {
+      if (dove >= lunghezza) continue;
+      std::string altra = base;
+      altra[dove] = static_cast<char>(altra[dove] ^ static_cast<char>(1 + dove % 7));
+      scrivi(nome + "/diverso" + std::to_string(dove), altra);
+    }
+  }
+  // One byte alone has few values, and two of its others are equal too.
+  std::filesystem::remove_all(casa_ / "1");
+  const auto trovati = gruppi();
+  ASSERT_EQ(trovati.size(), 5U);
+  for (const auto& nomi : trovati) {
+    ASSERT_EQ(nomi.size(), 2U);
+    EXPECT_EQ(nomi[0].substr(nomi[0].find('/')), "/uguale1");
+    EXPECT_EQ(nomi[1].substr(nomi[1].find('/')), "/uguale2");
+  }
+}
+
+TEST_F(DuplicatiTest, HardLinksAreOneFileAndReadOnce) {
+  const std::string testo = casuale(300'000, 2);
+  scrivi("z-prima", testo);
+  collega("z-prima", "b-nome");
+  collega("z-prima", "m-nome");
+  EXPECT_THAT(gruppi(), IsEmpty());
+  EXPECT_THAT(lettore_.letti(), IsEmpty());
+  scrivi("c-copia", testo);
+  EXPECT_THAT(gruppi(), ElementsAre(ElementsAre("b-nome", "c-copia")));
+  EXPECT_EQ(lettore_.letti().count(casa_ / "m-nome"), 0U);
+  EXPECT_EQ(lettore_.letti().count(casa_ / "z-prima"), 0U);
+}
+
+TEST_F(DuplicatiTest, ReadsNoMoreThanTheAnswerNeeds) {
+  scrivi("sola", std::string(500'000, 'x'));
+  for (const char* nome : {"piccolo1", "piccolo2"}) scrivi(nome, std::string(65'536, 'p'));
+  scrivi("testa1", "1" + std::string(400'000, 't'));
+  scrivi("testa2", "2" + std::string(400'000, 't'));
+  scrivi("coda1", std::string(450'000, 'c') + "1");
+  scrivi("coda2", std::string(450'000, 'c') + "2");
+  EXPECT_THAT(gruppi(), ElementsAre(ElementsAre("piccolo1", "piccolo2")));
+  const auto letti = lettore_.letti();
+  EXPECT_EQ(letti.count(casa_ / "sola"), 0U);
+  EXPECT_EQ(letti.at(casa_ / "piccolo1"), 65'536U);
+  for (const char* nome : {"testa1", "testa2", "coda1", "coda2"}) {
+    EXPECT_LE(letti.at(casa_ / nome), 80'000U) << nome;
+  }
+}
+
+TEST_F(DuplicatiTest, TheThresholdCountsMebibytes) {
+  regole_.duplicati.minSizeMb = 5;
+  for (const char* nome : {"x1", "x2"}) {
+    scrivi(std::string("giusto/") + nome, std::string(5 * kMiB, 'g'));
+    scrivi(std::string("corto/") + nome, std::string(5 * kMiB - 1, 'g'));
+  }
+  EXPECT_THAT(gruppi(), ElementsAre(ElementsAre("giusto/x1", "giusto/x2")));
+  for (const std::int64_t smisurata : {std::int64_t{1} << 43, INT64_MAX}) {
+    regole_.duplicati.minSizeMb = smisurata;
+    EXPECT_THAT(gruppi(), IsEmpty());
+  }
+}
+
+TEST_F(DuplicatiTest, MostRecoverableFirstThenLargerThenByName) {
+  for (int i = 0; i < 5; ++i) scrivi("cinque/" + std::to_string(i), std::string(100, 'a'));
+  for (int i = 0; i < 2; ++i) scrivi("due-b/" + std::to_string(i), std::string(400, 'b'));
+  for (int i = 0; i < 2; ++i) scrivi("due-a/" + std::to_string(i), std::string(400, 'c'));
+  for (int i = 0; i < 2; ++i) scrivi("grande/" + std::to_string(i), std::string(401, 'd'));
+  std::vector<std::string> primi;
+  for (const auto& nomi : gruppi()) primi.push_back(nomi.front());
+  EXPECT_THAT(primi, ElementsAre("grande/0", "due-a/0", "due-b/0", "cinque/0"));
+}
+
+TEST_F(DuplicatiTest, WhatIsExcludedNeverAppears) {
+  const std::string testo(1'000, 'e');
+  for (const char* nome : {"vero/a", "vero/b", "node_modules/c", "x/node_modules/y/d", "App.app/e",
+                           "fuori/f", "fuori/sotto/g", "fuori2/h", "file.app"}) {
+    scrivi(nome, testo);
+  }
+  regole_.duplicati.excludeDirNames = {"node_modules"};
+  regole_.duplicati.excludeBundleSuffixes = {".app"};
+  regole_.duplicati.excludePaths = {"~/fuori/", "", "relativo"};
+  EXPECT_THAT(gruppi(), ElementsAre(ElementsAre("file.app", "fuori2/h", "vero/a", "vero/b")));
+  regole_.duplicati.excludePaths = {casa_.percorso()};
+  EXPECT_THAT(gruppi(), IsEmpty());
+}
+
+TEST_F(DuplicatiTest, RootsMayOverlapOrBeMissing) {
+  scrivi("d/a", "uguale");
+  scrivi("d/b", "uguale");
+  std::filesystem::create_symlink(casa_ / "d", casa_ / "legame");
+  regole_.duplicati.roots = {"~/d", "~/manca", "~", "~/d/a", "~/legame", "d", ""};
+  EXPECT_THAT(gruppi(), ElementsAre(ElementsAre("d/a", "d/b")));
+  regole_.duplicati.roots = {};
+  EXPECT_THAT(gruppi(), IsEmpty());
+}
+
+TEST_F(DuplicatiTest, NamesAreBytesOfAnyKind) {
+  const std::string testo(70'000, 'n');
+  // Longer than one call to the system takes.
+  const int prima = ::open(".", O_RDONLY | O_DIRECTORY);
+  ASSERT_EQ(::chdir(casa_.percorso().c_str()), 0);
+  std::string profondo = casa_.percorso();
+  for (int i = 0; i < 25; ++i) {
+    const std::string nome(200, 'l');
+    ASSERT_EQ(::mkdir(nome.c_str(), 0700), 0);
+    ASSERT_EQ(::chdir(nome.c_str()), 0);
+    profondo += "/" + nome;
+  }
+  std::ofstream("fondo") << testo;
+  ASSERT_EQ(::fchdir(prima), 0);
+  ::close(prima);
+  scrivi("a\xff\xfe\n", testo);
+  const auto trovati = gruppi();
+  ASSERT_EQ(trovati.size(), 1U);
+  EXPECT_THAT(trovati[0],
+              ElementsAre("a\xff\xfe\n", profondo.substr(casa_.percorso().size() + 1) + "/fondo"));
+}
+
+TEST_F(DuplicatiTest, RefusedFilesCountAndOthersStillGroup) {
+  for (const char* nome : {"a", "b", "c"}) scrivi(nome, std::string(2'000, 'r'));
+  ::chmod((casa_ / "b").c_str(), 0);
+  ::chmod(casa_.percorso().c_str(), 0755);
+  const bool root = ::geteuid() == 0;
+  if (root) {
+    ASSERT_EQ(::seteuid(65'534), 0);
+  }
+  const auto trovati = gruppi();
+  if (root) {
+    ASSERT_EQ(::seteuid(0), 0);
+  }
+  EXPECT_THAT(trovati, ElementsAre(ElementsAre("a", "c")));
+  EXPECT_THAT(contatore_.percorsi(), ElementsAre(casa_ / "b"));
+  EXPECT_EQ(Denied::sharedCount(), 0);
+}
+
+TEST_F(DuplicatiTest, WhatVanishesOrIsReplacedDropsOut) {
+  const std::string testo(100'000, 'v');
+  for (const char* nome : {"a", "b", "pipa", "legame", "corto", "sparito", "sparito-poi"}) {
+    scrivi(nome, testo);
+  }
+  scrivi("z", testo);
+  collega("z", "nome-che-va");
+  std::once_flag una;
+  lettore_.primaDiAprire = [&](const std::string& percorso, ReadPlan plan) {
+    std::call_once(una, [&] {
+      for (const char* nome : {"sparito", "pipa", "legame", "nome-che-va"}) {
+        std::filesystem::remove(casa_ / nome);
+      }
+      ::mkfifo((casa_ / "pipa").c_str(), 0600);
+      std::filesystem::create_symlink(casa_ / "a", casa_ / "legame");
+      std::filesystem::resize_file(casa_ / "corto", 99'999);
+    });
+    if (plan == ReadPlan::whole && percorso == casa_ / "sparito-poi") {
+      std::filesystem::remove(percorso);
+    }
+  };
+  EXPECT_THAT(gruppi(), ElementsAre(ElementsAre("a", "b", "z")));
+  EXPECT_EQ(contatore_.n(), 0);
+}
+
+TEST_F(DuplicatiTest, AFileWrittenToWhileItIsReadIsNoDuplicate) {
+  // A large one is caught between two blocks, a small one between reading and the last look.
+  for (const std::size_t lunghezza : {2 * kMiB, std::size_t{5'000}}) {
+    const std::string testo(lunghezza, 'w');
+    const std::string uno = scrivi("uno", testo);
+    scrivi("due", testo);
+    std::atomic<bool> scritto{false};
+    lettore_.dopoLettura = [&](const std::string& percorso, std::int64_t offset) {
+      const bool adesso = lunghezza < kMiB || (offset > 0 && offset < 500'000);
+      if (percorso != uno || !adesso || scritto.exchange(true)) return;
+      const int file = ::open(uno.c_str(), O_WRONLY);
+      ASSERT_EQ(::pwrite(file, "!", 1, 0), 1);
+      const timespec vecchia[2] = {{0, UTIME_OMIT}, {1, 0}};
+      ::futimens(file, vecchia);
+      ::close(file);
+    };
+    EXPECT_THAT(gruppi(), IsEmpty());
+    EXPECT_TRUE(scritto);
+    lettore_.dopoLettura = {};
+  }
+}
+
+TEST_F(DuplicatiTest, AStopAtAnyMomentEndsTheScan) {
+  for (int i = 0; i < 6; ++i) scrivi("f" + std::to_string(i), std::string(2 * kMiB, 's'));
+  std::atomic<int> domande{0};
+  std::atomic<int> fino{INT_MAX};
+  stop_ = [&] { return ++domande > fino; };
+  EXPECT_EQ(gruppi().size(), 1U);
+  const int tutte = domande;
+  // The questions that a whole scan asks; between two of them at most two blocks are read.
+  ASSERT_GE(tutte, 20);
+  for (const int quante : {0, 1, 2, tutte / 3, tutte / 2, tutte - 20}) {
+    domande = 0;
+    fino = quante;
+    EXPECT_THROW(gruppi(), ScanCancelled) << quante << " of " << tutte;
+  }
+}
+
+TEST_F(DuplicatiTest, AGreatStopIsQuickInAHugeFile) {
+  for (const char* nome : {"a", "b"}) {
+    scrivi(nome, "");
+    std::filesystem::resize_file(casa_ / nome, std::uintmax_t{1} << 36);
+  }
+  std::atomic<bool> ferma{false};
+  stop_ = [&] { return ferma.load(); };
+  lettore_.dopoLettura = [&](const std::string&, std::int64_t offset) {
+    if (offset > 0 && offset < 10'000'000) ferma = true;
+  };
+  EXPECT_THROW(gruppi(), ScanCancelled);
+  for (const auto& [percorso, letti] : lettore_.letti()) EXPECT_LT(letti, 20 * kMiB) << percorso;
+}
+
+/// The sets of files on disk (by inode) that rmlint finds.
+std::set<std::set<ino_t>> insiemiDiRmlint(const std::string& cartella, const std::string& elenco) {
+  const std::string comando =
+      "rmlint -T df --hidden --no-hardlinked -a sha256 --size 1 -o fdupes:" + elenco + " '" +
+      cartella + "' >/dev/null 2>&1";
+  EXPECT_EQ(std::system(comando.c_str()), 0);
+  std::set<std::set<ino_t>> insiemi;
+  std::set<ino_t> insieme;
+  std::istringstream righe(fakes::leggiFile(elenco) + "\n\n");
+  for (std::string riga; std::getline(righe, riga);) {
+    struct stat stato {};
+    if (::lstat(riga.c_str(), &stato) == 0) insieme.insert(stato.st_ino);
+    if (riga.empty() && !insieme.empty()) insiemi.insert(std::exchange(insieme, {}));
+  }
+  return insiemi;
+}
+
+TEST_F(DuplicatiTest, FindsTheSetsThatRmlintFinds) {
+  if (std::system("rmlint --version >/dev/null 2>&1") != 0) GTEST_SKIP() << "rmlint not installed";
+  std::mt19937 random(11);
+  std::vector<std::string> testi;
+  std::vector<std::string> nomi;
+  for (int i = 0; i < 400; ++i) {
+    const std::string nome = "c" + std::to_string(random() % 9) + "/s" +
+                             std::to_string(random() % 5) + "/" + std::to_string(i);
+    std::filesystem::create_directories(std::filesystem::path(casa_ / nome).parent_path());
+    nomi.push_back(nome);
+    if (!testi.empty() && random() % 10 == 0) {
+      collega(nomi[random() % (nomi.size() - 1)], nome);
+      continue;
+    }
+    if (testi.empty() || random() % 3 == 0) {
+      testi.push_back(casuale(1 + random() % 200'000, static_cast<unsigned>(i)));
+    } else if (random() % 3 == 0) {
+      std::string altro = testi[random() % testi.size()];
+      altro[random() % altro.size()] ^= 1;
+      testi.push_back(altro);
+    }
+    scrivi(nome, testi[random() % testi.size()]);
+  }
+  const fakes::CartellaTemporanea altrove;
+  const auto attesi = insiemiDiRmlint(casa_.percorso(), altrove / "elenco");
+  std::set<std::set<ino_t>> nostri;
+  for (const Group& gruppo : scan().groups) {
+    std::set<ino_t> insieme;
+    for (const std::string& percorso : gruppo.paths) {
+      struct stat stato {};
+      ASSERT_EQ(::lstat(percorso.c_str(), &stato), 0);
+      insieme.insert(stato.st_ino);
+    }
+    EXPECT_EQ(insieme.size(), gruppo.paths.size());
+    nostri.insert(insieme);
+  }
+  EXPECT_GT(nostri.size(), 30U);
+  EXPECT_EQ(nostri, attesi);
+}
+
+}  // namespace
+}  // namespace pellak::scanners
