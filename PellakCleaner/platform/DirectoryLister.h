@@ -58,7 +58,7 @@ struct ListedEntry {
 /// that the next folder finds the memory ready. One thread fills it; then any may read it.
 class EntryBatch {
  public:
-  static constexpr std::size_t kBlockBytes = 256 * 1024;
+  static constexpr std::size_t kBlockBytes = std::size_t{256} * 1024;
 
   std::vector<ListedEntry> entries;
   /// As long as `entries` when the listing itself carried the attributes, otherwise empty.

@@ -21,7 +21,7 @@ constexpr int kStatFlags = AT_NO_AUTOMOUNT;
 
 /// Below this a call could fail for lack of room (one record takes up to 280 bytes) or return
 /// little for its price.
-constexpr std::size_t kLeastRoom = 32 * 1024;
+constexpr std::size_t kLeastRoom = std::size_t{32} * 1024;
 
 EntryType typeOf(unsigned char type) {
   switch (type) {
