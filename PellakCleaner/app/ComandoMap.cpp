@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -85,7 +86,7 @@ Result<MappaPtr> misura(MappaDisco& disco, const std::string& percorso) {
 
 std::string barra(std::int64_t size, std::int64_t massimo) {
   const double quota = massimo <= 0 ? 0 : static_cast<double>(size) / static_cast<double>(massimo);
-  auto piene = static_cast<std::size_t>(quota * static_cast<double>(kBar) + 0.5);
+  auto piene = static_cast<std::size_t>(std::lround(quota * static_cast<double>(kBar)));
   if (size > 0) piene = std::max<std::size_t>(piene, 1);
   std::string testo;
   for (std::size_t i = 0; i < kBar; ++i) testo += i < piene ? "█" : "░";

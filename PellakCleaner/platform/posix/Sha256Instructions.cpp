@@ -8,6 +8,7 @@
 #if defined(__x86_64__)
 
 #include <cpuid.h>
+#include <cstddef>
 #include <immintrin.h>
 
 #define PELLAK_SHA __attribute__((target("sha,sse4.1,ssse3")))
@@ -65,8 +66,8 @@ PELLAK_SHA_INLINE void rounds(Lane& lane, __m128i w, const std::uint32_t* k) {
 
 PELLAK_SHA_INLINE void first(Lane& lane, int i, const std::byte* data) {
   const __m128i bigEndian = _mm_set_epi64x(0x0c0d0e0f08090a0b, 0x0405060700010203);
-  lane.w[i] = _mm_shuffle_epi8(words(data + 16 * i), bigEndian);
-  rounds(lane, lane.w[i], kRound + 4 * i);
+  lane.w[i] = _mm_shuffle_epi8(words(data + std::ptrdiff_t{16} * i), bigEndian);
+  rounds(lane, lane.w[i], kRound + std::ptrdiff_t{4} * i);
 }
 
 PELLAK_SHA_INLINE void next(Lane& lane, int i, const std::uint32_t* k) {
