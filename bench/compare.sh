@@ -44,7 +44,9 @@ fail() {
 }
 
 # --- The same answers ---------------------------------------------------------------------------
+# same_files FOLDER [BYTES]
 same_files() {
+  local threshold=${2:-$threshold}
   run_find_list "$1" | sort -z >"$work/find"
   run_ours_list "$1" | sort -z >"$work/ours"
   cmp -s "$work/find" "$work/ours" || fail "files listed by find and by us in $1"
@@ -76,12 +78,32 @@ drop_caches() {
   echo 3 >/proc/sys/vm/drop_caches
 }
 
-# time_one NAME FOLDER FILE: appends the milliseconds that one run takes.
+# Hundredths of a second that all processors have been busy, and taken away by the host.
+busy() { awk '/^cpu / { print $2 + $3 + $4 + $7 + $8 + $9; exit }' /proc/stat; }
+
+# Waits, but not for ever, until hardly anything else runs.
+wait_for_quiet() {
+  local before i
+  for ((i = 0; i < 100; ++i)); do
+    before=$(busy)
+    sleep 0.2
+    if (($(busy) - before <= 4)); then return; fi
+  done
+}
+
+# time_one NAME FOLDER FILE: appends the tenths of milliseconds that one run takes; to FILE.others
+# the percent of one processor that everything else had meanwhile.
 time_one() {
-  local begin=$EPOCHREALTIME end
-  "run_$1" "$2" >"$work/output" 2>/dev/null
+  local before begin end cpu TIMEFORMAT='%U %S'
+  wait_for_quiet
+  before=$(busy)
+  begin=$EPOCHREALTIME
+  cpu=$({ time "run_$1" "$2" >"$work/output" 2>/dev/null; } 2>&1)
   end=$EPOCHREALTIME
   echo $(((${end/./} - ${begin/./}) / 100)) >>"$3"
+  awk -v all="$(($(busy) - before))" -v own="$cpu" -v us="$((${end/./} - ${begin/./}))" \
+    'BEGIN { split(own, c); o = all / 100 - c[1] - c[2]; printf "%d\n", (o > 0 ? o : 0) * 1e8 / us }' \
+    >>"$3.others"
 }
 
 median() { sort -n "$1" | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
@@ -101,28 +123,30 @@ compare() {
       time_one "$name" "$folder" "$work/t.$name"
     done
   done
-  local ours
+  local ours fastest
   ours=$(median "$work/t.$1")
-  printf '%-28s %s' "$title" "$state"
+  fastest=$(sort -n "$work/t.$1" | head -1)
+  printf '%s, %s\n' "$title" "$state"
   for name in "${names[@]}"; do
-    awk -v n="$name" -v t="$(median "$work/t.$name")" -v o="$ours" \
-      'BEGIN { printf "  %s %.1f ms (%.2fx)", n, t / 10, t / o }'
+    awk -v n="$name" -v t="$(median "$work/t.$name")" -v o="$ours" -v f="$fastest" \
+      -v m="$(sort -n "$work/t.$name" | head -1)" -v b="$(median "$work/t.$name.others")" \
+      'BEGIN { printf "  %-10s median %7.1f ms (%.2fx)   fastest %7.1f ms (%.2fx)   others %d %%\n",
+                      n, t / 10, t / o, m / 10, m / f, b }'
   done
-  printf '\n'
 }
 
 same_files "$home"
 same_as_fd "$home"
 same_files "$huge"
 same_as_fd "$huge"
-same_files "$deep"
+same_files "$deep" 2
 same_bytes "$home"
 same_bytes "$huge"
 same_bytes "$deep"
 
 states=(warm)
 if [[ -w /proc/sys/vm/drop_caches ]]; then states+=(cold); fi
-printf 'medians; in brackets: times as long as the first\n'
+printf 'in brackets: times as long as the first; others: processor time of everything else\n'
 for state in "${states[@]}"; do
   compare 'large files in a home' "$state" "$home" ours_list find_list fd_list
   compare 'large files in one folder' "$state" "$huge" ours_list find_list fd_list

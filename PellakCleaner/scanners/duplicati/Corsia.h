@@ -12,7 +12,7 @@ namespace pellak::scanners {
 /// One file on its way from beginning to end, block by block. One thread.
 class Corsia {
  public:
-  static constexpr std::size_t kBlocco = 256 * 1024;
+  static constexpr std::size_t kBlocco = std::size_t{256} * 1024;
 
   bool libera() const { return file_ == nullptr; }
 
