@@ -3,8 +3,10 @@
 # like a real home, each round running all of them in turn, and checks that all find the same.
 #
 # FOLDER holds the tree (made there when missing, about 3 GB; default in the temporary folder).
-# ROUNDS (7) and COLD_ROUNDS (5) say how often; cold rounds need the right to drop the caches.
+# ROUNDS (7) and COLD_ROUNDS (5) say how often, 0 is never; cold rounds need the right to drop the
+# caches. Each run waits up to 20 seconds for a quiet machine.
 set -euo pipefail
+export LC_ALL=C
 
 tool=$1
 corpus=${2:-${TMPDIR:-/tmp}/pellak-bench-corpus}
@@ -144,8 +146,9 @@ same_bytes "$home"
 same_bytes "$huge"
 same_bytes "$deep"
 
-states=(warm)
-if [[ -w /proc/sys/vm/drop_caches ]]; then states+=(cold); fi
+states=()
+if ((rounds > 0)); then states+=(warm); fi
+if ((cold_rounds > 0)) && [[ -w /proc/sys/vm/drop_caches ]]; then states+=(cold); fi
 printf 'in brackets: times as long as the first; others: processor time of everything else\n'
 for state in "${states[@]}"; do
   compare 'large files in a home' "$state" "$home" ours_list find_list fd_list
