@@ -1,5 +1,6 @@
 #include "app/Interruzione.h"
 
+#include <atomic>
 #include <csignal>
 #include <unistd.h>
 
@@ -7,11 +8,12 @@ namespace pellak::app {
 namespace {
 
 constexpr int kInterruptedStatus = 130;
-volatile std::sig_atomic_t richieste = 0;
+/// Written by whatever thread the signal reaches; without locks, so that a handler may.
+std::atomic<int> richieste{0};
+static_assert(std::atomic<int>::is_always_lock_free);
 
 extern "C" void annotaSegnale(int /*segnale*/) {
-  if (richieste != 0) ::_exit(kInterruptedStatus);
-  richieste = 1;
+  if (richieste.exchange(1) != 0) ::_exit(kInterruptedStatus);
 }
 
 }  // namespace
