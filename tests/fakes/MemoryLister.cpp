@@ -26,6 +26,7 @@ class MemoryHandle final : public DirectoryHandle {
  public:
   MemoryHandle(MemoryLister& lister, std::shared_ptr<Node> node)
       : lister_(lister), node_(std::move(node)) {
+    ++lister_.opened;
     raise(lister_.mostOpen, ++lister_.openNow);
   }
   ~MemoryHandle() override { --lister_.openNow; }

@@ -46,6 +46,7 @@ class MemoryLister final : public DirectoryLister {
   std::atomic<int> nameReads{0};  ///< name listings asked for
   std::atomic<int> readsNow{0};   ///< bulk reads going on
   std::atomic<int> mostReads{0};  ///< the most at once so far
+  std::atomic<int> opened{0};     ///< handles ever made
   std::atomic<int> openNow{0};    ///< handles alive
   std::atomic<int> mostOpen{0};
   std::atomic<int> readMillis{0};  ///< each bulk read takes so long

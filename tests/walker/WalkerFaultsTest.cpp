@@ -137,16 +137,17 @@ TEST_F(WalkerFaultsTest, GoesDownADeepBranchingTreeWithFewFoldersOpen) {
   lister_.budget = 8;
   std::string path = "/r";
   for (int i = 0; i < kLevels; ++i) {
-    lister_.file(path + "/side/f", 1);
+    lister_.file(path + "/a/f", 1);  // found before "d", visited after all below it
     path += "/d";
   }
   EXPECT_EQ(treeSize(ambiente_, "/r"), kLevels * 4096);
   EXPECT_LE(lister_.mostOpen, 8 + 3);
+  EXPECT_LT(lister_.opened, kLevels * kLevels / 4) << "closed folders were opened again one by one";
   const auto found = walk();
   ASSERT_EQ(found.size(), std::size_t{kLevels});
   const auto longest = std::max_element(
       found.begin(), found.end(), [](const auto& a, const auto& b) { return a.size() < b.size(); });
-  EXPECT_EQ(longest->size(), path.size() - 2 + std::string("/side/f").size());
+  EXPECT_EQ(longest->size(), path.size() - 2 + std::string("/a/f").size());
 }
 
 TEST_F(WalkerFaultsTest, WalksWithoutAListenerForRefusals) {
