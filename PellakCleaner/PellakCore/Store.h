@@ -23,6 +23,10 @@ class Store {
   std::string aggiornamentiUrl() const { return file("aggiornamenti-url.txt"); }
   /// Lock file of every write that follows a read, between processes too.
   std::string blocco() const { return file(".blocco"); }
+  /// What a move to the Trash or back is about to do; there only while it does it.
+  std::string intento() const { return file("cestino-intento.json"); }
+  /// Lock file of those moves.
+  std::string bloccoCestino() const { return file(".cestino"); }
   std::string loginItem() const;
 
  private:

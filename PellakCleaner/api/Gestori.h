@@ -23,6 +23,16 @@ Risposta apri(Servizi& servizi, Json corpo);
 Risposta mostra(Servizi& servizi, Json corpo);
 Risposta reveal(Servizi& servizi, Json corpo);
 
+// RotteCestino.cpp
+Risposta trash(Servizi& servizi, Json corpo);
+Risposta trashGroup(Servizi& servizi, Json corpo);
+Risposta trashSel(Servizi& servizi, Json corpo);
+Risposta keep(Servizi& servizi, Json corpo);
+Risposta keepAll(Servizi& servizi, Json corpo);
+Risposta dupScarta(Servizi& servizi, Json corpo);
+Risposta restore(Servizi& servizi, Json corpo);
+Risposta log(Servizi& servizi, Json corpo);
+
 // RotteMappa.cpp
 Risposta mappa(Servizi& servizi, Json corpo);
 

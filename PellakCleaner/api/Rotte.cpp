@@ -15,7 +15,7 @@ constexpr bool kMutating = true;
 
 constexpr auto kRotte = std::to_array<Rotta>({
     {"/api/state", state},
-    {"/api/log", nonDisponibile},
+    {"/api/log", gestori::log},
     {"/api/icon", icon},
     {"/api/icons", icons},
     {"/api/mappa", mappa},
@@ -48,16 +48,16 @@ constexpr auto kRotte = std::to_array<Rotta>({
     {"/api/settings", settings},
     {"/api/scan", scan},
     {"/api/stop", stop},
-    {"/api/trash", nonDisponibile, Coda::ordinaria, kMutating},
+    {"/api/trash", gestori::trash, Coda::ordinaria, kMutating},
     {"/api/avvio", nonDisponibile},
     {"/api/voci", voci},
-    {"/api/keep", nonDisponibile, Coda::ordinaria, kMutating},
-    {"/api/keep_all", nonDisponibile, Coda::ordinaria, kMutating},
-    {"/api/trash_sel", nonDisponibile, Coda::ordinaria, kMutating},
-    {"/api/trash_group", nonDisponibile, Coda::ordinaria, kMutating},
-    {"/api/dup_scarta", nonDisponibile, Coda::ordinaria, kMutating},
+    {"/api/keep", keep, Coda::ordinaria, kMutating},
+    {"/api/keep_all", keepAll, Coda::ordinaria, kMutating},
+    {"/api/trash_sel", trashSel, Coda::ordinaria, kMutating},
+    {"/api/trash_group", trashGroup, Coda::ordinaria, kMutating},
+    {"/api/dup_scarta", dupScarta, Coda::ordinaria, kMutating},
     {"/api/reveal", reveal},
-    {"/api/restore", nonDisponibile, Coda::ordinaria, kMutating},
+    {"/api/restore", restore, Coda::ordinaria, kMutating},
 });
 
 constexpr bool percorsiUnici() {

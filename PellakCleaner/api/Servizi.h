@@ -8,6 +8,7 @@
 #include "platform/FileManager.h"
 #include "platform/Files.h"
 #include "platform/ToolFamily.h"
+#include "trash/OperazioniCestino.h"
 
 namespace pellak::api {
 
@@ -20,6 +21,7 @@ struct Servizi {
   Applications& applicazioni;
   Files& files;
   FamigliaStrumenti famiglia;
+  trash::OperazioniCestino& cestino;
   std::string home;  ///< absolute, bytes
 };
 

@@ -98,7 +98,12 @@ Applicazione::Applicazione(std::unique_ptr<Native> native, Ambiente ambiente,
       engine_({platform_.files, platform_.clock, platform_.lister, platform_.applicazioni,
                impostazioni_, Store(ambiente_.home), ambiente_.rulesPath, ambiente_.spostamenti,
                scanners::tabellaScanner(), std::move(avviso), nullptr}),
+      cestino_({platform_.files, *reader_, platform_.lister, platform_.clock, platform_.trash,
+                Store(ambiente_.home), nullptr}),
+      operazioni_(engine_, cestino_, platform_.applicazioni, *reader_),
       router_({engine_, impostazioni_, platform_.fileManager, platform_.applicazioni,
-               platform_.files, ambiente_.famiglia, ambiente_.home}) {}
+               platform_.files, ambiente_.famiglia, operazioni_, ambiente_.home}) {
+  cestino_.riprendi();
+}
 
 }  // namespace pellak::app

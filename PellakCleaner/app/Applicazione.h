@@ -8,7 +8,9 @@
 #include "PellakCore/Engine.h"
 #include "PellakCore/Impostazioni.h"
 #include "api/Router.h"
+#include "platform/FileReader.h"
 #include "platform/Native.h"
+#include "trash/OperazioniCestino.h"
 
 namespace pellak::app {
 
@@ -43,6 +45,9 @@ class Applicazione {
   const Ambiente ambiente_;
   Impostazioni impostazioni_;
   Engine engine_;
+  const std::unique_ptr<FileReader> reader_ = creaFileReader();
+  trash::Cestino cestino_;
+  trash::OperazioniCestino operazioni_;
   api::Router router_;
 };
 

@@ -77,8 +77,8 @@ Result<MappaPtr> misura(MappaDisco& disco, const std::string& percorso) {
   Avanzamento avanzamento;
   for (;;) {
     auto mappa = disco.richiedi(percorso);
-    if (!mappa || !(*mappa)->misurando()) return mappa;
     if (interruzione.chiesta()) return MappaPtr();
+    if (!mappa || !(*mappa)->misurando()) return mappa;
     avanzamento.mostra(**mappa);
     disco.attendi(percorso, kLook);
   }

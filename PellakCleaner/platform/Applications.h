@@ -27,6 +27,10 @@ class Applications {
   /// Whether a process of the application runs for this user.
   virtual bool running(const ApplicationInfo& app) = 0;
 
+  /// Asks the application's processes to end and waits a few seconds for it; whether none runs any
+  /// more. Nothing is forced: an application may stay because of unsaved documents.
+  virtual bool quit(const ApplicationInfo& app) = 0;
+
   /// The application's icon as a PNG file of about 64 points. Errors: missing when there is no
   /// such application or it has no icon that can be read.
   virtual Result<std::string> iconPng(std::string_view chiave) = 0;

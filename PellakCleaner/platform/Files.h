@@ -60,6 +60,9 @@ class Files {
   /// and other callers here, for a few seconds at most. Where the file system knows no locks it
   /// succeeds without one. Errors: busy (somebody else kept it), denied, readOnly, failed.
   virtual Result<std::unique_ptr<FileLock>> lock(std::string_view percorso) = 0;
+
+  /// The same without waiting.
+  virtual Result<std::unique_ptr<FileLock>> tryLock(std::string_view percorso) = 0;
 };
 
 }  // namespace pellak

@@ -10,6 +10,7 @@
 #include "platform/Files.h"
 #include "platform/ProcessLauncher.h"
 #include "platform/ToolFamily.h"
+#include "platform/TrashCan.h"
 
 namespace pellak {
 
@@ -22,6 +23,7 @@ struct Platform {
   ProcessLauncher& launcher;
   FileManager& fileManager;
   Applications& applicazioni;
+  TrashCan& trash;
 };
 
 /// Owns the back ends. Making one starts nothing, and opens nothing but the standard streams that

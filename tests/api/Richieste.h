@@ -14,6 +14,9 @@
 #include "fakes/FakeFileManager.h"
 #include "fakes/GuardedFiles.h"
 #include "fakes/MemoryLister.h"
+#include "platform/FileReader.h"
+#include "platform/Native.h"
+#include "trash/OperazioniCestino.h"
 
 namespace pellak::api {
 
@@ -43,9 +46,21 @@ class Richieste : public testing::Test {
     return *engine_;
   }
 
+  /// Over the system's own Trash, which HOME tells where to be.
+  trash::OperazioniCestino& operazioni() {
+    if (!operazioni_) {
+      const Platform platform = native_->platform();
+      cestino_ = std::make_unique<trash::Cestino>(trash::AmbienteCestino{
+          files, *reader_, platform.lister, clock, platform.trash, store, [this] { ++suoni; }});
+      operazioni_ =
+          std::make_unique<trash::OperazioniCestino>(motore(), *cestino_, applicazioni, *reader_);
+    }
+    return *operazioni_;
+  }
+
   Router router() {
-    return Router(
-        {motore(), impostazioni, fileManager, applicazioni, files, famiglia, home.percorso()});
+    return Router({motore(), impostazioni, fileManager, applicazioni, files, famiglia, operazioni(),
+                   home.percorso()});
   }
 
   /// The body must be JSON.
@@ -76,9 +91,14 @@ class Richieste : public testing::Test {
   Store store{home.percorso()};
   Impostazioni impostazioni{files, store};
   TabellaScanner tabella;
+  int suoni = 0;
 
  private:
+  const std::unique_ptr<Native> native_ = creaNative();
+  const std::unique_ptr<FileReader> reader_ = creaFileReader();
   std::unique_ptr<Engine> engine_;
+  std::unique_ptr<trash::Cestino> cestino_;
+  std::unique_ptr<trash::OperazioniCestino> operazioni_;
 };
 
 }  // namespace pellak::api

@@ -17,7 +17,8 @@ class Api(ConCasa):
         self.assertEqual(self.api("/api/scan", {"section": "boh"}, stato=1),
                          {"err": "sezione inesistente"})
         self.assertEqual(self.api("/api/State", stato=1), {"err": "not found"})
-        self.assertEqual(self.api("/api/log", stato=1), {"err": "non disponibile"})
+        self.assertEqual(self.api("/api/rete", stato=1), {"err": "non disponibile"})
+        self.assertEqual(self.api("/api/log"), {"ops": []})
         self.assertFalse(self.api("/api/state")["busy"])
         _, errori = self.esegui("api", "/api/state", "{", stato=2)
         self.assertIn("JSON", errori)

@@ -20,6 +20,10 @@ class FakeApplications : public Applications {
   }
 
   bool running(const ApplicationInfo& app) override { return attive.contains(app.id); }
+  bool quit(const ApplicationInfo& app) override {
+    if (!testarde.contains(app.id)) attive.erase(app.id);
+    return !running(app);
+  }
 
   Result<std::string> iconPng(std::string_view chiave) override {
     const std::lock_guard<std::mutex> hold(lock_);
@@ -31,6 +35,7 @@ class FakeApplications : public Applications {
 
   std::map<std::string, ApplicationInfo, std::less<>> installate;
   std::set<std::string> attive;
+  std::set<std::string> testarde;                         ///< stay open whoever asks
   std::map<std::string, std::string, std::less<>> icone;  ///< key to PNG bytes
   int iconeDisegnate = 0;
 

@@ -1,6 +1,8 @@
 #include "platform/linux/ApplicationsLinux.h"
 
-#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -14,6 +16,8 @@ namespace pellak::native {
 namespace {
 
 constexpr int kIconSide = 64;
+constexpr std::chrono::seconds kQuitPatience{5};
+constexpr std::chrono::milliseconds kQuitPoll{100};
 
 }  // namespace
 
@@ -43,15 +47,29 @@ std::optional<ApplicationInfo> ApplicationsLinux::find(std::string_view chiave) 
   return entry->info;
 }
 
-bool ApplicationsLinux::running(const ApplicationInfo& app) {
+std::vector<int> ApplicationsLinux::processesOf(const ApplicationInfo& app) {
   const auto now = installed();
   const DesktopEntry* known = now->entries.find(app.id);
   DesktopEntry stranger;
   stranger.info = app;
   const DesktopEntry& entry = known != nullptr ? *known : stranger;
-  const std::vector<RunningProgram> processes = runningPrograms();
-  return std::any_of(processes.begin(), processes.end(),
-                     [&](const RunningProgram& process) { return belongsTo(process, entry); });
+  std::vector<int> found;
+  for (const RunningProgram& process : runningPrograms()) {
+    if (belongsTo(process, entry)) found.push_back(process.pid);
+  }
+  return found;
+}
+
+bool ApplicationsLinux::running(const ApplicationInfo& app) { return !processesOf(app).empty(); }
+
+bool ApplicationsLinux::quit(const ApplicationInfo& app) {
+  for (const int process : processesOf(app)) ::kill(process, SIGTERM);
+  const auto limit = std::chrono::steady_clock::now() + kQuitPatience;
+  while (running(app)) {
+    if (std::chrono::steady_clock::now() > limit) return false;
+    std::this_thread::sleep_for(kQuitPoll);
+  }
+  return true;
 }
 
 Result<std::string> ApplicationsLinux::iconPng(std::string_view chiave) {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/Applications.h"
 
@@ -20,12 +21,14 @@ class ApplicationsLinux final : public Applications {
 
   std::optional<ApplicationInfo> find(std::string_view chiave) override;
   bool running(const ApplicationInfo& app) override;
+  bool quit(const ApplicationInfo& app) override;
   Result<std::string> iconPng(std::string_view chiave) override;
 
  private:
   struct Installed;
 
   std::shared_ptr<Installed> installed();
+  std::vector<int> processesOf(const ApplicationInfo& app);
 
   std::mutex lock_;
   std::shared_ptr<Installed> installed_;

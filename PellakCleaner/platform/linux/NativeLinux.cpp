@@ -6,6 +6,7 @@
 #include "platform/linux/ApplicationsLinux.h"
 #include "platform/linux/DirectoryListerLinux.h"
 #include "platform/linux/FileManagerLinux.h"
+#include "platform/linux/TrashCanLinux.h"
 #include "platform/posix/ClockPosix.h"
 #include "platform/posix/FilesPosix.h"
 #include "platform/posix/HomeFolder.h"
@@ -18,7 +19,7 @@ namespace {
 class NativeLinux : public Native {
  public:
   Platform platform() override {
-    return {files_, clock_, lister_, launcher_, fileManager_, applicazioni_};
+    return {files_, clock_, lister_, launcher_, fileManager_, applicazioni_, trash_};
   }
 
   FamigliaStrumenti famiglia() const override { return FamigliaStrumenti::linux; }
@@ -39,6 +40,7 @@ class NativeLinux : public Native {
   posix::ProcessLauncherPosix launcher_;
   native::FileManagerLinux fileManager_{launcher_};
   native::ApplicationsLinux applicazioni_;
+  native::TrashCanLinux trash_;
 };
 
 }  // namespace

@@ -149,6 +149,7 @@ std::vector<RunningProgram> runningPrograms() {
       continue;
     struct stat info {};
     if (::stat(process.folder.c_str(), &info) != 0 || info.st_uid != ::geteuid()) continue;
+    process.pid = std::atoi(process.folder.c_str() + process.folder.rfind('/') + 1);
     process.program = linkTarget(process.folder + "/exe");
     process.arguments = splitAt(readProc(process.folder + "/cmdline"), '\0');
     // A process that has ended and waits to be collected tells neither.

@@ -13,6 +13,7 @@ struct RunningProgram {
   std::string program;                 ///< file it runs; empty when the system does not tell
   std::vector<std::string> arguments;  ///< its own name first
   std::string groups;                  ///< text of its "cgroup" file
+  int pid = 0;
 };
 
 /// The processes of this user, read one after the other: a snapshot only by and large.

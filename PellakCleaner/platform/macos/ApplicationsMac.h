@@ -13,6 +13,7 @@ class ApplicationsMac final : public Applications {
  public:
   std::optional<ApplicationInfo> find(std::string_view chiave) override;
   bool running(const ApplicationInfo& app) override;
+  bool quit(const ApplicationInfo& app) override;
   Result<std::string> iconPng(std::string_view chiave) override;
 };
 

@@ -1,6 +1,8 @@
 #include "platform/macos/ApplicationsMac.h"
 
 #import <AppKit/AppKit.h>
+#include <chrono>
+#include <thread>
 
 namespace pellak::native {
 namespace {
@@ -78,6 +80,23 @@ bool ApplicationsMac::running(const ApplicationInfo& app) {
     }
     return false;
   }
+}
+
+bool ApplicationsMac::quit(const ApplicationInfo& app) {
+  @autoreleasepool {
+    for (NSRunningApplication* candidate in NSWorkspace.sharedWorkspace.runningApplications) {
+      const bool same = app.id.empty()
+                            ? [candidate.bundleURL.path isEqualToString:textOf(app.path)]
+                            : [candidate.bundleIdentifier isEqualToString:textOf(app.id)];
+      if (same) [candidate terminate];
+    }
+  }
+  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+  while (running(app)) {
+    if (std::chrono::steady_clock::now() > limit) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  }
+  return true;
 }
 
 Result<std::string> ApplicationsMac::iconPng(std::string_view chiave) {

@@ -6,6 +6,7 @@
 #include "platform/macos/ApplicationsMac.h"
 #include "platform/macos/DirectoryListerMac.h"
 #include "platform/macos/FileManagerMac.h"
+#include "platform/macos/TrashCanMac.h"
 #include "platform/posix/ClockPosix.h"
 #include "platform/posix/FilesPosix.h"
 #include "platform/posix/HomeFolder.h"
@@ -18,7 +19,7 @@ namespace {
 class NativeMac : public Native {
  public:
   Platform platform() override {
-    return {files_, clock_, lister_, launcher_, fileManager_, applicazioni_};
+    return {files_, clock_, lister_, launcher_, fileManager_, applicazioni_, trash_};
   }
 
   FamigliaStrumenti famiglia() const override { return FamigliaStrumenti::macos; }
@@ -41,6 +42,7 @@ class NativeMac : public Native {
   posix::ProcessLauncherPosix launcher_;
   native::FileManagerMac fileManager_;
   native::ApplicationsMac applicazioni_;
+  native::TrashCanMac trash_;
 };
 
 }  // namespace

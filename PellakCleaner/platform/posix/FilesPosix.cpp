@@ -73,8 +73,8 @@ Result<void> syncFolder(const std::string& cartella) {
   return syncFile(aperta.get());
 }
 
-Result<void> takeLock(int file) {
-  const auto limite = std::chrono::steady_clock::now() + kLockPatience;
+Result<void> takeLock(int file, std::chrono::milliseconds attesa) {
+  const auto limite = std::chrono::steady_clock::now() + attesa;
   while (::flock(file, LOCK_EX | LOCK_NB) != 0) {
     // A file system without locks must not keep anything from being saved.
     if (errno == ENOLCK || errno == ENOTSUP || errno == ENOSYS) return {};
@@ -98,7 +98,7 @@ Result<Descriptor> openTemporary(const std::string& temporaneo) {
   for (;;) {
     Descriptor file = openFile(temporaneo, O_RDWR | O_CREAT | O_NOFOLLOW);
     if (!file) return lastError();
-    if (const auto preso = takeLock(file.get()); !preso) return preso.error();
+    if (const auto preso = takeLock(file.get(), kLockPatience); !preso) return preso.error();
     // While we waited its owner may have renamed it into place.
     if (!stillNamed(file.get(), temporaneo)) continue;
     if (::ftruncate(file.get(), 0) != 0) return lastError();
@@ -114,6 +114,28 @@ Result<void> fillAndRename(int file, const std::string& temporaneo, const std::s
   if (auto sincrono = syncFile(file); !sincrono) return sincrono;
   if (::rename(temporaneo.c_str(), percorso.c_str()) != 0) return lastError();
   return {};
+}
+
+Result<void> makeFolders(std::string_view percorso) {
+  const std::string cartella(percorso);
+  if (::mkdir(cartella.c_str(), kFolder) == 0) return {};
+  if (errno == ENOENT && cartella.find('/', 1) != std::string::npos) {
+    if (auto sopra = makeFolders(parentOf(cartella)); !sopra) return sopra;
+    if (::mkdir(cartella.c_str(), kFolder) == 0) return {};
+  }
+  const int perche = errno;
+  struct stat info {};
+  if (::stat(cartella.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) return {};
+  return errnoError(perche);
+}
+
+Result<std::unique_ptr<FileLock>> lockWithin(std::string_view percorso,
+                                             std::chrono::milliseconds attesa) {
+  if (auto fatta = makeFolders(parentOf(percorso)); !fatta) return fatta.error();
+  Descriptor file = openFile(std::string(percorso), O_RDWR | O_CREAT | O_NOFOLLOW);
+  if (!file) return lastError();
+  if (const auto preso = takeLock(file.get(), attesa); !preso) return preso.error();
+  return std::unique_ptr<FileLock>(std::make_unique<HeldLock>(std::move(file)));
 }
 
 }  // namespace
@@ -163,18 +185,7 @@ Result<void> FilesPosix::appendLine(std::string_view percorso, std::string_view 
   return syncFile(file.get());
 }
 
-Result<void> FilesPosix::makeFolder(std::string_view percorso) {
-  const std::string cartella(percorso);
-  if (::mkdir(cartella.c_str(), kFolder) == 0) return {};
-  if (errno == ENOENT && cartella.find('/', 1) != std::string::npos) {
-    if (auto sopra = makeFolder(parentOf(cartella)); !sopra) return sopra;
-    if (::mkdir(cartella.c_str(), kFolder) == 0) return {};
-  }
-  const int perche = errno;
-  struct stat info {};
-  if (::stat(cartella.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) return {};
-  return errnoError(perche);
-}
+Result<void> FilesPosix::makeFolder(std::string_view percorso) { return makeFolders(percorso); }
 
 Result<void> FilesPosix::removeOwn(std::string_view percorso) {
   if (::unlink(std::string(percorso).c_str()) == 0 || errno == ENOENT || errno == ENOTDIR) {
@@ -218,11 +229,11 @@ bool FilesPosix::exists(std::string_view percorso) {
 }
 
 Result<std::unique_ptr<FileLock>> FilesPosix::lock(std::string_view percorso) {
-  if (auto fatta = makeFolder(parentOf(percorso)); !fatta) return fatta.error();
-  Descriptor file = openFile(std::string(percorso), O_RDWR | O_CREAT | O_NOFOLLOW);
-  if (!file) return lastError();
-  if (const auto preso = takeLock(file.get()); !preso) return preso.error();
-  return std::unique_ptr<FileLock>(std::make_unique<HeldLock>(std::move(file)));
+  return lockWithin(percorso, kLockPatience);
+}
+
+Result<std::unique_ptr<FileLock>> FilesPosix::tryLock(std::string_view percorso) {
+  return lockWithin(percorso, std::chrono::seconds(0));
 }
 
 }  // namespace pellak::posix

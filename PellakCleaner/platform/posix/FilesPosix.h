@@ -17,6 +17,7 @@ class FilesPosix : public Files {
   std::string stamp(std::string_view percorso) override;
   bool exists(std::string_view percorso) override;
   Result<std::unique_ptr<FileLock>> lock(std::string_view percorso) override;
+  Result<std::unique_ptr<FileLock>> tryLock(std::string_view percorso) override;
 };
 
 }  // namespace pellak::posix

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/Result.h"
+
+namespace pellak {
+
+/// Where one item lies and where in the Trash it is going to lie.
+struct TrashPlan {
+  std::string percorso;    ///< absolute, bytes
+  std::string nelCestino;  ///< absolute; empty when the system chooses it while moving
+  std::uint64_t dev = 0;   ///< the item itself, a final symbolic link not followed
+  std::uint64_t ino = 0;   ///< 0 when not known
+  std::int64_t size = 0;   ///< bytes on disk when somebody measured them; the Trash may show them
+};
+
+/// One series of moves to the Trash or out of it. Folders that many items share stay open as long
+/// as the batch lives. One thread at a time, and one batch at a time in a home folder: the caller
+/// sees to that.
+class TrashBatch {
+ public:
+  virtual ~TrashBatch() = default;
+
+  /// Decides where an item would go. Changes nothing but that the Trash folders are made when
+  /// missing. Errors: missing, denied, busy (a volume's root), invalid (a symbolic link on the way,
+  /// no absolute path), failed (a Trash folder that can't be trusted).
+  virtual Result<TrashPlan> plan(std::string_view percorso) = 0;
+
+  /// Moves what was planned by one rename within its volume; content is never copied and nothing is
+  /// ever replaced. Returns the place in the Trash. A final symbolic link is moved itself. Errors,
+  /// the item being where it was: missing, denied, busy, full, readOnly, exists (the name in the
+  /// Trash was taken meanwhile: plan anew), invalid (something else lies at the path now), failed.
+  virtual Result<std::string> move(const TrashPlan& piano) = 0;
+
+  /// Where an item that came from `percorso` lies in the Trash; empty when it does not. What has
+  /// its name there but came from elsewhere is another item.
+  virtual std::string locate(const TrashPlan& piano) = 0;
+
+  /// Moves an item of the Trash to `destinazione` and takes its record out of the Trash. Nothing is
+  /// replaced, nothing copied. Errors: as for `move`; missing also when the folder is not there.
+  virtual Result<void> putBack(std::string_view nelCestino, std::string_view destinazione) = 0;
+
+  /// Takes away what a process that ended too early left of a planned move, or of a way back: the
+  /// record without its item.
+  virtual void abandon(const TrashPlan& piano) = 0;
+
+  /// Returns when all moves of this batch are on the disk. Errors: failed.
+  virtual Result<void> sync() = 0;
+};
+
+/// The Trash of the system. Any thread.
+class TrashCan {
+ public:
+  virtual ~TrashCan() = default;
+
+  virtual std::unique_ptr<TrashBatch> begin() = 0;
+
+  /// Whether the path is a Trash folder, lies in one or holds the user's.
+  virtual bool insideTrash(std::string_view percorso) const = 0;
+};
+
+}  // namespace pellak

@@ -1,0 +1,281 @@
+#include "platform/linux/TrashCanLinux.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+#include "platform/linux/TrashFolder.h"
+#include "platform/linux/TrashRecord.h"
+#include "platform/linux/XdgFolders.h"
+#include "platform/posix/ErrnoError.h"
+
+namespace pellak::native {
+namespace {
+
+using posix::Descriptor;
+using posix::errnoError;
+
+constexpr std::size_t kNameMax = 255;
+
+struct Split {
+  std::string cartella;
+  std::string nome;
+};
+
+Split split(std::string_view percorso) {
+  const std::size_t barra = percorso.rfind('/');
+  if (barra == std::string_view::npos) return {};
+  return {barra == 0 ? "/" : std::string(percorso.substr(0, barra)),
+          std::string(percorso.substr(barra + 1))};
+}
+
+bool existsAt(int cartella, const std::string& nome) {
+  struct stat info {};
+  return ::fstatat(cartella, nome.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+bool isItem(int cartella, const std::string& nome, const TrashPlan& piano) {
+  struct stat info {};
+  return ::fstatat(cartella, nome.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 &&
+         info.st_dev == piano.dev && info.st_ino == piano.ino;
+}
+
+/// Renames without ever replacing. A volume that can't promise that itself is asked first; in the
+/// Trash the record holds the name meanwhile.
+Result<void> renameExclusively(int da, const std::string& nome, int a, const std::string& nuovo) {
+  if (::renameat2(da, nome.c_str(), a, nuovo.c_str(), RENAME_NOREPLACE) == 0) return {};
+  if (errno == EINVAL || errno == ENOSYS || errno == ENOTSUP) {
+    if (existsAt(a, nuovo)) return errnoError(EEXIST);
+    if (::renameat(da, nome.c_str(), a, nuovo.c_str()) == 0) return {};
+  }
+  if (errno == EXDEV) {
+    return Error{ErrorKind::failed, EXDEV,
+                 "il Cestino e' su un altro volume e una copia non sarebbe sicura: elemento non "
+                 "spostato"};
+  }
+  return errnoError(errno);
+}
+
+class BatchLinux final : public TrashBatch {
+ public:
+  Result<TrashPlan> plan(std::string_view percorso) override;
+  Result<std::string> move(const TrashPlan& piano) override;
+  std::string locate(const TrashPlan& piano) override;
+  Result<void> putBack(std::string_view nelCestino, std::string_view destinazione) override;
+  void abandon(const TrashPlan& piano) override;
+  Result<void> sync() override;
+
+ private:
+  /// A Trash folder in use, and what changes its cache of folder sizes.
+  struct Aperto {
+    TrashFolder cestino;
+    bool tornate = false;  ///< something was moved out
+    std::vector<FolderSize> arrivate;
+  };
+
+  Result<int> folder(const std::string& cartella);
+  Result<Aperto*> trashFor(const std::string& cartella, Volume volume);
+  Result<Aperto*> homeTrash();
+  Result<Aperto*> trashAt(const std::string& nelCestino);
+  Aperto* keep(TrashFolder cestino);
+  std::string freeName(const TrashFolder& cestino, const std::string& nome);
+  static Result<void> undo(const Aperto& aperto, const std::string& nelCestino, int cartella,
+                           const std::string& nome);
+
+  const std::string home_ = xdgFolders().home;
+  const std::string data_ = recordDate();
+  std::string cartellaNome_;
+  Descriptor cartella_;
+  std::vector<std::unique_ptr<Aperto>> aperti_;
+  std::set<std::string> promessi_;             ///< places in the Trash planned in this batch
+  std::map<std::string, unsigned> contatori_;  ///< last number tried for a taken name
+};
+
+/// The folder of the item before is usually the one of the next.
+Result<int> BatchLinux::folder(const std::string& cartella) {
+  if (cartella_ && cartellaNome_ == cartella) return cartella_.get();
+  auto aperta = openWithoutLinks(cartella, home_);
+  if (!aperta) return aperta.error();
+  cartella_ = std::move(*aperta);
+  cartellaNome_ = cartella;
+  return cartella_.get();
+}
+
+BatchLinux::Aperto* BatchLinux::keep(TrashFolder cestino) {
+  aperti_.push_back(std::make_unique<Aperto>());
+  aperti_.back()->cestino = std::move(cestino);
+  return aperti_.back().get();
+}
+
+Result<BatchLinux::Aperto*> BatchLinux::homeTrash() {
+  auto casa = openHomeTrash();
+  if (!casa) return casa.error();
+  return keep(std::move(*casa));
+}
+
+Result<BatchLinux::Aperto*> BatchLinux::trashFor(const std::string& cartella, Volume volume) {
+  for (const auto& aperto : aperti_) {
+    if (aperto->cestino.volume == volume) return aperto.get();
+  }
+  if (const auto casa = homeTrashVolume(); casa && *casa == volume) return homeTrash();
+  auto cestino = openVolumeTrash(topOfVolume(cartella, volume));
+  if (!cestino) return cestino.error();
+  return keep(std::move(*cestino));
+}
+
+Result<BatchLinux::Aperto*> BatchLinux::trashAt(const std::string& nelCestino) {
+  const std::string files = split(nelCestino).cartella;
+  for (const auto& aperto : aperti_) {
+    if (aperto->cestino.percorso + "/files" == files) return aperto.get();
+  }
+  auto cestino = openTrashHolding(nelCestino);
+  if (!cestino) return cestino.error();
+  return keep(std::move(*cestino));
+}
+
+std::string BatchLinux::freeName(const TrashFolder& cestino, const std::string& nome) {
+  for (;;) {
+    unsigned& numero = contatori_[cestino.percorso + "/" + nome];
+    ++numero;
+    const std::string coda = numero == 1 ? std::string() : "." + std::to_string(numero);
+    const std::size_t massimo = kNameMax - recordName({}).size() - coda.size();
+    std::string scelto = nome.substr(0, massimo) + coda;
+    if (promessi_.contains(cestino.percorso + "/" + scelto)) continue;
+    if (existsAt(cestino.info.get(), recordName(scelto))) continue;
+    if (existsAt(cestino.files.get(), scelto)) continue;
+    promessi_.insert(cestino.percorso + "/" + scelto);
+    return scelto;
+  }
+}
+
+Result<TrashPlan> BatchLinux::plan(std::string_view percorso) {
+  const Split parti = split(percorso);
+  if (parti.nome.empty() || parti.nome == "." || parti.nome == "..") return errnoError(EINVAL);
+  const auto cartella = folder(parti.cartella);
+  if (!cartella) return cartella.error();
+  struct stat info {};
+  if (::fstatat(*cartella, parti.nome.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
+    return errnoError(errno);
+  }
+  const auto suo = volumeOf(*cartella, parti.nome.c_str());
+  const auto sopra = volumeOf(*cartella);
+  if (!suo) return suo.error();
+  if (!sopra) return sopra.error();
+  if (!(*suo == *sopra)) return errnoError(EBUSY);
+  const auto aperto = trashFor(parti.cartella, *suo);
+  if (!aperto) return aperto.error();
+  const TrashFolder& cestino = (*aperto)->cestino;
+  TrashPlan piano;
+  piano.percorso = percorso;
+  piano.nelCestino = cestino.percorso + "/files/" + freeName(cestino, parti.nome);
+  piano.dev = info.st_dev;
+  piano.ino = info.st_ino;
+  return piano;
+}
+
+Result<std::string> BatchLinux::move(const TrashPlan& piano) {
+  const Split da = split(piano.percorso);
+  const auto cartella = folder(da.cartella);
+  if (!cartella) return cartella.error();
+  const auto aperto = trashAt(piano.nelCestino);
+  if (!aperto) return aperto.error();
+  const TrashFolder& cestino = (*aperto)->cestino;
+  const std::string nome = split(piano.nelCestino).nome;
+  struct stat info {};
+  if (::fstatat(*cartella, da.nome.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
+    return errnoError(errno);
+  }
+  if (info.st_dev != piano.dev || info.st_ino != piano.ino) return errnoError(EINVAL);
+  if (auto scritta = writeRecord(cestino, nome, piano.percorso, data_); !scritta) {
+    return scritta.error();
+  }
+  if (auto mosso = renameExclusively(*cartella, da.nome, cestino.files.get(), nome); !mosso) {
+    removeRecord(cestino, nome);
+    return mosso.error();
+  }
+  if (!isItem(cestino.files.get(), nome, piano) && undo(**aperto, nome, *cartella, da.nome)) {
+    return errnoError(EINVAL);
+  }
+  if (S_ISDIR(info.st_mode)) (*aperto)->arrivate.push_back({nome, piano.size});
+  return piano.nelCestino;
+}
+
+/// Something else was put at the path between the look and the rename: it goes back.
+Result<void> BatchLinux::undo(const Aperto& aperto, const std::string& nelCestino, int cartella,
+                              const std::string& nome) {
+  auto tornato = renameExclusively(aperto.cestino.files.get(), nelCestino, cartella, nome);
+  if (tornato) removeRecord(aperto.cestino, nelCestino);
+  return tornato;
+}
+
+std::string BatchLinux::locate(const TrashPlan& piano) {
+  const auto aperto = trashAt(piano.nelCestino);
+  if (!aperto) return {};
+  const TrashFolder& cestino = (*aperto)->cestino;
+  const std::string nome = split(piano.nelCestino).nome;
+  if (!existsAt(cestino.files.get(), nome)) return {};
+  const auto da = recordedPath(cestino, nome);
+  const bool suo = da ? *da == piano.percorso : piano.ino == 0;
+  return suo || isItem(cestino.files.get(), nome, piano) ? piano.nelCestino : std::string();
+}
+
+Result<void> BatchLinux::putBack(std::string_view nelCestino, std::string_view destinazione) {
+  const auto aperto = trashAt(std::string(nelCestino));
+  if (!aperto) return aperto.error();
+  const Split a = split(destinazione);
+  const auto cartella = folder(a.cartella);
+  if (!cartella) return cartella.error();
+  const std::string nome = split(nelCestino).nome;
+  const TrashFolder& cestino = (*aperto)->cestino;
+  if (auto mosso = renameExclusively(cestino.files.get(), nome, *cartella, a.nome); !mosso) {
+    return mosso;
+  }
+  removeRecord(cestino, nome);
+  (*aperto)->tornate = true;
+  return {};
+}
+
+/// Only a record of this very path, or one cut short, is taken away: the name may be somebody
+/// else's by now.
+void BatchLinux::abandon(const TrashPlan& piano) {
+  const auto aperto = trashAt(piano.nelCestino);
+  if (!aperto) return;
+  const TrashFolder& cestino = (*aperto)->cestino;
+  const std::string nome = split(piano.nelCestino).nome;
+  if (existsAt(cestino.files.get(), nome)) return;
+  const auto da = recordedPath(cestino, nome);
+  if (da && (da->empty() || *da == piano.percorso)) removeRecord(cestino, nome);
+}
+
+Result<void> BatchLinux::sync() {
+  for (const auto& aperto : aperti_) {
+    if (std::exchange(aperto->tornate, false) || !aperto->arrivate.empty()) {
+      recordDirectorySizes(aperto->cestino, std::exchange(aperto->arrivate, {}));
+    }
+    if (::syncfs(aperto->cestino.files.get()) != 0) return errnoError(errno);
+  }
+  return {};
+}
+
+}  // namespace
+
+std::unique_ptr<TrashBatch> TrashCanLinux::begin() { return std::make_unique<BatchLinux>(); }
+
+bool TrashCanLinux::insideTrash(std::string_view percorso) const {
+  const std::string casa = homeTrashPath();
+  const std::string intero = std::string(percorso) + "/";
+  const std::string utente = std::to_string(::getuid());
+  return intero.starts_with(casa + "/") || (casa + "/").starts_with(intero) ||
+         intero.find("/.Trash-" + utente + "/") != std::string::npos ||
+         intero.find("/.Trash/") != std::string::npos;
+}
+
+}  // namespace pellak::native

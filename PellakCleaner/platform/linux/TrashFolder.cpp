@@ -1,0 +1,202 @@
+#include "platform/linux/TrashFolder.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <utility>
+
+#include "platform/linux/XdgFolders.h"
+#include "platform/posix/ErrnoError.h"
+
+namespace pellak::native {
+namespace {
+
+using posix::Descriptor;
+using posix::errnoError;
+
+constexpr int kFolder = O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW;
+constexpr int kPassing = O_PATH | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW;
+constexpr mode_t kPrivate = 0700;
+
+Error linkOnTheWay() {
+  return {ErrorKind::invalid, ELOOP, "il percorso passa per un collegamento simbolico"};
+}
+
+Error untrusted(const std::string& perche) { return {ErrorKind::failed, 0, perche}; }
+
+bool isLinkAt(int cartella, const char* nome) {
+  struct stat info {};
+  return ::fstatat(cartella, nome, &info, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(info.st_mode);
+}
+
+std::string_view parentOf(std::string_view percorso) {
+  const std::size_t barra = percorso.rfind('/');
+  return barra == 0 || barra == std::string_view::npos ? std::string_view("/")
+                                                       : percorso.substr(0, barra);
+}
+
+/// Makes and opens a folder of ours: no link, owned by the user.
+Result<Descriptor> ownFolderAt(int sopra, const std::string& nome) {
+  if (::mkdirat(sopra, nome.c_str(), kPrivate) != 0 && errno != EEXIST) return errnoError(errno);
+  Descriptor cartella(::openat(sopra, nome.c_str(), kFolder));
+  if (!cartella) {
+    if (isLinkAt(sopra, nome.c_str())) {
+      return untrusted("il Cestino è un collegamento simbolico: non lo uso");
+    }
+    return errnoError(errno);
+  }
+  struct stat info {};
+  if (::fstat(cartella.get(), &info) != 0) return errnoError(errno);
+  if (info.st_uid != ::getuid()) return untrusted("il Cestino appartiene a un altro utente");
+  return cartella;
+}
+
+Result<TrashFolder> fill(TrashFolder cestino) {
+  auto files = ownFolderAt(cestino.radice.get(), "files");
+  if (!files) return files.error();
+  auto info = ownFolderAt(cestino.radice.get(), "info");
+  if (!info) return info.error();
+  const auto volume = volumeOf(files->get());
+  if (!volume) return volume.error();
+  cestino.files = std::move(*files);
+  cestino.info = std::move(*info);
+  cestino.volume = *volume;
+  return cestino;
+}
+
+/// The top folder of a volume's own Trash: above ".Trash/<uid>" or ".Trash-<uid>".
+std::string topOf(std::string_view cestino) {
+  const std::string_view sopra = parentOf(cestino);
+  return std::string(sopra.ends_with("/.Trash") ? parentOf(sopra) : sopra);
+}
+
+Result<Volume> volumeAt(int cartella, const char* nome, int flags) {
+  struct statx record {};
+  if (::statx(cartella, nome, flags, STATX_MNT_ID, &record) != 0) return errnoError(errno);
+  Volume volume;
+  volume.dev = makedev(record.stx_dev_major, record.stx_dev_minor);
+  if ((record.stx_mask & STATX_MNT_ID) != 0) volume.mount = record.stx_mnt_id;
+  return volume;
+}
+
+Result<void> makeFolders(const std::string& cartella) {
+  if (::mkdir(cartella.c_str(), kPrivate) == 0 || errno == EEXIST) return {};
+  if (errno != ENOENT || cartella.size() < 2) return errnoError(errno);
+  if (auto sopra = makeFolders(std::string(parentOf(cartella))); !sopra) return sopra;
+  if (::mkdir(cartella.c_str(), kPrivate) == 0 || errno == EEXIST) return {};
+  return errnoError(errno);
+}
+
+/// ".Trash/<uid>", when an administrator has set it up as it must be.
+Result<Descriptor> sharedTrash(int cima, const std::string& utente) {
+  struct stat info {};
+  if (::fstatat(cima, ".Trash", &info, AT_SYMLINK_NOFOLLOW) != 0) return errnoError(errno);
+  if (!S_ISDIR(info.st_mode) || (info.st_mode & S_ISVTX) == 0) {
+    return untrusted("il Cestino comune del volume non è sicuro");
+  }
+  const Descriptor comune(::openat(cima, ".Trash", kFolder));
+  if (!comune) return errnoError(errno);
+  return ownFolderAt(comune.get(), utente);
+}
+
+}  // namespace
+
+Result<Volume> volumeOf(int file, const char* nome) {
+  return volumeAt(file, nome, AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW);
+}
+
+Result<Descriptor> openWithoutLinks(std::string_view percorso, std::string_view fidata) {
+  if (!percorso.starts_with('/')) return errnoError(EINVAL);
+  std::string radice = "/";
+  std::string_view resto = percorso;
+  if (!fidata.empty() && fidata != "/" && percorso.starts_with(fidata) &&
+      (percorso.size() == fidata.size() || percorso[fidata.size()] == '/')) {
+    radice = fidata;
+    resto.remove_prefix(fidata.size());
+  }
+  Descriptor qui(::open(radice.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+  if (!qui) return errnoError(errno);
+  while (!resto.empty()) {
+    const std::size_t barra = resto.find('/');
+    const std::string nome(resto.substr(0, barra));
+    resto.remove_prefix(barra == std::string_view::npos ? resto.size() : barra + 1);
+    if (nome.empty()) continue;
+    if (nome == "." || nome == "..") return errnoError(EINVAL);
+    Descriptor sotto(::openat(qui.get(), nome.c_str(), kPassing));
+    if (!sotto) {
+      const int perche = errno;
+      return isLinkAt(qui.get(), nome.c_str()) ? linkOnTheWay() : errnoError(perche);
+    }
+    qui = std::move(sotto);
+  }
+  return qui;
+}
+
+std::string homeTrashPath() { return xdgFolders().data.front() + "/Trash"; }
+
+Result<Volume> homeTrashVolume() {
+  std::string cartella(parentOf(homeTrashPath()));
+  for (;;) {
+    auto volume = volumeAt(AT_FDCWD, cartella.c_str(), 0);
+    if (volume || cartella == "/") return volume;
+    cartella = std::string(parentOf(cartella));
+  }
+}
+
+Result<TrashFolder> openHomeTrash() {
+  TrashFolder cestino;
+  cestino.percorso = homeTrashPath();
+  const std::string sopra(parentOf(cestino.percorso));
+  if (auto fatte = makeFolders(sopra); !fatte) return fatte.error();
+  const Descriptor dati(::open(sopra.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!dati) return errnoError(errno);
+  auto radice = ownFolderAt(dati.get(), "Trash");
+  if (!radice) return radice.error();
+  cestino.radice = std::move(*radice);
+  return fill(std::move(cestino));
+}
+
+Result<TrashFolder> openVolumeTrash(const std::string& cima) {
+  const Descriptor sopra(::open(cima.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!sopra) return errnoError(errno);
+  const std::string utente = std::to_string(::getuid());
+  TrashFolder cestino;
+  cestino.cima = cima;
+  const std::string base = cima == "/" ? std::string() : cima;
+  if (auto comune = sharedTrash(sopra.get(), utente)) {
+    cestino.percorso = base + "/.Trash/" + utente;
+    cestino.radice = std::move(*comune);
+    return fill(std::move(cestino));
+  }
+  auto proprio = ownFolderAt(sopra.get(), ".Trash-" + utente);
+  if (!proprio) return proprio.error();
+  cestino.percorso = base + "/.Trash-" + utente;
+  cestino.radice = std::move(*proprio);
+  return fill(std::move(cestino));
+}
+
+std::string topOfVolume(std::string_view cartella, Volume volume) {
+  std::string cima(cartella);
+  while (cima != "/") {
+    std::string sopra(parentOf(cima));
+    // A folder whose path is too long to ask for lies on the volume of the ones below it.
+    const auto suo = volumeAt(AT_FDCWD, sopra.c_str(), 0);
+    if (suo && !(*suo == volume)) break;
+    cima = std::move(sopra);
+  }
+  return cima;
+}
+
+Result<TrashFolder> openTrashHolding(std::string_view nelCestino) {
+  const std::string_view files = parentOf(nelCestino);
+  if (!files.ends_with("/files")) return errnoError(EINVAL);
+  TrashFolder cestino;
+  cestino.percorso = parentOf(files);
+  if (cestino.percorso != homeTrashPath()) cestino.cima = topOf(cestino.percorso);
+  cestino.radice = Descriptor(::open(cestino.percorso.c_str(), kFolder));
+  if (!cestino.radice) return errnoError(errno);
+  return fill(std::move(cestino));
+}
+
+}  // namespace pellak::native

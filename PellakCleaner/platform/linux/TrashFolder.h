@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/Result.h"
+#include "platform/posix/Descriptor.h"
+
+namespace pellak::native {
+
+/// One mounted volume, as far as a rename reaches: neither to another file system nor through
+/// another mount of the same one.
+struct Volume {
+  std::uint64_t dev = 0;
+  std::uint64_t mount = 0;  ///< 0 where the kernel does not tell
+
+  bool operator==(const Volume&) const = default;
+};
+
+/// The volume of an open file, or of an entry of an open folder (a link not followed).
+Result<Volume> volumeOf(int file, const char* nome = "");
+
+/// One Trash folder held open: "files", "info" and where they lie.
+/// The format is that of the freedesktop.org Trash, version 1.0.
+struct TrashFolder {
+  std::string percorso;  ///< of the Trash folder itself
+  std::string cima;      ///< top of the volume for relative records; empty for the home Trash
+  Volume volume;
+  posix::Descriptor radice;
+  posix::Descriptor files;
+  posix::Descriptor info;
+};
+
+/// Opens a folder with no symbolic link on the way below `fidata`, which may be a link itself (a
+/// home folder often is). Paths of any length. Errors: missing, denied, invalid (a link).
+Result<posix::Descriptor> openWithoutLinks(std::string_view percorso, std::string_view fidata);
+
+/// The folder of the home Trash; only a name.
+std::string homeTrashPath();
+
+/// The volume that the home Trash lies on, or would.
+Result<Volume> homeTrashVolume();
+
+/// The home Trash, made when missing. Errors: failed when the folder is a link or somebody else's.
+Result<TrashFolder> openHomeTrash();
+
+/// The Trash of the volume whose top folder is `cima`: ".Trash/<uid>" when ".Trash" is a real
+/// folder with the sticky bit, ".Trash-<uid>" otherwise.
+Result<TrashFolder> openVolumeTrash(const std::string& cima);
+
+/// The highest folder above `cartella` on the same volume.
+std::string topOfVolume(std::string_view cartella, Volume volume);
+
+/// The Trash folder that a path "<Trash>/files/<name>" lies in; nothing is made. Errors: invalid
+/// (no such path), missing, failed (a link, or somebody else's).
+Result<TrashFolder> openTrashHolding(std::string_view nelCestino);
+
+/// A folder in the Trash and its bytes on disk.
+struct FolderSize {
+  std::string nome;
+  std::int64_t size = 0;
+};
+
+/// Brings a Trash's cache of folder sizes up to date: adds folders that were just moved in and
+/// drops what is gone. The cache is a convenience: failures are ignored.
+void recordDirectorySizes(const TrashFolder& cestino, const std::vector<FolderSize>& arrivate);
+
+}  // namespace pellak::native

@@ -1,0 +1,133 @@
+#include "platform/linux/TrashRecord.h"
+
+#include <cerrno>
+#include <ctime>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "platform/posix/ErrnoError.h"
+
+namespace pellak::native {
+namespace {
+
+using posix::Descriptor;
+using posix::errnoError;
+
+constexpr mode_t kPrivate = 0600;
+/// Far more than any path needs: records are read whole.
+constexpr std::size_t kMaxRecord = std::size_t{64} << 20U;
+
+Result<void> writeAll(int file, std::string_view testo) {
+  while (!testo.empty()) {
+    const ssize_t scritti = ::write(file, testo.data(), testo.size());
+    if (scritti < 0 && errno != EINTR) return errnoError(errno);
+    if (scritti > 0) testo.remove_prefix(static_cast<std::size_t>(scritti));
+  }
+  return {};
+}
+
+std::string readAll(int file) {
+  std::string testo;
+  char parte[4096];
+  while (testo.size() < kMaxRecord) {
+    const ssize_t letti = ::read(file, parte, sizeof parte);
+    if (letti < 0 && errno == EINTR) continue;
+    if (letti <= 0) break;
+    testo.append(parte, static_cast<std::size_t>(letti));
+  }
+  return testo;
+}
+
+int digit(char carattere) {
+  if (carattere >= '0' && carattere <= '9') return carattere - '0';
+  if (carattere >= 'A' && carattere <= 'F') return carattere - 'A' + 10;
+  if (carattere >= 'a' && carattere <= 'f') return carattere - 'a' + 10;
+  return -1;
+}
+
+}  // namespace
+
+std::string recordName(std::string_view nome) { return std::string(nome) + ".trashinfo"; }
+
+std::string recordDate() {
+  const std::time_t adesso = std::time(nullptr);
+  std::tm data{};
+  ::localtime_r(&adesso, &data);
+  char testo[32];
+  const std::size_t lungo = std::strftime(testo, sizeof testo, "%Y-%m-%dT%H:%M:%S", &data);
+  return {testo, lungo};
+}
+
+Result<void> writeRecord(const TrashFolder& cestino, const std::string& nome,
+                         std::string_view percorso, std::string_view data) {
+  // Records of a volume's own Trash name the place from its top.
+  if (!cestino.cima.empty())
+    percorso.remove_prefix(cestino.cima == "/" ? 1 : cestino.cima.size() + 1);
+  const std::string scheda = recordName(nome);
+  const Descriptor file(::openat(cestino.info.get(), scheda.c_str(),
+                                 O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, kPrivate));
+  if (!file) return errnoError(errno);
+  std::string testo = "[Trash Info]\nPath=" + percentEncoded(percorso);
+  testo.append("\nDeletionDate=").append(data).append("\n");
+  auto scritto = writeAll(file.get(), testo);
+  if (!scritto) removeRecord(cestino, nome);
+  return scritto;
+}
+
+std::optional<std::string> recordedPath(const TrashFolder& cestino, const std::string& nome) {
+  const Descriptor file(::openat(cestino.info.get(), recordName(nome).c_str(),
+                                 O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+  if (!file && errno == ENOENT) return std::nullopt;
+  if (!file) return std::string();
+  const std::string testo = readAll(file.get());
+  constexpr std::string_view kKey = "\nPath=";
+  const std::size_t inizio = testo.find(kKey);
+  if (inizio == std::string::npos) return std::string();
+  const std::size_t da = inizio + kKey.size();
+  const std::size_t fine = testo.find('\n', da);
+  if (fine == std::string::npos) return std::string();
+  std::string percorso = percentDecoded(std::string_view(testo).substr(da, fine - da));
+  if (percorso.empty() || percorso[0] == '/' || cestino.cima.empty()) return percorso;
+  return (cestino.cima == "/" ? std::string() : cestino.cima) + "/" + percorso;
+}
+
+void removeRecord(const TrashFolder& cestino, const std::string& nome) {
+  ::unlinkat(cestino.info.get(), recordName(nome).c_str(), 0);
+}
+
+std::string percentEncoded(std::string_view byte) {
+  constexpr std::string_view kFree =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string testo;
+  testo.reserve(byte.size());
+  for (const char carattere : byte) {
+    if (kFree.find(carattere) != std::string_view::npos) {
+      testo += carattere;
+    } else {
+      const auto valore = static_cast<unsigned char>(carattere);
+      testo += '%';
+      testo += kDigits[valore >> 4U];
+      testo += kDigits[valore & 15U];
+    }
+  }
+  return testo;
+}
+
+std::string percentDecoded(std::string_view testo) {
+  std::string byte;
+  byte.reserve(testo.size());
+  for (std::size_t i = 0; i < testo.size(); ++i) {
+    const bool coppia = testo[i] == '%' && i + 3 <= testo.size() && digit(testo[i + 1]) >= 0 &&
+                        digit(testo[i + 2]) >= 0;
+    if (coppia) {
+      byte += static_cast<char>(digit(testo[i + 1]) * 16 + digit(testo[i + 2]));
+      i += 2;
+    } else {
+      byte += testo[i];
+    }
+  }
+  return byte;
+}
+
+}  // namespace pellak::native

@@ -1,0 +1,184 @@
+#include "trash/Cestino.h"
+
+#include <unordered_set>
+#include <utility>
+
+#include "PellakCore/Finding.h"
+#include "trash/Messaggi.h"
+
+namespace pellak::trash {
+namespace {
+
+constexpr const char* kOccupato = "un'altra operazione sul Cestino è in corso: riprova";
+constexpr const char* kNonScritto =
+    "gli elementi sono nel Cestino, ma il registro non è scrivibile: li annoto appena possibile";
+constexpr const char* kNonSincronizzato =
+    "gli elementi sono nel Cestino, ma il disco non ha confermato la scrittura";
+constexpr const char* kNonValido = "percorso non valido";
+constexpr int kConflict = 409;
+constexpr int kServerError = 500;
+/// How often another name in the Trash is looked for when somebody else is faster.
+constexpr int kTentativi = 5;
+
+}  // namespace
+
+/// One batch on its way to the Trash.
+struct Cestino::Lavoro {
+  struct Voce {
+    std::size_t lotto;
+    bool daFare = true;
+  };
+  std::unique_ptr<TrashBatch> batch;
+  Intento intento;
+  std::vector<Voce> voci;  ///< one for each step of the intent
+  Esito esito;
+  std::int64_t liberati = 0;
+};
+
+Esito rifiuto(std::string testo, int stato) {
+  Esito esito;
+  esito.err = std::move(testo);
+  esito.stato = stato;
+  return esito;
+}
+
+Cestino::Cestino(AmbienteCestino ambiente)
+    : ambiente_(std::move(ambiente)),
+      custode_(ambiente_.store, ambiente_.can),
+      registro_(ambiente_.files, ambiente_.reader, ambiente_.store),
+      intenti_(ambiente_.files, ambiente_.store) {}
+
+Result<std::unique_ptr<FileLock>> Cestino::blocco() {
+  auto preso = ambiente_.files.lock(ambiente_.store.bloccoCestino());
+  if (!preso) return preso.error();
+  if (auto finiti = finisciLibri(); !finiti) return finiti.error();
+  return preso;
+}
+
+Esito Cestino::rifiutoDi(const Error& errore) {
+  switch (errore.kind) {
+    case ErrorKind::busy:
+      return rifiuto(kOccupato, kConflict);
+    case ErrorKind::full:
+      return rifiuto("disco pieno: il registro non è scrivibile e non sposto nulla", kServerError);
+    default:
+      return rifiuto("registro non scrivibile: non sposto nulla", kServerError);
+  }
+}
+
+Esito Cestino::sposta(const Titolo& titolo, std::span<const Lotto> lotti) {
+  const auto preso = blocco();
+  if (!preso) return rifiutoDi(preso.error());
+  Lavoro lavoro;
+  lavoro.batch = ambiente_.can.begin();
+  prepara(lavoro, lotti);
+  if (lavoro.voci.empty()) return std::move(lavoro.esito);
+  Operazione& operazione = lavoro.intento.operazione;
+  operazione.id = nuovoId();
+  operazione.ts = ambiente_.clock.now();
+  operazione.azione = titolo(lavoro.voci.size());
+  if (const auto scritto = muovi(lavoro, lotti); !scritto) return rifiutoDi(scritto.error());
+  return concludi(lavoro, titolo);
+}
+
+void Cestino::prepara(Lavoro& lavoro, std::span<const Lotto> lotti) const {
+  std::unordered_set<std::string_view> visti;
+  for (std::size_t i = 0; i < lotti.size(); ++i) {
+    for (const Candidato& voce : lotti[i].voci) {
+      if (!visti.insert(voce.percorso).second) continue;
+      if (!custode_.ammesso(voce.percorso)) {
+        lavoro.esito.failed.push_back({voce.percorso, kNonValido});
+        continue;
+      }
+      auto piano = lavoro.batch->plan(voce.percorso);
+      if (!piano) {
+        lavoro.esito.failed.push_back({voce.percorso, trashMessage(voce.percorso, piano.error())});
+        continue;
+      }
+      lavoro.intento.operazione.tot = sommaSicura(lavoro.intento.operazione.tot, voce.size);
+      piano->size = voce.size;
+      lavoro.intento.passi.push_back({std::move(*piano), {}, 0});
+      lavoro.voci.push_back({i});
+    }
+  }
+}
+
+/// A failure means that nothing was moved: once something was, the intent of before is on disk.
+Result<void> Cestino::muovi(Lavoro& lavoro, std::span<const Lotto> lotti) {
+  std::vector<std::optional<bool>> ammessi(lotti.size());
+  bool restano = true;
+  for (int tentativo = 0; restano && tentativo < kTentativi; ++tentativo) {
+    if (auto scritto = intenti_.scrivi(lavoro.intento); !scritto) {
+      if (lavoro.esito.mosse.empty()) return scritto;
+      break;
+    }
+    restano = false;
+    for (std::size_t i = 0; i < lavoro.voci.size(); ++i) {
+      if (!lavoro.voci[i].daFare) continue;
+      const std::size_t lotto = lavoro.voci[i].lotto;
+      if (!ammessi[lotto]) ammessi[lotto] = !lotti[lotto].ancora || lotti[lotto].ancora();
+      if (*ammessi[lotto]) {
+        muoviUno(lavoro, i);
+        restano = restano || lavoro.voci[i].daFare;
+      } else {
+        lavoro.voci[i].daFare = false;
+        lavoro.esito.failed.push_back({lavoro.intento.passi[i].piano.percorso, kCambiato});
+      }
+    }
+  }
+  for (std::size_t i = 0; restano && i < lavoro.voci.size(); ++i) {
+    if (!lavoro.voci[i].daFare) continue;
+    const std::string& percorso = lavoro.intento.passi[i].piano.percorso;
+    lavoro.esito.failed.push_back({percorso, trashMessage(percorso, {ErrorKind::exists, 0, {}})});
+  }
+  return {};
+}
+
+void Cestino::muoviUno(Lavoro& lavoro, std::size_t posto) {
+  TrashPlan& piano = lavoro.intento.passi[posto].piano;
+  auto mosso = lavoro.batch->move(piano);
+  if (!mosso && mosso.error().kind == ErrorKind::exists) {
+    // Somebody else took the name in the Trash: another one, in the next round.
+    auto altro = lavoro.batch->plan(piano.percorso);
+    if (altro && altro->dev == piano.dev && altro->ino == piano.ino) {
+      altro->size = piano.size;
+      piano = std::move(*altro);
+      return;
+    }
+  }
+  lavoro.voci[posto].daFare = false;
+  if (mosso) {
+    lavoro.esito.mosse.push_back({piano.percorso, std::move(*mosso), false});
+    lavoro.liberati = sommaSicura(lavoro.liberati, piano.size);
+  } else {
+    const bool altro = mosso.error().kind == ErrorKind::invalid;
+    lavoro.esito.failed.push_back(
+        {piano.percorso, altro ? kCambiato : trashMessage(piano.percorso, mosso.error())});
+  }
+}
+
+Esito Cestino::concludi(Lavoro& lavoro, const Titolo& titolo) {
+  Esito& esito = lavoro.esito;
+  if (!esito.mosse.empty()) {
+    if (!lavoro.batch->sync()) esito.avviso = kNonSincronizzato;
+    if (ambiente_.suono) ambiente_.suono();
+    Operazione fatta = lavoro.intento.operazione;
+    fatta.azione = titolo(esito.mosse.size());
+    fatta.tot = lavoro.liberati;
+    fatta.items = esito.mosse;
+    // Without a record the intent stays: the next operation or start writes the record from it.
+    if (!registro_.aggiungi(fatta)) {
+      esito.avviso = kNonScritto;
+      return std::move(esito);
+    }
+  }
+  static_cast<void>(intenti_.togli());
+  return std::move(esito);
+}
+
+void Cestino::log(const std::function<void(const Operazione&)>& visita) {
+  riprendi();
+  registro_.visita(visita);
+}
+
+}  // namespace pellak::trash

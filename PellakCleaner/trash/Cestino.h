@@ -1,0 +1,124 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "PellakCore/Store.h"
+#include "platform/Clock.h"
+#include "platform/DirectoryLister.h"
+#include "platform/FileReader.h"
+#include "platform/Files.h"
+#include "platform/TrashCan.h"
+#include "trash/Custode.h"
+#include "trash/Intenti.h"
+#include "trash/Registro.h"
+
+namespace pellak::trash {
+
+/// What moves are made with. The references outlive it.
+struct AmbienteCestino {
+  Files& files;
+  FileReader& reader;
+  DirectoryLister& lister;
+  Clock& clock;
+  TrashCan& can;
+  Store store;
+  /// Told once after a batch that moved something; returns at once. May be empty.
+  std::function<void()> suono;
+};
+
+/// An item that is wanted in the Trash, with the size the scan measured.
+struct Candidato {
+  std::string percorso;
+  std::int64_t size = 0;
+};
+
+/// Items that go under one condition. Right before the first of them moves `ancora` is asked;
+/// when it says no, none of them does. Empty: always yes.
+struct Lotto {
+  std::vector<Candidato> voci;
+  std::function<bool()> ancora;
+};
+
+struct Fallito {
+  std::string percorso;
+  std::string err;
+};
+
+/// What came of an operation. With `err` nothing was moved.
+struct Esito {
+  std::string err;
+  int stato = 200;
+  std::string avviso;   ///< the items moved, but something about them went wrong
+  std::string nomeApp;  ///< the application that keeps the operation from happening
+  std::vector<Mossa> mosse;
+  std::vector<Fallito> failed;
+  std::vector<std::string> saltati;
+  std::vector<std::string> errors;  ///< of a restore: file name and why
+};
+
+/// An operation that is refused.
+Esito rifiuto(std::string testo, int stato = 200);
+
+/// Moves items to the Trash and back and keeps the books of it.
+///
+/// Before the first move an intent is on disk; before the return the moves and their record are.
+/// `riprendi` finishes the books of a process that died in between, and so does the next
+/// operation. One operation at a time in a home folder, between processes too. Any thread.
+class Cestino {
+ public:
+  /// The title of the record, from the number of items.
+  using Titolo = std::function<std::string(std::size_t)>;
+
+  explicit Cestino(AmbienteCestino ambiente);
+
+  /// One failure never stops the rest.
+  Esito sposta(const Titolo& titolo, std::span<const Lotto> lotti);
+
+  /// Puts back all items of an operation, or one of them.
+  Esito ripristina(std::string_view operazione, std::optional<std::int64_t> indice);
+
+  /// Turns what an interrupted operation moved into a record. Does nothing while another process
+  /// is at work on the Trash.
+  void riprendi();
+
+  /// Visits the operations, newest first, those of an interrupted process included.
+  void log(const std::function<void(const Operazione&)>& visita);
+
+ private:
+  struct Lavoro;
+  struct Ritorno;
+
+  Result<std::unique_ptr<FileLock>> blocco();
+  static Esito rifiutoDi(const Error& errore);
+  void prepara(Lavoro& lavoro, std::span<const Lotto> lotti) const;
+  Result<void> muovi(Lavoro& lavoro, std::span<const Lotto> lotti);
+  static void muoviUno(Lavoro& lavoro, std::size_t posto);
+  Esito concludi(Lavoro& lavoro, const Titolo& titolo);
+
+  Result<void> finisciLibri();
+  Result<void> riprendiMosse(const Intento& intento, TrashBatch& batch);
+  Result<void> riprendiRipristino(const Intento& intento, TrashBatch& batch);
+
+  void scegli(Ritorno& ritorno, std::size_t indice) const;
+  void riporta(Ritorno& ritorno) const;
+  std::string destinazione(const std::string& orig,
+                           const std::unordered_set<std::string>& promesse) const;
+  bool giaTornato(const std::string& trash, const std::string& orig) const;
+  bool stessoElemento(const std::string& percorso, const TrashPlan& piano) const;
+
+  const AmbienteCestino ambiente_;
+  Custode custode_;
+  Registro registro_;
+  Intenti intenti_;
+};
+
+}  // namespace pellak::trash

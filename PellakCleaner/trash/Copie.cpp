@@ -1,0 +1,81 @@
+#include "trash/Copie.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <span>
+
+#include "platform/Sha256.h"
+
+namespace pellak::trash {
+namespace {
+
+constexpr std::size_t kBuffer = std::size_t{1} << 18U;
+
+std::string esadecimale(const Sha256Digest& digest) {
+  constexpr std::string_view kCifre = "0123456789abcdef";
+  std::string testo;
+  for (const std::uint8_t byte : digest) {
+    testo += kCifre[byte >> 4];
+    testo += kCifre[byte & 15];
+  }
+  return testo;
+}
+
+/// The content's hash; empty when it can't be read whole.
+std::string impronta(const OpenFile& file, std::int64_t size) {
+  const auto calcolo = creaTwinSha256();
+  std::vector<std::byte> buffer(kBuffer);
+  std::int64_t letti = 0;
+  while (letti < size) {
+    const auto parte = file.readAt(letti, buffer);
+    if (!parte || *parte == 0) return {};
+    calcolo->update(0, std::span(buffer).first(*parte));
+    letti += static_cast<std::int64_t>(*parte);
+  }
+  return esadecimale(calcolo->finish(0));
+}
+
+/// As saved with the results.
+double secondi(std::int64_t nanosecondi) { return static_cast<double>(nanosecondi) / 1e9; }
+
+}  // namespace
+
+std::optional<FileMark> Copie::stato(const std::string& percorso) const {
+  const auto file = reader_.open(percorso, ReadPlan::samples);
+  if (!file) return {};
+  const auto letto = (*file)->mark();
+  return letto && letto->regular ? std::optional(*letto) : std::nullopt;
+}
+
+bool Copie::esiste(const std::string& percorso) const { return stato(percorso).has_value(); }
+
+bool Copie::riscritta(const Group& gruppo, std::size_t copia) const {
+  const auto ora = stato(gruppo.paths[copia]);
+  return ora && copia < gruppo.mtimes.size() && !comeTrovata(gruppo, copia, *ora);
+}
+
+bool Copie::ancora(const std::string& percorso, const FileMark& prima) const {
+  return stato(percorso) == prima;
+}
+
+bool Copie::comeTrovata(const Group& gruppo, std::size_t copia, const FileMark& ora) const {
+  if (ora.size != gruppo.size) return false;
+  if (copia < gruppo.mtimes.size()) return secondi(ora.mtimeNs) == gruppo.mtimes[copia];
+  if (gruppo.hash.empty()) return false;
+  const auto file = reader_.open(gruppo.paths[copia], ReadPlan::whole);
+  return file && impronta(**file, ora.size) == gruppo.hash;
+}
+
+std::optional<FileMark> Copie::conservabile(const Group& gruppo, std::size_t copia,
+                                            const std::vector<std::string>& scartate) const {
+  const std::string& percorso = gruppo.paths[copia];
+  const auto prima = stato(percorso);
+  if (!prima || !comeTrovata(gruppo, copia, *prima)) return {};
+  const bool altroNome = std::any_of(scartate.begin(), scartate.end(), [&](const auto& scartata) {
+    const auto altra = stato(scartata);
+    return altra && altra->dev == prima->dev && altra->ino == prima->ino;
+  });
+  return !altroNome && ancora(percorso, *prima) ? prima : std::nullopt;
+}
+
+}  // namespace pellak::trash

@@ -1,0 +1,47 @@
+#include "trash/Custode.h"
+
+#include <algorithm>
+#include <array>
+
+#include "PellakCore/base/BytePath.h"
+
+namespace pellak::trash {
+namespace {
+
+constexpr std::array<std::string_view, 19> kDelSistema = {"/System",      "/bin",
+                                                          "/sbin",        "/lib",
+                                                          "/lib32",       "/lib64",
+                                                          "/libx32",      "/boot",
+                                                          "/dev",         "/proc",
+                                                          "/sys",         "/etc",
+                                                          "/private/etc", "/private/var/db",
+                                                          "/usr/bin",     "/usr/lib",
+                                                          "/usr/sbin",    "/usr/libexec",
+                                                          "/usr/share"};
+
+constexpr std::array<std::string_view, 15> kDiCasa = {
+    "Desktop", "Documents", "Downloads", "Library", "Library/Caches",
+    "Movies",  "Music",     "Pictures",  "Public",  "Templates",
+    "Videos",  ".config",   ".local",    ".cache",  "Applications"};
+
+}  // namespace
+
+bool Custode::ammesso(std::string_view percorso) const {
+  const std::string& home = store_.home();
+  if (percorso.empty() || standardizza(percorso, home) != percorso) return false;
+  if (percorso.rfind('/') == 0) return false;
+  if (dentroCartella(home, percorso)) return false;
+  if (dentroCartella(percorso, store_.cartella())) return false;
+  if (dentroCartella(store_.cartella(), percorso)) return false;
+  const auto contiene = [&](std::string_view cartella) {
+    return dentroCartella(percorso, cartella);
+  };
+  if (std::any_of(kDelSistema.begin(), kDelSistema.end(), contiene)) return false;
+  const auto diCasa = [&](std::string_view nome) {
+    return percorso == home + "/" + std::string(nome);
+  };
+  if (std::any_of(kDiCasa.begin(), kDiCasa.end(), diCasa)) return false;
+  return !can_.insideTrash(percorso);
+}
+
+}  // namespace pellak::trash

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "PellakCore/Store.h"
+#include "platform/TrashCan.h"
+
+namespace pellak::trash {
+
+/// Says which paths may be moved to the Trash at all, whoever found them. Purely textual; any
+/// thread.
+class Custode {
+ public:
+  Custode(const Store& store, const TrashCan& can) : store_(store), can_(can) {}
+
+  /// Not: a path that is not in its plain form, folders at the top of the disk, what the system
+  /// is made of, the home folder or one that holds it, its standard folders, the Trash, and our
+  /// own files.
+  bool ammesso(std::string_view percorso) const;
+
+ private:
+  const Store store_;
+  const TrashCan& can_;
+};
+
+}  // namespace pellak::trash

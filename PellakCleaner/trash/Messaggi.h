@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/Result.h"
+
+namespace pellak::trash {
+
+/// Something is not any more as the page or the scan saw it.
+inline constexpr const char* kCambiato = "lo stato è cambiato: ricarica e riprova";
+
+/// Why an item could not be moved to the Trash, in words for the user. What the system itself said
+/// is used where no kind of error has words of its own.
+std::string trashMessage(std::string_view percorso, const Error& errore);
+
+}  // namespace pellak::trash

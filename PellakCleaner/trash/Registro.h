@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "PellakCore/Store.h"
+#include "PellakCore/base/Mutex.h"
+#include "platform/FileReader.h"
+#include "platform/Files.h"
+
+namespace pellak {
+class Json;
+}
+
+namespace pellak::trash {
+
+/// One item of an operation.
+struct Mossa {
+  std::string orig;
+  std::string trash;      ///< empty when the system did not tell
+  bool rip = false;       ///< put back since
+  bool superata = false;  ///< a later operation gave its place in the Trash to another item
+};
+
+/// One operation.
+struct Operazione {
+  std::string id;
+  double ts = 0;  ///< seconds since 1970
+  std::string azione;
+  std::int64_t tot = 0;  ///< bytes, as the scan measured them
+  std::string nota;
+  std::vector<Mossa> items;
+};
+
+/// The operations log: one JSON object a line, only ever appended to. A restore appends a line of
+/// its own ("ripristino" names the operation, "indici" its items), which readers lay over the
+/// record. Lines that are no JSON, a last one torn by a crash among them, are skipped and kept.
+///
+/// What was read stays in memory, so that only what was appended since is read again. Any thread;
+/// whoever appends holds the lock of the Trash operations.
+class Registro {
+ public:
+  Registro(Files& files, FileReader& reader, const Store& store)
+      : files_(files), reader_(reader), percorso_(store.registro()) {}
+
+  /// On disk when it returns. Errors: denied, full, readOnly, failed.
+  Result<void> aggiungi(const Operazione& operazione);
+  Result<void> segnaRipristino(std::string_view operazione, const std::vector<std::size_t>& indici,
+                               double ts, std::string_view nota = {});
+
+  std::optional<Operazione> cerca(std::string_view id);
+  /// All operations, newest first. `visita` must not call the log.
+  void visita(const std::function<void(const Operazione&)>& visita);
+
+ private:
+  Result<void> scrivi(std::string riga);
+  bool finisceACapo() const;
+  void aggiorna() PELLAK_REQUIRES(lock_);
+  void leggiRighe(std::string_view testo) PELLAK_REQUIRES(lock_);
+  bool leggiRiga(std::string_view riga) PELLAK_REQUIRES(lock_);
+  void leggiRipristino(Json riga) PELLAK_REQUIRES(lock_);
+
+  Files& files_;
+  FileReader& reader_;
+  const std::string percorso_;
+
+  Mutex lock_;
+  std::uint64_t dev_ PELLAK_GUARDED_BY(lock_) = 0;
+  std::uint64_t ino_ PELLAK_GUARDED_BY(lock_) = 0;
+  std::int64_t letti_ PELLAK_GUARDED_BY(lock_) = 0;  ///< bytes of the file that are in memory
+  std::vector<Operazione> operazioni_ PELLAK_GUARDED_BY(lock_);
+  std::unordered_map<std::string, std::size_t> posti_ PELLAK_GUARDED_BY(lock_);
+};
+
+/// A fresh random identifier: the first 12 characters of a UUID.
+std::string nuovoId();
+
+}  // namespace pellak::trash

@@ -1,0 +1,142 @@
+// The way back out of the Trash.
+
+#include <unordered_set>
+#include <utility>
+
+#include "PellakCore/Contatore.h"
+#include "PellakCore/base/BytePath.h"
+#include "trash/Cestino.h"
+
+namespace pellak::trash {
+namespace {
+
+constexpr const char* kNonTracciato = "percorso nel Cestino non tracciato";
+constexpr const char* kNonPiu = "non è più nel Cestino";
+constexpr const char* kPermesso =
+    "serve il permesso: concedi a PellakCleaner l'Accesso completo al disco (pannello Permessi)";
+constexpr int kNotFound = 404;
+
+/// report.pdf and 1: "report (ripristinato 1).pdf"
+std::string conNumero(const std::string& percorso, std::size_t numero) {
+  const std::size_t nome = percorso.rfind('/') + 1;
+  const std::size_t punto = percorso.rfind('.');
+  const bool estensione = punto != std::string::npos && punto > nome && punto + 1 < percorso.size();
+  const std::string aggiunta = " (ripristinato " + std::to_string(numero) + ")";
+  if (!estensione) return percorso + aggiunta;
+  return percorso.substr(0, punto) + aggiunta + percorso.substr(punto);
+}
+
+std::string sopra(const std::string& percorso) {
+  const std::size_t barra = percorso.rfind('/');
+  return barra == 0 || barra == std::string::npos ? "/" : percorso.substr(0, barra);
+}
+
+}  // namespace
+
+/// One operation on its way back.
+struct Cestino::Ritorno {
+  std::unique_ptr<TrashBatch> batch;
+  Operazione operazione;
+  Intento intento;
+  std::unordered_set<std::string> promesse;  ///< destinations of the intent's steps
+  std::vector<std::size_t> fatti;
+  Esito esito;
+
+  void fallito(std::size_t indice, const char* perche) {
+    const std::string& orig = operazione.items[indice].orig;
+    esito.errors.push_back(std::string(ultimoComponente(orig)) + ": " + perche);
+  }
+  void fatto(std::size_t indice) {
+    fatti.push_back(indice);
+    esito.mosse.push_back(operazione.items[indice]);
+  }
+};
+
+Esito Cestino::ripristina(std::string_view id, std::optional<std::int64_t> indice) {
+  const auto preso = blocco();
+  if (!preso) return rifiutoDi(preso.error());
+  auto operazione = registro_.cerca(id);
+  if (!operazione) return rifiuto("operazione non trovata", kNotFound);
+  const auto quanti = static_cast<std::int64_t>(operazione->items.size());
+  if (indice && (*indice < 0 || *indice >= quanti)) return rifiuto("indice non valido");
+  Ritorno ritorno;
+  ritorno.batch = ambiente_.can.begin();
+  ritorno.operazione = std::move(*operazione);
+  ritorno.intento.ripristino = ritorno.operazione.id;
+  for (std::int64_t i = indice.value_or(0); i < (indice ? *indice + 1 : quanti); ++i) {
+    scegli(ritorno, static_cast<std::size_t>(i));
+  }
+  if (!ritorno.intento.passi.empty()) {
+    if (const auto scritto = intenti_.scrivi(ritorno.intento); !scritto) {
+      return rifiutoDi(scritto.error());
+    }
+  }
+  riporta(ritorno);
+  if (!ritorno.fatti.empty() && !ritorno.batch->sync()) {
+    ritorno.esito.avviso = "il disco non ha confermato la scrittura";
+  }
+  if (ritorno.fatti.empty() ||
+      registro_.segnaRipristino(ritorno.operazione.id, ritorno.fatti, ambiente_.clock.now())) {
+    static_cast<void>(intenti_.togli());
+  } else {
+    ritorno.esito.avviso = "il registro non è scrivibile: annoto il ripristino appena possibile";
+  }
+  return std::move(ritorno.esito);
+}
+
+/// Decides what becomes of one item: a reason why not, already back, or a step of the intent.
+void Cestino::scegli(Ritorno& ritorno, std::size_t indice) const {
+  const Mossa& mossa = ritorno.operazione.items[indice];
+  if (mossa.trash.empty()) return ritorno.fallito(indice, kNonTracciato);
+  const std::string orig = espandiTilde(mossa.orig, ambiente_.store.home());
+  // What was put back once, or was emptied and its name given to a later item, is not there.
+  const bool presente =
+      !mossa.rip && !mossa.superata && !ritorno.batch->locate({orig, mossa.trash, 0, 0, 0}).empty();
+  const auto voce = ambiente_.lister.attributes(mossa.trash);
+  if (!presente || !voce) return ritorno.fallito(indice, kNonPiu);
+  if (giaTornato(mossa.trash, orig)) return ritorno.fatto(indice);
+  const TrashPlan piano = {orig, mossa.trash, static_cast<std::uint64_t>(voce->dev), voce->ino, 0};
+  std::string dove = destinazione(orig, ritorno.promesse);
+  ritorno.promesse.insert(dove);
+  ritorno.intento.passi.push_back({piano, std::move(dove), indice});
+}
+
+void Cestino::riporta(Ritorno& ritorno) const {
+  for (const Intento::Passo& passo : ritorno.intento.passi) {
+    const auto prova = [&] {
+      return ritorno.batch->putBack(passo.piano.nelCestino, passo.destinazione);
+    };
+    auto tornato = prova();
+    if (!tornato && tornato.error().kind == ErrorKind::missing &&
+        ambiente_.files.makeFolder(sopra(passo.destinazione))) {
+      tornato = prova();
+    }
+    if (tornato) {
+      ritorno.fatto(passo.indice);
+    } else {
+      ritorno.fallito(passo.indice, kPermesso);
+    }
+  }
+}
+
+bool Cestino::giaTornato(const std::string& trash, const std::string& orig) const {
+  const auto dentro = ambiente_.lister.attributes(trash);
+  const auto fuori = ambiente_.lister.attributes(orig);
+  return dentro && fuori && dentro->type != EntryType::directory &&
+         fuori->type != EntryType::directory && dentro->size == fuori->size &&
+         dentro->mtime == fuori->mtime;
+}
+
+std::string Cestino::destinazione(const std::string& orig,
+                                  const std::unordered_set<std::string>& promesse) const {
+  const auto preso = [&](const std::string& percorso) {
+    const auto voce = ambiente_.lister.attributes(percorso);
+    if (!voce && voce.error().kind == ErrorKind::denied) registraDiniego(percorso);
+    return voce.ok() || promesse.contains(percorso);
+  };
+  std::string scelta = orig;
+  for (std::size_t numero = 1; preso(scelta); ++numero) scelta = conNumero(orig, numero);
+  return scelta;
+}
+
+}  // namespace pellak::trash

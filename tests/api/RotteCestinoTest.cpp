@@ -1,0 +1,198 @@
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <sys/stat.h>
+
+#include "api/Richieste.h"
+
+namespace pellak::api {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kHashX = "2d711642b726b04401627ca9fbac32f5c8530fb1903cc4db02258717921a4881";
+
+class RotteCestinoTest : public Richieste {
+ protected:
+  RotteCestinoTest() {
+    ::setenv("HOME", home.percorso().c_str(), 1);
+    ::unsetenv("XDG_DATA_HOME");
+  }
+
+  /// Every file of the user's, with its content: neither ours nor the Trash's.
+  std::map<std::string, std::string> utente() const {
+    std::map<std::string, std::string> visti;
+    for (const auto& voce : fs::recursive_directory_iterator(home / "dati")) {
+      const std::string percorso = voce.path().string();
+      if (fs::is_symlink(voce.symlink_status())) {
+        visti[percorso] = "-> " + fs::read_symlink(voce.path()).string();
+      } else if (voce.is_regular_file()) {
+        visti[percorso] = fakes::leggiFile(percorso);
+      }
+    }
+    return visti;
+  }
+
+  std::size_t nelCestino(const std::string& cartella) const {
+    const std::string percorso = home / ".local/share/Trash/" + cartella;
+    if (!fs::exists(percorso)) return 0;
+    return static_cast<std::size_t>(
+        std::distance(fs::directory_iterator(percorso), fs::directory_iterator()));
+  }
+
+  std::string primaOp() {
+    const auto documento = JsonDocument::parse(rispondi("/api/log").testo.str());
+    std::string id;
+    documento->radice()["ops"].perOgni([&](Json op) {
+      if (id.empty()) id = op.testo("id");
+    });
+    return id;
+  }
+
+  static Finding categoria(std::vector<std::string> percorsi) {
+    Finding finding;
+    finding.id = "duplicates";
+    finding.name = "Prova";
+    finding.mode = "delete";
+    for (std::string& percorso : percorsi) finding.items.push_back({std::move(percorso), 10, 0});
+    return finding;
+  }
+
+  Finding copie() {
+    Finding finding = categoria({});
+    Group gruppo;
+    gruppo.size = 1;
+    gruppo.hash = kHashX;
+    for (const char* nome : {"dati/a", "dati/b", "dati/c"}) {
+      fakes::scriviFile(home / nome, "x");
+      gruppo.paths.push_back(home / nome);
+    }
+    finding.groups.push_back(gruppo);
+    return finding;
+  }
+};
+
+TEST_F(RotteCestinoTest, ACategoryMovesIsLoggedAndComesBackWhateverTheNames) {
+  const std::string strano = home / "dati/\xff\n%\" nome";
+  fakes::scriviFile(strano, "uno");
+  fakes::scriviFile(home / "dati/q/doc.pdf", "due");
+  fakes::scriviFile(home / "dati/r/doc.pdf", "tre");
+  fakes::scriviFile(home / "dati/resta", "resta");
+  fs::create_symlink(home / "dati/resta", home / "dati/link");
+  const auto prima = utente();
+  trova(categoria({strano, home / "dati/q/doc.pdf", home / "dati/r/doc.pdf", home / "dati/link",
+                   home / "dati/sparito"}));
+  scandisci("duplicati");
+  EXPECT_EQ(chiedi("/api/trash", R"({"id":"duplicates"})"),
+            R"(200 {"ok":4,"failed":[{"percorso":")" + (home / "dati/sparito") +
+                R"(","err":"non esiste piu': era gia' stato rimosso"}]})");
+  EXPECT_EQ(utente(), (std::map<std::string, std::string>{{home / "dati/resta", "resta"}}));
+  EXPECT_EQ(nelCestino("files"), 4U);
+  EXPECT_EQ(nelCestino("info"), 4U);
+  EXPECT_FALSE(fs::exists(store.cartella() + "/cestino-intento.json"));
+  EXPECT_EQ(chiedi("/api/restore", R"({"op":")" + primaOp() + R"("})"),
+            R"(200 {"ok":true,"items":4,"errors":[]})");
+  EXPECT_EQ(utente(), prima);
+  EXPECT_EQ(nelCestino("files") + nelCestino("info"), 0U);
+  EXPECT_NE(chiedi("/api/log").find(R"("rip":true)"), std::string::npos);
+  EXPECT_EQ(chiedi("/api/restore", R"({"op":")" + primaOp() + R"(","index":0})").substr(0, 30),
+            R"(200 {"ok":true,"items":0,"erro)");
+  EXPECT_EQ(utente(), prima);
+}
+
+TEST_F(RotteCestinoTest, ATakenPlaceGetsANumberBeforeTheExtension) {
+  fakes::scriviFile(home / "dati/report.pdf", "vecchio");
+  trova(categoria({home / "dati/report.pdf"}));
+  scandisci("duplicati");
+  chiedi("/api/trash", R"({"id":"duplicates"})");
+  fakes::scriviFile(home / "dati/report.pdf", "un altro");
+  fakes::scriviFile(home / "dati/report (ripristinato 1).pdf", "anche");
+  EXPECT_EQ(chiedi("/api/restore", R"({"op":")" + primaOp() + R"("})"),
+            R"(200 {"ok":true,"items":1,"errors":[]})");
+  EXPECT_EQ(utente(), (std::map<std::string, std::string>{
+                          {home / "dati/report.pdf", "un altro"},
+                          {home / "dati/report (ripristinato 1).pdf", "anche"},
+                          {home / "dati/report (ripristinato 2).pdf", "vecchio"}}));
+}
+
+TEST_F(RotteCestinoTest, TheLastCopyStaysAndAChangedOneIsNoCopy) {
+  trova(copie());
+  scandisci("duplicati");
+  const auto prima = utente();
+  const std::string tutte =
+      "[\"" + (home / "dati/a") + "\",\"" + (home / "dati/b") + "\",\"" + (home / "dati/c") + "\"]";
+  EXPECT_EQ(chiedi("/api/dup_scarta", R"({"group":0,"paths":)" + tutte + "}"),
+            R"(409 {"err":"sarebbe l'ultima copia: non la cestino"})");
+  EXPECT_EQ(chiedi("/api/trash_sel", R"({"id":"duplicates","groups":[0]})"),
+            R"(409 {"err":"sarebbe l'ultima copia: non la cestino"})");
+  EXPECT_EQ(chiedi("/api/keep", R"({"group":1})"), R"(200 {"err":"gruppo inesistente"})");
+  EXPECT_EQ(utente(), prima);
+  fakes::scriviFile(home / "dati/a", "y");
+  EXPECT_EQ(chiedi("/api/keep", R"({"group":0,"keep":")" + (home / "dati/a") + R"("})"),
+            R"(200 {"err":"lo stato è cambiato: ricarica e riprova"})");
+  fs::remove(home / "dati/b");
+  fs::create_hard_link(home / "dati/c", home / "dati/b");
+  EXPECT_EQ(chiedi("/api/keep", R"({"group":0,"keep":")" + (home / "dati/c") + R"("})"),
+            R"(200 {"err":"lo stato è cambiato: ricarica e riprova"})");
+  EXPECT_EQ(nelCestino("files"), 0U);
+}
+
+TEST_F(RotteCestinoTest, KeepAllLeavesOneGoodCopyOfEachSet) {
+  trova(copie());
+  scandisci("duplicati");
+  fakes::scriviFile(home / "dati/a", "y");
+  EXPECT_EQ(chiedi("/api/keep_all"), R"(200 {"ok":2,"failed":[],"quante":2,"saltati":[]})");
+  EXPECT_EQ(utente(), (std::map<std::string, std::string>{{home / "dati/b", "x"}}));
+  EXPECT_EQ(chiedi("/api/keep_all"), R"(200 {"err":"nessun duplicato in elenco"})");
+}
+
+TEST_F(RotteCestinoTest, WhatTheHomeAndTheTrashAreMadeOfIsRefused) {
+  fakes::scriviFile(store.cartella() + "/impostazioni.json", "{}");
+  fs::create_directories(home / ".local/share/Trash/files/x");
+  fakes::scriviFile(home / "dati/vero/dentro", "z");
+  fs::create_symlink(home / "dati/vero", home / "dati/falso");
+  trova(categoria({home.percorso(), "/", "/usr/bin/env", home / "Library", store.cartella(),
+                   store.cartella() + "/impostazioni.json", home / ".local/share/Trash",
+                   home / ".local/share/Trash/files/x", home / "dati/../dati/vero",
+                   home / "dati/falso/dentro"}));
+  scandisci("duplicati");
+  const std::string risposta = chiedi("/api/trash", R"({"id":"duplicates"})");
+  EXPECT_EQ(risposta.substr(0, 11), "200 {\"ok\":0");
+  std::size_t rifiuti = 0;
+  for (std::size_t i = 0; (i = risposta.find("percorso non valido", i)) != std::string::npos; ++i) {
+    ++rifiuti;
+  }
+  EXPECT_EQ(rifiuti, 9U) << risposta;
+  EXPECT_EQ(fakes::leggiFile(home / "dati/vero/dentro"), "z") << "reached through a link";
+  EXPECT_FALSE(fs::exists(store.registro()));
+}
+
+TEST_F(RotteCestinoTest, ATrashThatIsALinkIsNotUsed) {
+  fs::create_directories(home / ".local/share");
+  fs::create_directories(home / "altrove");
+  fs::create_symlink(home / "altrove", home / ".local/share/Trash");
+  fakes::scriviFile(home / "dati/a", "x");
+  trova(categoria({home / "dati/a"}));
+  scandisci("duplicati");
+  EXPECT_EQ(chiedi("/api/trash", R"({"id":"duplicates"})").substr(0, 11), "200 {\"ok\":0");
+  EXPECT_TRUE(fs::is_empty(home / "altrove"));
+  EXPECT_EQ(fakes::leggiFile(home / "dati/a"), "x");
+}
+
+TEST_F(RotteCestinoTest, ATornLineIsSkippedAndKept) {
+  fakes::scriviFile(store.registro(),
+                    "{\"id\":\"UNO\",\"azione\":\"A\",\"items\":[]}\n{\"id\":\"DU");
+  fakes::scriviFile(home / "dati/a", "x");
+  trova(categoria({home / "dati/a"}));
+  scandisci("duplicati");
+  chiedi("/api/trash", R"({"id":"duplicates"})");
+  const std::string log = chiedi("/api/log");
+  EXPECT_NE(log.find("Categoria: Prova"), std::string::npos);
+  EXPECT_NE(log.find("UNO"), std::string::npos);
+  EXPECT_NE(fakes::leggiFile(store.registro()).find("\n{\"id\":\"DU\n"), std::string::npos);
+  EXPECT_EQ(chiedi("/api/restore", R"({"op":"DU"})"), R"(404 {"err":"operazione non trovata"})");
+}
+
+}  // namespace
+}  // namespace pellak::api
