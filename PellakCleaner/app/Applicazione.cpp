@@ -99,7 +99,7 @@ Applicazione::Applicazione(std::unique_ptr<Native> native, Ambiente ambiente,
                impostazioni_, Store(ambiente_.home), ambiente_.rulesPath, ambiente_.spostamenti,
                scanners::tabellaScanner(), std::move(avviso), nullptr}),
       cestino_({platform_.files, *reader_, platform_.lister, platform_.clock, platform_.trash,
-                Store(ambiente_.home), nullptr}),
+                Store(ambiente_.home), [this] { platform_.suono.movedToTrash(); }}),
       operazioni_(engine_, cestino_, platform_.applicazioni, *reader_),
       router_({engine_, impostazioni_, platform_.fileManager, platform_.applicazioni,
                platform_.files, ambiente_.famiglia, operazioni_, ambiente_.home}) {

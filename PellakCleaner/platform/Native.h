@@ -9,6 +9,7 @@
 #include "platform/FileManager.h"
 #include "platform/Files.h"
 #include "platform/ProcessLauncher.h"
+#include "platform/SoundPlayer.h"
 #include "platform/ToolFamily.h"
 #include "platform/TrashCan.h"
 
@@ -24,6 +25,7 @@ struct Platform {
   FileManager& fileManager;
   Applications& applicazioni;
   TrashCan& trash;
+  SoundPlayer& suono;
 };
 
 /// Owns the back ends. Making one starts nothing, and opens nothing but the standard streams that

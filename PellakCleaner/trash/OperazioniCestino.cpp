@@ -173,6 +173,7 @@ std::optional<Lotto> OperazioniCestino::scarta(const Group& gruppo, std::size_t 
                                                const std::vector<std::size_t>& via,
                                                Esito& esito) const {
   std::vector<std::string> percorsi;
+  percorsi.reserve(via.size());
   for (const std::size_t copia : via) percorsi.push_back(gruppo.paths[copia]);
   const auto stato = copie_.conservabile(gruppo, tenuta, percorsi);
   if (!stato) return {};

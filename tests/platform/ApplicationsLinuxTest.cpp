@@ -224,10 +224,11 @@ TEST_F(ApplicationsLinuxTest, SeesRealProgramsAndScriptsRunAndEnd) {
   EXPECT_TRUE(runs("finto") && runs("copione"));
   EXPECT_FALSE(runs("shell")) << "any shell is not this one";
   EXPECT_TRUE(applications.running({"", "", "", program})) << "not installed, but known by path";
-  for (auto* child : {&first, &second}) {
-    (**child)->kill();
-    (**child)->wait();
-  }
+  EXPECT_TRUE(applications.quit(*applications.find("finto")));
+  EXPECT_TRUE((*first)->wait().signalled);
+  EXPECT_FALSE((*second)->ended()) << "nobody asked the other one";
+  (*second)->kill();
+  (*second)->wait();
   EXPECT_FALSE(runs("finto") || runs("copione"));
 }
 

@@ -6,6 +6,7 @@
 #include "platform/linux/ApplicationsLinux.h"
 #include "platform/linux/DirectoryListerLinux.h"
 #include "platform/linux/FileManagerLinux.h"
+#include "platform/linux/SoundPlayerLinux.h"
 #include "platform/linux/TrashCanLinux.h"
 #include "platform/posix/ClockPosix.h"
 #include "platform/posix/FilesPosix.h"
@@ -19,7 +20,7 @@ namespace {
 class NativeLinux : public Native {
  public:
   Platform platform() override {
-    return {files_, clock_, lister_, launcher_, fileManager_, applicazioni_, trash_};
+    return {files_, clock_, lister_, launcher_, fileManager_, applicazioni_, trash_, suono_};
   }
 
   FamigliaStrumenti famiglia() const override { return FamigliaStrumenti::linux; }
@@ -41,6 +42,7 @@ class NativeLinux : public Native {
   native::FileManagerLinux fileManager_{launcher_};
   native::ApplicationsLinux applicazioni_;
   native::TrashCanLinux trash_;
+  native::SoundPlayerLinux suono_{launcher_};
 };
 
 }  // namespace

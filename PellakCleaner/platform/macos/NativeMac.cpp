@@ -6,6 +6,7 @@
 #include "platform/macos/ApplicationsMac.h"
 #include "platform/macos/DirectoryListerMac.h"
 #include "platform/macos/FileManagerMac.h"
+#include "platform/macos/SoundPlayerMac.h"
 #include "platform/macos/TrashCanMac.h"
 #include "platform/posix/ClockPosix.h"
 #include "platform/posix/FilesPosix.h"
@@ -19,7 +20,7 @@ namespace {
 class NativeMac : public Native {
  public:
   Platform platform() override {
-    return {files_, clock_, lister_, launcher_, fileManager_, applicazioni_, trash_};
+    return {files_, clock_, lister_, launcher_, fileManager_, applicazioni_, trash_, suono_};
   }
 
   FamigliaStrumenti famiglia() const override { return FamigliaStrumenti::macos; }
@@ -43,6 +44,7 @@ class NativeMac : public Native {
   native::FileManagerMac fileManager_;
   native::ApplicationsMac applicazioni_;
   native::TrashCanMac trash_;
+  native::SoundPlayerMac suono_;
 };
 
 }  // namespace
