@@ -17,6 +17,7 @@ DEBIAN_RUN=(
   ninja-build
   pkg-config
   xdg-utils
+  zlib1g-dev
 )
 DEBIAN_TEST=(
   clang

@@ -55,6 +55,10 @@ Engine::~Engine() {
   if (!icone_.salva()) avvisa("icone non salvate");
 }
 
+void Engine::dopo(std::chrono::milliseconds attesa, std::function<void()> task) {
+  workQ_.postAfter(attesa, std::move(task));
+}
+
 void Engine::avvisa(const std::string& testo) const {
   if (ambiente_.avviso) ambiente_.avviso(testo);
 }

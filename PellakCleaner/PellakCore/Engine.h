@@ -74,6 +74,10 @@ class Engine {
   /// scan is queued or running; then nothing changes. `automatica` marks the periodic check's.
   bool start(std::string_view sezione, bool automatica = false);
 
+  /// Runs a task on the engine's queue, behind the scans, once `attesa` has passed. Dropped when
+  /// the engine goes first.
+  void dopo(std::chrono::milliseconds attesa, std::function<void()> task);
+
   /// Asks the running scan to stop. Takes no lock and returns at once.
   void stop() noexcept;
 

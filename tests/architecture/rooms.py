@@ -42,7 +42,7 @@ ARROWS = {
     "scanners": {"core", "walker", "commands", "base", "seam"},
     "trash": {"core", "commands", "base", "seam"},
     "api": {"trash", "scanners", "tools", "updates", "core", "walker", "commands", "base", "seam"},
-    "shell": {"api", "core", "tools", "updates", "base", "seam"},
+    "shell": {"api", "core", "commands", "tools", "updates", "base", "seam"},
 }
 BACK_ENDS = {"posix", "linux", "macos"}
 
@@ -68,6 +68,7 @@ LIBRARIES = [
     ("fmt/", set(ARROWS) - {"seam", "native"} | {"app"}),
     ("boost/json", {"base"}),
     ("CLI/", {"app"}),
+    ("zlib.h", {"shell"}),
 ]
 
 STANDARD_HEADERS = set(

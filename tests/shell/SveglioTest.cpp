@@ -1,0 +1,88 @@
+#include <gtest/gtest.h>
+#include <set>
+
+#include "fakes/FakeLoop.h"
+#include "shell/Sveglio.h"
+
+namespace pellak::shell {
+namespace {
+
+class Sistema final : public KeepAwake {
+ public:
+  std::optional<std::uint32_t> acquire(const std::string& motivo) override {
+    EXPECT_EQ(motivo, "Pellak Cleaner: tieni sveglio il Mac");
+    if (rifiuta) return {};
+    attive.insert(++ultima);
+    return ultima;
+  }
+  void release(std::uint32_t id) override { EXPECT_EQ(attive.erase(id), 1U); }
+
+  bool rifiuta = false;
+  std::set<std::uint32_t> attive;
+  std::uint32_t ultima = 0;
+};
+
+class SveglioTest : public testing::Test {
+ protected:
+  std::string titolo() const { return sveglio.titolo().testo; }
+
+  fakes::FakeClock clock;
+  fakes::FakeLoop loop{clock};
+  Sistema sistema;
+  int cambi = 0;
+  Sveglio sveglio{sistema, loop, clock, [this] { ++cambi; }};
+};
+
+TEST_F(SveglioTest, CountsDownAndEndsByItself) {
+  EXPECT_EQ(sveglio.titolo(), (TitoloSveglio{"Tieni sveglio il Mac", false}));
+  sveglio.avvia(Sveglio::kMezzOra);
+  EXPECT_EQ(sveglio.titolo(), (TitoloSveglio{"Tieni sveglio: attivo — 30 min rimasti", true}));
+  loop.pass(89);
+  EXPECT_EQ(titolo(), "Tieni sveglio: attivo — 29 min rimasti");
+  loop.pass(1800 - 89 - 5);
+  EXPECT_EQ(titolo(), "Tieni sveglio: attivo — 1 min rimasti");
+  EXPECT_EQ(sistema.attive.size(), 1U);
+  loop.pass(5);
+  EXPECT_FALSE(sveglio.attivo());
+  EXPECT_TRUE(sistema.attive.empty());
+  EXPECT_EQ(cambi, 2);
+}
+
+TEST_F(SveglioTest, AnotherChoiceReplacesTheRequestAndTheTimer) {
+  sveglio.avvia(Sveglio::kMezzOra);
+  sveglio.avvia(Sveglio::kDueOre);
+  EXPECT_EQ(sistema.attive.size(), 1U);
+  loop.pass(1800);
+  EXPECT_EQ(titolo(), "Tieni sveglio: attivo — 90 min rimasti");
+  sveglio.avvia({});
+  EXPECT_EQ(sveglio.titolo(), (TitoloSveglio{"Tieni sveglio: attivo", true}));
+  loop.pass(100'000);
+  EXPECT_TRUE(sveglio.attivo());
+  sveglio.ferma();
+  const int prima = cambi;
+  sveglio.ferma();
+  EXPECT_EQ(cambi, prima) << "nothing to end";
+  EXPECT_TRUE(sistema.attive.empty());
+  EXPECT_TRUE(loop.timers.empty());
+}
+
+TEST_F(SveglioTest, StaysOffWhenTheSystemRefuses) {
+  sistema.rifiuta = true;
+  sveglio.avvia(Sveglio::kMezzOra);
+  EXPECT_EQ(sveglio.titolo(), (TitoloSveglio{"Tieni sveglio il Mac", false}));
+  EXPECT_TRUE(loop.timers.empty());
+}
+
+TEST(SveglioEnd, GivesTheRequestBack) {
+  fakes::FakeClock clock;
+  fakes::FakeLoop loop(clock);
+  Sistema sistema;
+  {
+    Sveglio sveglio(sistema, loop, clock, [] {});
+    sveglio.avvia(Sveglio::kMezzOra);
+  }
+  EXPECT_TRUE(sistema.attive.empty() && loop.timers.empty());
+}
+
+}  // namespace
+}  // namespace pellak::shell
