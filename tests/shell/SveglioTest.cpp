@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <set>
 
-#include "fakes/FakeLoop.h"
+#include "fakes/FakeDesktop.h"
 #include "shell/Sveglio.h"
 
 namespace pellak::shell {
@@ -27,7 +27,7 @@ class SveglioTest : public testing::Test {
   std::string titolo() const { return sveglio.titolo().testo; }
 
   fakes::FakeClock clock;
-  fakes::FakeLoop loop{clock};
+  fakes::FakeDesktop loop{clock};
   Sistema sistema;
   int cambi = 0;
   Sveglio sveglio{sistema, loop, clock, [this] { ++cambi; }};
@@ -75,7 +75,7 @@ TEST_F(SveglioTest, StaysOffWhenTheSystemRefuses) {
 
 TEST(SveglioEnd, GivesTheRequestBack) {
   fakes::FakeClock clock;
-  fakes::FakeLoop loop(clock);
+  fakes::FakeDesktop loop(clock);
   Sistema sistema;
   {
     Sveglio sveglio(sistema, loop, clock, [] {});
