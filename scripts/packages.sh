@@ -31,6 +31,7 @@ DEBIAN_TEST=(
   rmlint
   shellcheck
   strace
+  trash-cli
 )
 BREW_RUN=(boost ccache cli11 cmake fmt ninja)
 BREW_TEST=(clang-format googletest llvm python shellcheck)

@@ -23,8 +23,9 @@ struct Group {
   std::string prog;
   std::string url;
   std::string desc;
-  std::vector<std::int64_t> pesi;   ///< one size per entry of `paths`
-  std::vector<double> mtimes;       ///< one per entry of `paths` of a duplicate set: last write
+  std::vector<std::int64_t> pesi;  ///< one size per entry of `paths`
+  /// One per entry of `paths` of a duplicate set: last write, nanoseconds since 1970.
+  std::vector<std::int64_t> mtimesNs;
   std::vector<std::string> deboli;  ///< entries weakly tied to the group, shown apart
   std::string label;
   std::string dominio;  ///< "gui/" and the user id, or "system"

@@ -27,9 +27,9 @@ void scriviGruppo(JsonWriter& uscita, const Group& gruppo) {
   uscita.key("pesi").beginArray();
   for (const std::int64_t peso : gruppo.pesi) uscita.integer(peso);
   uscita.endArray();
-  if (!gruppo.mtimes.empty()) {
-    uscita.key("mtimes").beginArray();
-    for (const double scritta : gruppo.mtimes) uscita.number(scritta);
+  if (!gruppo.mtimesNs.empty()) {
+    uscita.key("mtimes_ns").beginArray();
+    for (const std::int64_t scritta : gruppo.mtimesNs) uscita.integer(scritta);
     uscita.endArray();
   }
   uscita.key("deboli").texts(gruppo.deboli);
@@ -94,8 +94,8 @@ Group leggiGruppo(Json voce) {
   gruppo.label = voce.testo("label");
   gruppo.dominio = voce.testo("dominio");
   voce["pesi"].perOgni([&](Json peso) { gruppo.pesi.push_back(leggiByte(peso)); });
-  voce["mtimes"].perOgni(
-      [&](Json scritta) { gruppo.mtimes.push_back(scritta.numero().value_or(0)); });
+  voce["mtimes_ns"].perOgni(
+      [&](Json scritta) { gruppo.mtimesNs.push_back(scritta.intero().value_or(0)); });
   gruppo.deboli = voce.testi("deboli");
   gruppo.spento = voce.booleano("spento", false);
   return gruppo;

@@ -37,6 +37,7 @@ Risposta spostata(const Esito& esito, bool saltati = false, bool quante = false)
   }
   uscita.endArray();
   if (!esito.avviso.empty()) uscita.key("avviso").text(esito.avviso);
+  if (!esito.op.empty()) uscita.key("op").text(esito.op).key("tot").integer(esito.tot);
   if (quante) uscita.key("quante").integer(mosse);
   if (saltati) uscita.key("saltati").texts(esito.saltati);
   return conTesto(uscita.endObject().take());
@@ -99,7 +100,8 @@ Risposta restore(Servizi& servizi, Json corpo) {
   JsonWriter uscita;
   uscita.beginObject().key("ok").boolean(true);
   uscita.key("items").integer(static_cast<std::int64_t>(esito.mosse.size()));
-  uscita.key("errors").texts(esito.errors);
+  uscita.key("errors").texts(esito.errors).key("percorsi").texts(esito.tornati);
+  if (!esito.rinominati.empty()) uscita.key("rinominati").texts(esito.rinominati);
   if (!esito.avviso.empty()) uscita.key("avviso").text(esito.avviso);
   return conTesto(uscita.endObject().take());
 }

@@ -106,4 +106,12 @@ Applicazione::Applicazione(std::unique_ptr<Native> native, Ambiente ambiente,
   cestino_.riprendi();
 }
 
+std::optional<trash::Operazione> Applicazione::operazione(std::string_view id) {
+  std::optional<trash::Operazione> trovata;
+  operazioni_.log([&](const trash::Operazione& operazione) {
+    if (!trovata && operazione.id == id) trovata = operazione;
+  });
+  return trovata;
+}
+
 }  // namespace pellak::app

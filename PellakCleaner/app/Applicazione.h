@@ -2,7 +2,9 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "PellakCore/Engine.h"
@@ -37,6 +39,10 @@ class Applicazione {
 
   Engine& engine() { return engine_; }
   api::Router& router() { return router_; }
+  trash::OperazioniCestino& operazioni() { return operazioni_; }
+  FileReader& reader() { return *reader_; }
+  /// A copy of one operation of the log; nothing when there is none.
+  std::optional<trash::Operazione> operazione(std::string_view id);
   const std::string& home() const { return ambiente_.home; }
 
  private:

@@ -16,6 +16,7 @@
 #include "PellakCore/base/Utf8.h"
 #include "app/Applicazione.h"
 #include "app/Interruzione.h"
+#include "app/Quantita.h"
 #include "app/Terminale.h"
 #include "app/Uscita.h"
 
@@ -141,10 +142,8 @@ int comandoMap(Applicazione& applicazione, const OpzioniMap& opzioni) {
   }
   const int stato = chiudiUscita();
   if (mappa.nonLeggibili > 0) {
-    fmt::print(
-        stderr, "{} non leggibil{}: il totale è parziale.\n",
-        mappa.nonLeggibili == 1 ? "1 elemento" : fmt::format("{} elementi", mappa.nonLeggibili),
-        mappa.nonLeggibili == 1 ? "e" : "i");
+    fmt::print(stderr, "{}: il totale è parziale.\n",
+               quantita(mappa.nonLeggibili, "elemento non leggibile", "elementi non leggibili"));
   }
   return stato;
 }

@@ -10,6 +10,7 @@
 #include "PellakCore/base/Formati.h"
 #include "PellakCore/base/JsonWriter.h"
 #include "app/Applicazione.h"
+#include "app/Quantita.h"
 #include "app/Terminale.h"
 #include "app/Uscita.h"
 
@@ -20,9 +21,7 @@ using FindingDiSezione = Engine::FindingDiSezione;
 
 constexpr int kUnknownFinding = 2;
 
-std::string quanteVoci(std::int64_t numero) {
-  return numero == 1 ? "1 voce" : std::to_string(numero) + " voci";
-}
+std::string quanteVoci(std::int64_t numero) { return quantita(numero, "voce", "voci"); }
 
 std::string senzaIcona(std::string_view /*chiave*/) { return {}; }
 
@@ -69,9 +68,10 @@ void stampaVoci(const Finding& finding, const std::string& home) {
     tabella.riga({dimensione(voce.size), date.testo(voce.mtime),
                   perTerminale(percorsoMostrato(voce.path, home))});
   }
-  for (const Group& gruppo : finding.groups) {
-    const std::string nome = gruppo.name.empty() ? std::string() : perTerminale(gruppo.name);
-    tabella.riga({dimensione(gruppo.size), "", nome});
+  for (std::size_t i = 0; i < finding.groups.size(); ++i) {
+    const Group& gruppo = finding.groups[i];
+    tabella.riga(
+        {dimensione(gruppo.size), "gruppo " + std::to_string(i), perTerminale(gruppo.name)});
     for (const std::string& percorso : gruppo.paths) {
       tabella.riga({"", "", "  " + perTerminale(percorsoMostrato(percorso, home))});
     }

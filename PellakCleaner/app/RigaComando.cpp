@@ -65,11 +65,18 @@ struct Righe {
   OpzioniScan scan;
   OpzioniShow show;
   OpzioniMap map;
+  OpzioniTrash trash;
+  OpzioniLog log;
+  OpzioniRestore restore;
   OpzioniApi api;
   std::int64_t limite = -1;
+  std::int64_t indice = -1;
   CLI::App* comandoScan = nullptr;
   CLI::App* comandoShow = nullptr;
   CLI::App* comandoMap = nullptr;
+  CLI::App* comandoTrash = nullptr;
+  CLI::App* comandoLog = nullptr;
+  CLI::App* comandoRestore = nullptr;
   CLI::App* comandoApi = nullptr;
   CLI::App* comandoBridge = nullptr;
 
@@ -101,6 +108,31 @@ struct Righe {
     comandoMap->add_flag("--json", map.json, "Stampa in JSON");
   }
 
+  void aggiungiTrash() {
+    comandoTrash =
+        app.add_subcommand("trash", "Sposta nel Cestino un risultato, dopo aver chiesto");
+    comandoTrash->add_option("FINDING", trash.finding, "Id del risultato")->required();
+    comandoTrash
+        ->add_option("--group", trash.gruppi,
+                     "Dopo FINDING: solo questi gruppi, con i numeri di «show»")
+        ->check(CLI::Range(std::int64_t{0}, kMaxLimit))
+        ->option_text("N...");
+    comandoTrash->add_flag("--yes", trash.senzaChiedere, "Non chiede conferma");
+  }
+
+  void aggiungiRegistro() {
+    comandoLog = app.add_subcommand("log", "Mostra che cosa è stato spostato nel Cestino");
+    CLI::Option* operazione =
+        comandoLog->add_option("OP", log.operazione, "Id di un'operazione: ne elenca gli elementi");
+    comandoLog->add_flag("--json", log.json, "Stampa in JSON")->excludes(operazione);
+    comandoRestore = app.add_subcommand("restore", "Rimette a posto gli elementi di un'operazione");
+    comandoRestore->add_option("OP", restore.operazione, "Id dell'operazione, da «log»")
+        ->required();
+    comandoRestore->add_option("--index", indice, "Solo un elemento, con il suo indice di «log OP»")
+        ->check(CLI::Range(std::int64_t{0}, kMaxLimit))
+        ->option_text("N");
+  }
+
   void aggiungiAltri() {
     comandoApi = app.add_subcommand("api", "Una richiesta al programma, con risposta in JSON");
     comandoApi->add_option("ROUTE", api.rotta, "Rotta, per esempio /api/state")->required();
@@ -118,6 +150,8 @@ struct Righe {
     aggiungiScan();
     aggiungiShow();
     aggiungiMap();
+    aggiungiTrash();
+    aggiungiRegistro();
     aggiungiAltri();
     intestazioniItaliane(app);
     for (CLI::App* comando : app.get_subcommands(nullptr)) intestazioniItaliane(*comando);
@@ -125,9 +159,13 @@ struct Righe {
 
   Comando scelto() {
     if (limite >= 0) show.limite = limite;
+    if (indice >= 0) restore.indice = indice;
     if (comandoScan->parsed()) return scan;
     if (comandoShow->parsed()) return show;
     if (comandoMap->parsed()) return map;
+    if (comandoTrash->parsed()) return trash;
+    if (comandoLog->parsed()) return log;
+    if (comandoRestore->parsed()) return restore;
     if (comandoApi->parsed()) return api;
     if (comandoBridge->parsed()) return OpzioniBridge();
     return OpzioniFinestra();

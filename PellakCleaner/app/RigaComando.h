@@ -3,9 +3,12 @@
 #include <string>
 #include <variant>
 
+#include "app/ComandoLog.h"
 #include "app/ComandoMap.h"
+#include "app/ComandoRestore.h"
 #include "app/ComandoScan.h"
 #include "app/ComandoShow.h"
+#include "app/ComandoTrash.h"
 
 namespace pellak::app {
 
@@ -20,8 +23,8 @@ struct Uscito {
   int stato = 0;
 };
 
-using Comando = std::variant<OpzioniFinestra, OpzioniScan, OpzioniShow, OpzioniMap, OpzioniApi,
-                             OpzioniBridge, Uscito>;
+using Comando = std::variant<OpzioniFinestra, OpzioniScan, OpzioniShow, OpzioniMap, OpzioniTrash,
+                             OpzioniLog, OpzioniRestore, OpzioniApi, OpzioniBridge, Uscito>;
 
 /// Reads the command line. Help and version go to standard output, mistakes in Italian to
 /// standard error (exit status 2).

@@ -33,6 +33,8 @@ void consegna() {
   if (std::fflush(stdout) != 0) annota(errno);
 }
 
+bool uscitaPersa() { return primoErrore != 0; }
+
 int chiudiUscita() {
   consegna();
   const int perche = primoErrore;

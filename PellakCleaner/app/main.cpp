@@ -8,13 +8,17 @@
 #include <set>
 #include <string>
 #include <utility>
+#include <variant>
 
 #include "app/Applicazione.h"
 #include "app/ComandoApi.h"
 #include "app/ComandoBridge.h"
+#include "app/ComandoLog.h"
 #include "app/ComandoMap.h"
+#include "app/ComandoRestore.h"
 #include "app/ComandoScan.h"
 #include "app/ComandoShow.h"
+#include "app/ComandoTrash.h"
 #include "app/RigaComando.h"
 #include "app/Terminale.h"
 #include "platform/Native.h"
@@ -42,11 +46,31 @@ int apriFinestra() {
   const bool schermo =
       std::getenv("DISPLAY") != nullptr || std::getenv("WAYLAND_DISPLAY") != nullptr;
   fmt::print(stderr,
-             "{}: usa il terminale con «pellak-cleaner scan», «show», «api» o «bridge» (aiuto: "
-             "«pellak-cleaner --help»).\n",
+             "{}: usa il terminale con «pellak-cleaner scan», «show», «map», «trash», «log» o "
+             "«restore» (aiuto: «pellak-cleaner --help»).\n",
              schermo ? "questa versione non ha ancora la finestra" : "nessuno schermo disponibile");
   return 1;
 }
+
+/// Runs the command that was read; those that need no application are answered before.
+struct Esecutore {
+  Applicazione& applicazione;
+
+  int operator()(const OpzioniScan& scan) const { return comandoScan(applicazione, scan); }
+  int operator()(const OpzioniShow& show) const { return comandoShow(applicazione, show); }
+  int operator()(const OpzioniMap& map) const { return comandoMap(applicazione, map); }
+  int operator()(const OpzioniTrash& trash) const { return comandoTrash(applicazione, trash); }
+  int operator()(const OpzioniLog& log) const { return comandoLog(applicazione, log); }
+  int operator()(const OpzioniRestore& restore) const {
+    return comandoRestore(applicazione, restore);
+  }
+  int operator()(const OpzioniApi& api) const {
+    return comandoApi(applicazione, api.rotta, api.corpo);
+  }
+  int operator()(const OpzioniBridge& /*bridge*/) const { return comandoBridge(applicazione); }
+  int operator()(const OpzioniFinestra& /*finestra*/) const { return apriFinestra(); }
+  int operator()(const Uscito& uscito) const { return uscito.stato; }
+};
 
 int esegui(const Comando& comando) {
   if (const auto* uscito = std::get_if<Uscito>(&comando)) return uscito->stato;
@@ -61,15 +85,7 @@ int esegui(const Comando& comando) {
   const auto avvisi = std::make_shared<Avvisi>();
   Applicazione applicazione(std::move(native), std::move(*ambiente),
                             [avvisi](const std::string& testo) { (*avvisi)(testo); });
-  if (const auto* scan = std::get_if<OpzioniScan>(&comando))
-    return comandoScan(applicazione, *scan);
-  if (const auto* show = std::get_if<OpzioniShow>(&comando))
-    return comandoShow(applicazione, *show);
-  if (const auto* map = std::get_if<OpzioniMap>(&comando)) return comandoMap(applicazione, *map);
-  if (const auto* api = std::get_if<OpzioniApi>(&comando)) {
-    return comandoApi(applicazione, api->rotta, api->corpo);
-  }
-  return comandoBridge(applicazione);
+  return std::visit(Esecutore{applicazione}, comando);
 }
 
 }  // namespace

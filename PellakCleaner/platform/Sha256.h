@@ -25,6 +25,9 @@ class TwinSha256 {
   /// The same as an `update` of each; fastest with equal lengths that are multiples of 64.
   virtual void updateBoth(std::span<const std::byte> first, std::span<const std::byte> second) = 0;
 
+  /// Another object whose lane 0 goes on from where `lane` is.
+  virtual std::unique_ptr<TwinSha256> fork(std::size_t lane) const = 0;
+
   /// The digest of all that the lane was given; the lane then begins anew.
   virtual Sha256Digest finish(std::size_t lane) = 0;
 };

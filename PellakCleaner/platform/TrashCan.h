@@ -40,8 +40,9 @@ class TrashBatch {
   /// its name there but came from elsewhere is another item.
   virtual std::string locate(const TrashPlan& piano) = 0;
 
-  /// Moves an item of the Trash to `destinazione` and takes its record out of the Trash. Nothing is
-  /// replaced, nothing copied. Errors: as for `move`; missing also when the folder is not there.
+  /// Moves an item of the Trash to `destinazione`; its record leaves the Trash in `sync` at the
+  /// latest. Nothing is replaced, nothing copied. Errors: as for `move`; missing also when the
+  /// folder is not there.
   virtual Result<void> putBack(std::string_view nelCestino, std::string_view destinazione) = 0;
 
   /// Takes away what a process that ended too early left of a planned move, or of a way back: the

@@ -66,7 +66,7 @@ Esito Cestino::rifiutoDi(const Error& errore) {
   }
 }
 
-Esito Cestino::sposta(const Titolo& titolo, std::span<const Lotto> lotti) {
+Esito Cestino::trashWithSound(const Titolo& titolo, std::span<const Lotto> lotti) {
   const auto preso = blocco();
   if (!preso) return rifiutoDi(preso.error());
   Lavoro lavoro;
@@ -77,7 +77,7 @@ Esito Cestino::sposta(const Titolo& titolo, std::span<const Lotto> lotti) {
   operazione.id = nuovoId();
   operazione.ts = ambiente_.clock.now();
   operazione.azione = titolo(lavoro.voci.size());
-  if (const auto scritto = muovi(lavoro, lotti); !scritto) return rifiutoDi(scritto.error());
+  if (const auto scritto = trashAll(lavoro, lotti); !scritto) return rifiutoDi(scritto.error());
   return concludi(lavoro, titolo);
 }
 
@@ -104,7 +104,7 @@ void Cestino::prepara(Lavoro& lavoro, std::span<const Lotto> lotti) const {
 }
 
 /// A failure means that nothing was moved: once something was, the intent of before is on disk.
-Result<void> Cestino::muovi(Lavoro& lavoro, std::span<const Lotto> lotti) {
+Result<void> Cestino::trashAll(Lavoro& lavoro, std::span<const Lotto> lotti) {
   std::vector<std::optional<bool>> ammessi(lotti.size());
   bool restano = true;
   for (int tentativo = 0; restano && tentativo < kTentativi; ++tentativo) {
@@ -166,8 +166,10 @@ Esito Cestino::concludi(Lavoro& lavoro, const Titolo& titolo) {
     fatta.azione = titolo(esito.mosse.size());
     fatta.tot = lavoro.liberati;
     fatta.items = esito.mosse;
+    esito.op = fatta.id;
+    esito.tot = fatta.tot;
     // Without a record the intent stays: the next operation or start writes the record from it.
-    if (!registro_.aggiungi(fatta)) {
+    if (!registro_.logOperation(fatta)) {
       esito.avviso = kNonScritto;
       return std::move(esito);
     }

@@ -57,12 +57,16 @@ struct Fallito {
 struct Esito {
   std::string err;
   int stato = 200;
-  std::string avviso;   ///< the items moved, but something about them went wrong
-  std::string nomeApp;  ///< the application that keeps the operation from happening
+  std::string avviso;    ///< the items moved, but something about them went wrong
+  std::string nomeApp;   ///< the application that keeps the operation from happening
+  std::string op;        ///< the record's id, when something moved
+  std::int64_t tot = 0;  ///< bytes that moved, as the scan measured them
   std::vector<Mossa> mosse;
   std::vector<Fallito> failed;
   std::vector<std::string> saltati;
-  std::vector<std::string> errors;  ///< of a restore: file name and why
+  std::vector<std::string> errors;      ///< of a restore: file name and why
+  std::vector<std::string> tornati;     ///< of a restore: where each of `mosse` lies now
+  std::vector<std::string> rinominati;  ///< those of them that found their place taken
 };
 
 /// An operation that is refused.
@@ -81,10 +85,10 @@ class Cestino {
   explicit Cestino(AmbienteCestino ambiente);
 
   /// One failure never stops the rest.
-  Esito sposta(const Titolo& titolo, std::span<const Lotto> lotti);
+  Esito trashWithSound(const Titolo& titolo, std::span<const Lotto> lotti);
 
   /// Puts back all items of an operation, or one of them.
-  Esito ripristina(std::string_view operazione, std::optional<std::int64_t> indice);
+  Esito restore(std::string_view operazione, std::optional<std::int64_t> indice);
 
   /// Turns what an interrupted operation moved into a record. Does nothing while another process
   /// is at work on the Trash.
@@ -100,7 +104,7 @@ class Cestino {
   Result<std::unique_ptr<FileLock>> blocco();
   static Esito rifiutoDi(const Error& errore);
   void prepara(Lavoro& lavoro, std::span<const Lotto> lotti) const;
-  Result<void> muovi(Lavoro& lavoro, std::span<const Lotto> lotti);
+  Result<void> trashAll(Lavoro& lavoro, std::span<const Lotto> lotti);
   static void muoviUno(Lavoro& lavoro, std::size_t posto);
   Esito concludi(Lavoro& lavoro, const Titolo& titolo);
 
@@ -109,7 +113,7 @@ class Cestino {
   Result<void> riprendiRipristino(const Intento& intento, TrashBatch& batch);
 
   void scegli(Ritorno& ritorno, std::size_t indice) const;
-  void riporta(Ritorno& ritorno) const;
+  void restore(Ritorno& ritorno) const;
   std::string destinazione(const std::string& orig,
                            const std::unordered_set<std::string>& promesse) const;
   bool giaTornato(const std::string& trash, const std::string& orig) const;

@@ -35,9 +35,6 @@ std::string impronta(const OpenFile& file, std::int64_t size) {
   return esadecimale(calcolo->finish(0));
 }
 
-/// As saved with the results.
-double secondi(std::int64_t nanosecondi) { return static_cast<double>(nanosecondi) / 1e9; }
-
 }  // namespace
 
 std::optional<FileMark> Copie::stato(const std::string& percorso) const {
@@ -51,7 +48,7 @@ bool Copie::esiste(const std::string& percorso) const { return stato(percorso).h
 
 bool Copie::riscritta(const Group& gruppo, std::size_t copia) const {
   const auto ora = stato(gruppo.paths[copia]);
-  return ora && copia < gruppo.mtimes.size() && !comeTrovata(gruppo, copia, *ora);
+  return ora && copia < gruppo.mtimesNs.size() && !comeTrovata(gruppo, copia, *ora);
 }
 
 bool Copie::ancora(const std::string& percorso, const FileMark& prima) const {
@@ -60,7 +57,7 @@ bool Copie::ancora(const std::string& percorso, const FileMark& prima) const {
 
 bool Copie::comeTrovata(const Group& gruppo, std::size_t copia, const FileMark& ora) const {
   if (ora.size != gruppo.size) return false;
-  if (copia < gruppo.mtimes.size()) return secondi(ora.mtimeNs) == gruppo.mtimes[copia];
+  if (copia < gruppo.mtimesNs.size()) return ora.mtimeNs == gruppo.mtimesNs[copia];
   if (gruppo.hash.empty()) return false;
   const auto file = reader_.open(gruppo.paths[copia], ReadPlan::whole);
   return file && impronta(**file, ora.size) == gruppo.hash;

@@ -66,7 +66,7 @@ bool togliPercorsi(Group& gruppo, const std::unordered_set<std::string>& via) {
     const auto posto = static_cast<std::ptrdiff_t>(i);
     gruppo.paths.erase(gruppo.paths.begin() + posto);
     if (i < gruppo.pesi.size()) gruppo.pesi.erase(gruppo.pesi.begin() + posto);
-    if (i < gruppo.mtimes.size()) gruppo.mtimes.erase(gruppo.mtimes.begin() + posto);
+    if (i < gruppo.mtimesNs.size()) gruppo.mtimesNs.erase(gruppo.mtimesNs.begin() + posto);
   }
   return gruppo.paths.size() < prima;
 }
@@ -75,7 +75,7 @@ bool togliPercorsi(Group& gruppo, const std::unordered_set<std::string>& via) {
 
 Esito OperazioniCestino::sposta(std::string_view finding, const Cestino::Titolo& titolo,
                                 const std::vector<Lotto>& lotti) {
-  Esito esito = cestino_.sposta(titolo, lotti);
+  Esito esito = cestino_.trashWithSound(titolo, lotti);
   togliDaElenco(finding, esito.mosse);
   return esito;
 }

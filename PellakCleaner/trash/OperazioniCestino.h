@@ -43,7 +43,7 @@ class OperazioniCestino {
                   const std::vector<std::string>& percorsi);
 
   Esito restore(std::string_view operazione, std::optional<std::int64_t> indice) {
-    return cestino_.ripristina(operazione, indice);
+    return cestino_.restore(operazione, indice);
   }
   /// Newest first.
   void log(const std::function<void(const Operazione&)>& visita) { cestino_.log(visita); }

@@ -56,7 +56,7 @@ Result<void> Registro::scrivi(std::string riga) {
   return files_.appendLine(percorso_, riga);
 }
 
-Result<void> Registro::aggiungi(const Operazione& operazione) {
+Result<void> Registro::logOperation(const Operazione& operazione) {
   JsonWriter uscita;
   uscita.beginObject().key("id").text(operazione.id).key("ts").number(operazione.ts);
   uscita.key("azione").text(operazione.azione).key("tot").integer(operazione.tot);
@@ -71,9 +71,9 @@ Result<void> Registro::aggiungi(const Operazione& operazione) {
   return scrivi(uscita.take());
 }
 
-Result<void> Registro::segnaRipristino(std::string_view operazione,
-                                       const std::vector<std::size_t>& indici, double ts,
-                                       std::string_view nota) {
+Result<void> Registro::logRestore(std::string_view operazione,
+                                  const std::vector<std::size_t>& indici, double ts,
+                                  std::string_view nota) {
   JsonWriter uscita;
   uscita.beginObject().key("ripristino").text(operazione).key("ts").number(ts);
   if (!nota.empty()) uscita.key("nota").text(nota);

@@ -49,9 +49,9 @@ class Registro {
       : files_(files), reader_(reader), percorso_(store.registro()) {}
 
   /// On disk when it returns. Errors: denied, full, readOnly, failed.
-  Result<void> aggiungi(const Operazione& operazione);
-  Result<void> segnaRipristino(std::string_view operazione, const std::vector<std::size_t>& indici,
-                               double ts, std::string_view nota = {});
+  Result<void> logOperation(const Operazione& operazione);
+  Result<void> logRestore(std::string_view operazione, const std::vector<std::size_t>& indici,
+                          double ts, std::string_view nota = {});
 
   std::optional<Operazione> cerca(std::string_view id);
   /// All operations, newest first. `visita` must not call the log.

@@ -51,19 +51,18 @@ Result<void> Cestino::riprendiMosse(const Intento& intento, TrashBatch& batch) {
   }
   if (ripresa.items.empty()) return {};
   if (auto sincrono = batch.sync(); !sincrono) return sincrono;
-  return registro_.aggiungi(ripresa);
+  return registro_.logOperation(ripresa);
 }
 
 Result<void> Cestino::riprendiRipristino(const Intento& intento, TrashBatch& batch) {
   std::vector<std::size_t> fatti;
   for (const Intento::Passo& passo : intento.passi) {
     if (!batch.locate(passo.piano).empty()) continue;
-    if (!stessoElemento(passo.destinazione, passo.piano)) continue;
     batch.abandon(passo.piano);
-    fatti.push_back(passo.indice);
+    if (stessoElemento(passo.destinazione, passo.piano)) fatti.push_back(passo.indice);
   }
   if (fatti.empty()) return {};
-  return registro_.segnaRipristino(intento.ripristino, fatti, ambiente_.clock.now(), kNota);
+  return registro_.logRestore(intento.ripristino, fatti, ambiente_.clock.now(), kNota);
 }
 
 }  // namespace pellak::trash

@@ -39,20 +39,20 @@ struct Cestino::Ritorno {
   Operazione operazione;
   Intento intento;
   std::unordered_set<std::string> promesse;  ///< destinations of the intent's steps
-  std::vector<std::size_t> fatti;
+  std::vector<std::size_t> fatti;            ///< items that left the Trash
   Esito esito;
 
   void fallito(std::size_t indice, const char* perche) {
     const std::string& orig = operazione.items[indice].orig;
     esito.errors.push_back(std::string(ultimoComponente(orig)) + ": " + perche);
   }
-  void fatto(std::size_t indice) {
-    fatti.push_back(indice);
+  void tornato(std::size_t indice, std::string dove) {
     esito.mosse.push_back(operazione.items[indice]);
+    esito.tornati.push_back(std::move(dove));
   }
 };
 
-Esito Cestino::ripristina(std::string_view id, std::optional<std::int64_t> indice) {
+Esito Cestino::restore(std::string_view id, std::optional<std::int64_t> indice) {
   const auto preso = blocco();
   if (!preso) return rifiutoDi(preso.error());
   auto operazione = registro_.cerca(id);
@@ -71,12 +71,12 @@ Esito Cestino::ripristina(std::string_view id, std::optional<std::int64_t> indic
       return rifiutoDi(scritto.error());
     }
   }
-  riporta(ritorno);
+  restore(ritorno);
   if (!ritorno.fatti.empty() && !ritorno.batch->sync()) {
     ritorno.esito.avviso = "il disco non ha confermato la scrittura";
   }
   if (ritorno.fatti.empty() ||
-      registro_.segnaRipristino(ritorno.operazione.id, ritorno.fatti, ambiente_.clock.now())) {
+      registro_.logRestore(ritorno.operazione.id, ritorno.fatti, ambiente_.clock.now())) {
     static_cast<void>(intenti_.togli());
   } else {
     ritorno.esito.avviso = "il registro non è scrivibile: annoto il ripristino appena possibile";
@@ -94,14 +94,15 @@ void Cestino::scegli(Ritorno& ritorno, std::size_t indice) const {
       !mossa.rip && !mossa.superata && !ritorno.batch->locate({orig, mossa.trash, 0, 0, 0}).empty();
   const auto voce = ambiente_.lister.attributes(mossa.trash);
   if (!presente || !voce) return ritorno.fallito(indice, kNonPiu);
-  if (giaTornato(mossa.trash, orig)) return ritorno.fatto(indice);
+  // Nothing moves, so the item stays in the Trash and can still be put back.
+  if (giaTornato(mossa.trash, orig)) return ritorno.tornato(indice, orig);
   const TrashPlan piano = {orig, mossa.trash, static_cast<std::uint64_t>(voce->dev), voce->ino, 0};
   std::string dove = destinazione(orig, ritorno.promesse);
   ritorno.promesse.insert(dove);
   ritorno.intento.passi.push_back({piano, std::move(dove), indice});
 }
 
-void Cestino::riporta(Ritorno& ritorno) const {
+void Cestino::restore(Ritorno& ritorno) const {
   for (const Intento::Passo& passo : ritorno.intento.passi) {
     const auto prova = [&] {
       return ritorno.batch->putBack(passo.piano.nelCestino, passo.destinazione);
@@ -112,7 +113,11 @@ void Cestino::riporta(Ritorno& ritorno) const {
       tornato = prova();
     }
     if (tornato) {
-      ritorno.fatto(passo.indice);
+      ritorno.fatti.push_back(passo.indice);
+      ritorno.tornato(passo.indice, passo.destinazione);
+      if (passo.destinazione != passo.piano.percorso) {
+        ritorno.esito.rinominati.push_back(passo.destinazione);
+      }
     } else {
       ritorno.fallito(passo.indice, kPermesso);
     }

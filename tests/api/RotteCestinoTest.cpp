@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <gmock/gmock.h>
 #include <map>
 #include <sys/stat.h>
 
@@ -84,15 +85,19 @@ TEST_F(RotteCestinoTest, ACategoryMovesIsLoggedAndComesBackWhateverTheNames) {
   trova(categoria({strano, home / "dati/q/doc.pdf", home / "dati/r/doc.pdf", home / "dati/link",
                    home / "dati/sparito"}));
   scandisci("duplicati");
-  EXPECT_EQ(chiedi("/api/trash", R"({"id":"duplicates"})"),
-            R"(200 {"ok":4,"failed":[{"percorso":")" + (home / "dati/sparito") +
-                R"(","err":"non esiste piu': era gia' stato rimosso"}]})");
+  const std::string mosse = chiedi("/api/trash", R"({"id":"duplicates"})");
+  EXPECT_EQ(mosse, R"(200 {"ok":4,"failed":[{"percorso":")" + (home / "dati/sparito") +
+                       R"(","err":"non esiste piu': era gia' stato rimosso"}],"op":")" + primaOp() +
+                       R"(","tot":40})");
+  EXPECT_EQ(suoni, 1);
   EXPECT_EQ(utente(), (std::map<std::string, std::string>{{home / "dati/resta", "resta"}}));
   EXPECT_EQ(nelCestino("files"), 4U);
   EXPECT_EQ(nelCestino("info"), 4U);
   EXPECT_FALSE(fs::exists(store.cartella() + "/cestino-intento.json"));
   EXPECT_EQ(chiedi("/api/restore", R"({"op":")" + primaOp() + R"("})"),
-            R"(200 {"ok":true,"items":4,"errors":[]})");
+            R"(200 {"ok":true,"items":4,"errors":[],"percorsi":[")" + (home / "dati/") +
+                "\uefff\\n%\\\" nome\",\"" + (home / "dati/q/doc.pdf") + "\",\"" +
+                (home / "dati/r/doc.pdf") + "\",\"" + (home / "dati/link") + "\"]}");
   EXPECT_EQ(utente(), prima);
   EXPECT_EQ(nelCestino("files") + nelCestino("info"), 0U);
   EXPECT_NE(chiedi("/api/log").find(R"("rip":true)"), std::string::npos);
@@ -108,8 +113,10 @@ TEST_F(RotteCestinoTest, ATakenPlaceGetsANumberBeforeTheExtension) {
   chiedi("/api/trash", R"({"id":"duplicates"})");
   fakes::scriviFile(home / "dati/report.pdf", "un altro");
   fakes::scriviFile(home / "dati/report (ripristinato 1).pdf", "anche");
+  const std::string dove = home / "dati/report (ripristinato 2).pdf";
   EXPECT_EQ(chiedi("/api/restore", R"({"op":")" + primaOp() + R"("})"),
-            R"(200 {"ok":true,"items":1,"errors":[]})");
+            R"(200 {"ok":true,"items":1,"errors":[],"percorsi":[")" + dove +
+                R"("],"rinominati":[")" + dove + "\"]}");
   EXPECT_EQ(utente(), (std::map<std::string, std::string>{
                           {home / "dati/report.pdf", "un altro"},
                           {home / "dati/report (ripristinato 1).pdf", "anche"},
@@ -142,7 +149,9 @@ TEST_F(RotteCestinoTest, KeepAllLeavesOneGoodCopyOfEachSet) {
   trova(copie());
   scandisci("duplicati");
   fakes::scriviFile(home / "dati/a", "y");
-  EXPECT_EQ(chiedi("/api/keep_all"), R"(200 {"ok":2,"failed":[],"quante":2,"saltati":[]})");
+  EXPECT_THAT(chiedi("/api/keep_all"),
+              testing::MatchesRegex(
+                  R"(200 ."ok":2,"failed":.],"op":".*","tot":2,"quante":2,"saltati":.].)"));
   EXPECT_EQ(utente(), (std::map<std::string, std::string>{{home / "dati/b", "x"}}));
   EXPECT_EQ(chiedi("/api/keep_all"), R"(200 {"err":"nessun duplicato in elenco"})");
 }

@@ -45,6 +45,25 @@ TEST(Sha256, GivesThePublishedDigests) {
   expectPublishedDigests(*creaTwinSha256());
 }
 
+TEST(Sha256, AForkGoesOnFromWhereTheLaneWas) {
+  for (const auto& sha : {native::creaSha256OpenSsl(), creaTwinSha256()}) {
+    // Behind a block's end and within one.
+    for (const std::size_t common : {64U, 100U}) {
+      const std::string begin(common, 'b');
+      sha->update(1, bytes(begin));
+      const auto forked = sha->fork(1);
+      sha->update(1, bytes("one"));
+      forked->update(0, bytes("other"));
+      const auto alone = creaTwinSha256();
+      const std::string one = begin + "one";
+      const std::string other = begin + "other";
+      alone->updateBoth(bytes(one), bytes(other));
+      EXPECT_EQ(hex(sha->finish(1)), hex(alone->finish(0)));
+      EXPECT_EQ(hex(forked->finish(0)), hex(alone->finish(1)));
+    }
+  }
+}
+
 TEST(Sha256, TheInstructionsAgreeWithTheLibraryHoweverTheDataArrive) {
   const auto ours = posix::creaSha256Instructions();
   if (!ours) GTEST_SKIP() << "this processor has no SHA instructions";

@@ -7,17 +7,20 @@
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iomanip>
 #include <map>
 #include <mutex>
 #include <random>
 #include <set>
 #include <sstream>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "PellakCore/base/ScanCancelled.h"
 #include "fakes/CartellaTemporanea.h"
 #include "fakes/FakeClock.h"
+#include "platform/Sha256.h"
 #include "platform/linux/DirectoryListerLinux.h"
 #include "scanners/duplicati/ScannerDuplicati.h"
 
@@ -128,6 +131,16 @@ std::string casuale(std::size_t lunghezza, unsigned seme) {
   return testo;
 }
 
+std::string sha256(const std::string& testo) {
+  const auto sha = creaTwinSha256();
+  sha->update(0, std::as_bytes(std::span(testo)));
+  std::ostringstream cifre;
+  for (const std::uint8_t byte : sha->finish(0)) {
+    cifre << std::hex << std::setw(2) << std::setfill('0') << int{byte};
+  }
+  return cifre.str();
+}
+
 TEST_F(DuplicatiTest, TellsTheFindingAsAPersonSeesIt) {
   scrivi("b/copia", std::string(200'000, 'a'));
   scrivi("a/prima", std::string(200'000, 'a'));
@@ -193,6 +206,12 @@ TEST_F(DuplicatiTest, ReadsNoMoreThanTheAnswerNeeds) {
   scrivi("testa2", "2" + std::string(400'000, 't'));
   scrivi("coda1", std::string(450'000, 'c') + "1");
   scrivi("coda2", std::string(450'000, 'c') + "2");
+  const std::string lungo = casuale(8 * kMiB, 4);
+  for (const char* nome : {"lungo1", "lungo2", "lungo3"}) {
+    std::string diverso = lungo;
+    diverso[600'000] = nome[5];
+    scrivi(nome, diverso);
+  }
   EXPECT_THAT(gruppi(), ElementsAre(ElementsAre("piccolo1", "piccolo2")));
   const auto letti = lettore_.letti();
   EXPECT_EQ(letti.count(casa_ / "sola"), 0U);
@@ -200,6 +219,63 @@ TEST_F(DuplicatiTest, ReadsNoMoreThanTheAnswerNeeds) {
   for (const char* nome : {"testa1", "testa2", "coda1", "coda2"}) {
     EXPECT_LE(letti.at(casa_ / nome), 80'000U) << nome;
   }
+  // What is known to stand alone is not read to its end.
+  for (const char* nome : {"lungo1", "lungo2", "lungo3"}) {
+    EXPECT_LE(letti.at(casa_ / nome), kMiB) << nome;
+  }
+}
+
+TEST_F(DuplicatiTest, FilesPartWhereverTheyDiffer) {
+  // Equal samples, so that only reading everything tells them apart. The differences lie in the
+  // first block, at its end, in a later one and in several: each content has four copies.
+  const std::string base = casuale(3 * kMiB + 100'000, 5);
+  const std::vector<std::vector<std::size_t>> luoghi = {
+      {}, {70'000}, {262'143}, {262'144}, {1 * kMiB}, {1 * kMiB, 2 * kMiB}, {70'000, 2 * kMiB}};
+  std::map<std::string, std::vector<std::string>> attesi;
+  for (std::size_t i = 0; i < luoghi.size(); ++i) {
+    std::string testo = base;
+    for (const std::size_t dove : luoghi[i]) testo[dove] ^= 1;
+    for (const char* copia : {"a", "b", "c", "d"}) {
+      const std::string nome = copia + std::to_string(i);
+      scrivi(nome, testo);
+      attesi[sha256(testo)].push_back(casa_ / nome);
+    }
+  }
+  std::map<std::string, std::vector<std::string>> trovati;
+  for (const Group& gruppo : scan().groups) trovati[gruppo.hash] = gruppo.paths;
+  EXPECT_EQ(trovati, attesi);
+  for (const auto& [percorso, letti] : lettore_.letti()) {
+    EXPECT_LE(letti, base.size() + 80'000) << percorso;
+  }
+}
+
+TEST_F(DuplicatiTest, AFileThatGetsShorterTakesNoOtherAlong) {
+  const std::string testo = casuale(3 * kMiB, 6);
+  for (const char* nome : {"a", "b", "c"}) scrivi(nome, testo);
+  std::atomic<bool> corto{false};
+  lettore_.dopoLettura = [&](const std::string& percorso, std::int64_t offset) {
+    if (percorso != casa_ / "a" || offset != 524'288 || corto.exchange(true)) return;
+    std::filesystem::resize_file(percorso, kMiB);
+  };
+  const Finding finding = scan();
+  EXPECT_TRUE(corto);
+  ASSERT_EQ(finding.groups.size(), 1U);
+  EXPECT_THAT(finding.groups[0].paths, ElementsAre(casa_ / "b", casa_ / "c"));
+  EXPECT_EQ(finding.groups[0].hash, sha256(testo));
+}
+
+TEST_F(DuplicatiTest, AFewDescriptorsAreEnough) {
+  std::vector<std::string> attesi;
+  const std::string testo = casuale(100'000, 7);
+  for (int i = 100; i < 220; ++i) attesi.push_back(scrivi("copie/" + std::to_string(i), testo));
+  rlimit limite{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limite), 0);
+  const rlimit pochi{std::min<rlim_t>(48, limite.rlim_cur), limite.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &pochi), 0);
+  const Finding finding = scan();
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limite), 0);
+  ASSERT_EQ(finding.groups.size(), 1U);
+  EXPECT_EQ(finding.groups[0].paths, attesi);
 }
 
 TEST_F(DuplicatiTest, TheThresholdCountsMebibytes) {

@@ -24,6 +24,10 @@ class Computation {
     check(EVP_DigestUpdate(context_.get(), data.data(), data.size()));
   }
 
+  void continueFrom(const Computation& other) {
+    check(EVP_MD_CTX_copy_ex(context_.get(), other.context_.get()));
+  }
+
   Sha256Digest finish() {
     Sha256Digest digest{};
     check(EVP_DigestFinal_ex(context_.get(), digest.data(), nullptr));
@@ -45,6 +49,11 @@ class Sha256OpenSsl final : public TwinSha256 {
   void updateBoth(std::span<const std::byte> first, std::span<const std::byte> second) override {
     lanes_[0].update(first);
     lanes_[1].update(second);
+  }
+  std::unique_ptr<TwinSha256> fork(std::size_t lane) const override {
+    auto forked = std::make_unique<Sha256OpenSsl>();
+    forked->lanes_[0].continueFrom(lanes_[lane]);
+    return forked;
   }
   Sha256Digest finish(std::size_t lane) override { return lanes_[lane].finish(); }
 

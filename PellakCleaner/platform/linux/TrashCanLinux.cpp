@@ -3,12 +3,12 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
-#include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -77,7 +77,9 @@ class BatchLinux final : public TrashBatch {
   /// A Trash folder in use, and what changes its cache of folder sizes.
   struct Aperto {
     TrashFolder cestino;
-    bool tornate = false;  ///< something was moved out
+    std::unordered_set<std::string> promessi;             ///< names planned in this batch
+    std::unordered_map<std::string, unsigned> contatori;  ///< last number tried for a taken name
+    std::vector<std::string> tornate;                     ///< moved out, their records still there
     std::vector<FolderSize> arrivate;
   };
 
@@ -86,7 +88,7 @@ class BatchLinux final : public TrashBatch {
   Result<Aperto*> homeTrash();
   Result<Aperto*> trashAt(const std::string& nelCestino);
   Aperto* keep(TrashFolder cestino);
-  std::string freeName(const TrashFolder& cestino, const std::string& nome);
+  static std::string freeName(Aperto& aperto, const std::string& nome);
   static Result<void> undo(const Aperto& aperto, const std::string& nelCestino, int cartella,
                            const std::string& nome);
 
@@ -94,9 +96,8 @@ class BatchLinux final : public TrashBatch {
   const std::string data_ = recordDate();
   std::string cartellaNome_;
   Descriptor cartella_;
+  Volume cartellaVolume_;
   std::vector<std::unique_ptr<Aperto>> aperti_;
-  std::set<std::string> promessi_;             ///< places in the Trash planned in this batch
-  std::map<std::string, unsigned> contatori_;  ///< last number tried for a taken name
 };
 
 /// The folder of the item before is usually the one of the next.
@@ -104,8 +105,11 @@ Result<int> BatchLinux::folder(const std::string& cartella) {
   if (cartella_ && cartellaNome_ == cartella) return cartella_.get();
   auto aperta = openWithoutLinks(cartella, home_);
   if (!aperta) return aperta.error();
+  const auto qui = itemAt(aperta->get());
+  if (!qui) return qui.error();
   cartella_ = std::move(*aperta);
   cartellaNome_ = cartella;
+  cartellaVolume_ = qui->volume;
   return cartella_.get();
 }
 
@@ -141,18 +145,16 @@ Result<BatchLinux::Aperto*> BatchLinux::trashAt(const std::string& nelCestino) {
   return keep(std::move(*cestino));
 }
 
-std::string BatchLinux::freeName(const TrashFolder& cestino, const std::string& nome) {
+std::string BatchLinux::freeName(Aperto& aperto, const std::string& nome) {
+  unsigned& numero = aperto.contatori[nome];
   for (;;) {
-    unsigned& numero = contatori_[cestino.percorso + "/" + nome];
     ++numero;
     const std::string coda = numero == 1 ? std::string() : "." + std::to_string(numero);
     const std::size_t massimo = kNameMax - recordName({}).size() - coda.size();
     std::string scelto = nome.substr(0, massimo) + coda;
-    if (promessi_.contains(cestino.percorso + "/" + scelto)) continue;
-    if (existsAt(cestino.info.get(), recordName(scelto))) continue;
-    if (existsAt(cestino.files.get(), scelto)) continue;
-    promessi_.insert(cestino.percorso + "/" + scelto);
-    return scelto;
+    if (existsAt(aperto.cestino.info.get(), recordName(scelto))) continue;
+    if (existsAt(aperto.cestino.files.get(), scelto)) continue;
+    if (aperto.promessi.insert(scelto).second) return scelto;
   }
 }
 
@@ -161,23 +163,16 @@ Result<TrashPlan> BatchLinux::plan(std::string_view percorso) {
   if (parti.nome.empty() || parti.nome == "." || parti.nome == "..") return errnoError(EINVAL);
   const auto cartella = folder(parti.cartella);
   if (!cartella) return cartella.error();
-  struct stat info {};
-  if (::fstatat(*cartella, parti.nome.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
-    return errnoError(errno);
-  }
-  const auto suo = volumeOf(*cartella, parti.nome.c_str());
-  const auto sopra = volumeOf(*cartella);
-  if (!suo) return suo.error();
-  if (!sopra) return sopra.error();
-  if (!(*suo == *sopra)) return errnoError(EBUSY);
-  const auto aperto = trashFor(parti.cartella, *suo);
+  const auto voce = itemAt(*cartella, parti.nome.c_str());
+  if (!voce) return voce.error();
+  if (!(voce->volume == cartellaVolume_)) return errnoError(EBUSY);
+  const auto aperto = trashFor(parti.cartella, voce->volume);
   if (!aperto) return aperto.error();
-  const TrashFolder& cestino = (*aperto)->cestino;
   TrashPlan piano;
   piano.percorso = percorso;
-  piano.nelCestino = cestino.percorso + "/files/" + freeName(cestino, parti.nome);
-  piano.dev = info.st_dev;
-  piano.ino = info.st_ino;
+  piano.nelCestino = (*aperto)->cestino.percorso + "/files/" + freeName(**aperto, parti.nome);
+  piano.dev = voce->volume.dev;
+  piano.ino = voce->ino;
   return piano;
 }
 
@@ -233,13 +228,10 @@ Result<void> BatchLinux::putBack(std::string_view nelCestino, std::string_view d
   const Split a = split(destinazione);
   const auto cartella = folder(a.cartella);
   if (!cartella) return cartella.error();
-  const std::string nome = split(nelCestino).nome;
-  const TrashFolder& cestino = (*aperto)->cestino;
-  if (auto mosso = renameExclusively(cestino.files.get(), nome, *cartella, a.nome); !mosso) {
-    return mosso;
-  }
-  removeRecord(cestino, nome);
-  (*aperto)->tornate = true;
+  std::string nome = split(nelCestino).nome;
+  const int files = (*aperto)->cestino.files.get();
+  if (auto mosso = renameExclusively(files, nome, *cartella, a.nome); !mosso) return mosso;
+  (*aperto)->tornate.push_back(std::move(nome));
   return {};
 }
 
@@ -256,13 +248,16 @@ void BatchLinux::abandon(const TrashPlan& piano) {
 }
 
 Result<void> BatchLinux::sync() {
+  Result<void> esito;
   for (const auto& aperto : aperti_) {
-    if (std::exchange(aperto->tornate, false) || !aperto->arrivate.empty()) {
+    const auto tornate = std::exchange(aperto->tornate, {});
+    if (!tornate.empty() || !aperto->arrivate.empty()) {
       recordDirectorySizes(aperto->cestino, std::exchange(aperto->arrivate, {}));
     }
-    if (::syncfs(aperto->cestino.files.get()) != 0) return errnoError(errno);
+    if (::syncfs(aperto->cestino.files.get()) != 0) esito = errnoError(errno);
+    removeRecords(aperto->cestino, tornate);
   }
-  return {};
+  return esito;
 }
 
 }  // namespace
@@ -270,12 +265,13 @@ Result<void> BatchLinux::sync() {
 std::unique_ptr<TrashBatch> TrashCanLinux::begin() { return std::make_unique<BatchLinux>(); }
 
 bool TrashCanLinux::insideTrash(std::string_view percorso) const {
-  const std::string casa = homeTrashPath();
   const std::string intero = std::string(percorso) + "/";
-  const std::string utente = std::to_string(::getuid());
-  return intero.starts_with(casa + "/") || (casa + "/").starts_with(intero) ||
-         intero.find("/.Trash-" + utente + "/") != std::string::npos ||
-         intero.find("/.Trash/") != std::string::npos;
+  const auto passaPer = [&](std::string_view cartella) {
+    return intero.find(cartella) != std::string::npos;
+  };
+  if (passaPer("/.Trash/") || passaPer("/.Trash-" + std::to_string(::getuid()) + "/")) return true;
+  const std::string casa = homeTrashPath() + "/";
+  return intero.starts_with(casa) || casa.starts_with(intero);
 }
 
 }  // namespace pellak::native

@@ -57,11 +57,11 @@ Result<TrashFolder> fill(TrashFolder cestino) {
   if (!files) return files.error();
   auto info = ownFolderAt(cestino.radice.get(), "info");
   if (!info) return info.error();
-  const auto volume = volumeOf(files->get());
-  if (!volume) return volume.error();
+  const auto qui = itemAt(files->get());
+  if (!qui) return qui.error();
   cestino.files = std::move(*files);
   cestino.info = std::move(*info);
-  cestino.volume = *volume;
+  cestino.volume = qui->volume;
   return cestino;
 }
 
@@ -71,13 +71,23 @@ std::string topOf(std::string_view cestino) {
   return std::string(sopra.ends_with("/.Trash") ? parentOf(sopra) : sopra);
 }
 
-Result<Volume> volumeAt(int cartella, const char* nome, int flags) {
+Result<Item> statItem(int cartella, const char* nome, int flags) {
   struct statx record {};
-  if (::statx(cartella, nome, flags, STATX_MNT_ID, &record) != 0) return errnoError(errno);
-  Volume volume;
-  volume.dev = makedev(record.stx_dev_major, record.stx_dev_minor);
-  if ((record.stx_mask & STATX_MNT_ID) != 0) volume.mount = record.stx_mnt_id;
-  return volume;
+  if (::statx(cartella, nome, flags | AT_NO_AUTOMOUNT, STATX_INO | STATX_MNT_ID, &record) != 0) {
+    return errnoError(errno);
+  }
+  Item voce;
+  voce.ino = record.stx_ino;
+  voce.volume.dev = makedev(record.stx_dev_major, record.stx_dev_minor);
+  if ((record.stx_mask & STATX_MNT_ID) != 0) voce.volume.mount = record.stx_mnt_id;
+  return voce;
+}
+
+/// Of the folder that a path, links followed, leads to.
+Result<Volume> volumeAt(const std::string& percorso) {
+  const auto voce = statItem(AT_FDCWD, percorso.c_str(), 0);
+  if (!voce) return voce.error();
+  return voce->volume;
 }
 
 Result<void> makeFolders(const std::string& cartella) {
@@ -102,8 +112,8 @@ Result<Descriptor> sharedTrash(int cima, const std::string& utente) {
 
 }  // namespace
 
-Result<Volume> volumeOf(int file, const char* nome) {
-  return volumeAt(file, nome, AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW);
+Result<Item> itemAt(int file, const char* nome) {
+  return statItem(file, nome, AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW);
 }
 
 Result<Descriptor> openWithoutLinks(std::string_view percorso, std::string_view fidata) {
@@ -133,12 +143,12 @@ Result<Descriptor> openWithoutLinks(std::string_view percorso, std::string_view 
   return qui;
 }
 
-std::string homeTrashPath() { return xdgFolders().data.front() + "/Trash"; }
+std::string homeTrashPath() { return xdgDataHome() + "/Trash"; }
 
 Result<Volume> homeTrashVolume() {
   std::string cartella(parentOf(homeTrashPath()));
   for (;;) {
-    auto volume = volumeAt(AT_FDCWD, cartella.c_str(), 0);
+    auto volume = volumeAt(cartella);
     if (volume || cartella == "/") return volume;
     cartella = std::string(parentOf(cartella));
   }
@@ -181,7 +191,7 @@ std::string topOfVolume(std::string_view cartella, Volume volume) {
   while (cima != "/") {
     std::string sopra(parentOf(cima));
     // A folder whose path is too long to ask for lies on the volume of the ones below it.
-    const auto suo = volumeAt(AT_FDCWD, sopra.c_str(), 0);
+    const auto suo = volumeAt(sopra);
     if (suo && !(*suo == volume)) break;
     cima = std::move(sopra);
   }

@@ -19,8 +19,14 @@ struct Volume {
   bool operator==(const Volume&) const = default;
 };
 
-/// The volume of an open file, or of an entry of an open folder (a link not followed).
-Result<Volume> volumeOf(int file, const char* nome = "");
+/// A file or folder on disk.
+struct Item {
+  Volume volume;
+  std::uint64_t ino = 0;
+};
+
+/// An open file, or an entry of an open folder (a link not followed).
+Result<Item> itemAt(int file, const char* nome = "");
 
 /// One Trash folder held open: "files", "info" and where they lie.
 /// The format is that of the freedesktop.org Trash, version 1.0.

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/Result.h"
 #include "platform/linux/TrashFolder.h"
@@ -28,6 +29,10 @@ Result<void> writeRecord(const TrashFolder& cestino, const std::string& nome,
 std::optional<std::string> recordedPath(const TrashFolder& cestino, const std::string& nome);
 
 void removeRecord(const TrashFolder& cestino, const std::string& nome);
+
+/// The records of items that were moved out, unless another item has the name by now. Many at once:
+/// where a freed block is told to the device each removal waits for it.
+void removeRecords(const TrashFolder& cestino, const std::vector<std::string>& nomi);
 
 /// Bytes as the Trash writes them: everything but unreserved characters and "/" as "%XX".
 std::string percentEncoded(std::string_view byte);

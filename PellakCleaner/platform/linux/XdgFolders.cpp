@@ -18,6 +18,8 @@ std::string folderVariable(const char* name, const std::string& otherwise) {
   return value.starts_with('/') ? value : otherwise;
 }
 
+std::string homeFolder() { return folderVariable("HOME", g_get_home_dir()); }
+
 void addOnce(std::vector<std::string>& folders, std::string_view folder) {
   while (folder.size() > 1 && folder.back() == '/') folder.remove_suffix(1);
   if (!folder.starts_with('/')) return;
@@ -28,11 +30,17 @@ void addOnce(std::vector<std::string>& folders, std::string_view folder) {
 
 }  // namespace
 
+std::string xdgDataHome() {
+  std::string folder = folderVariable("XDG_DATA_HOME", homeFolder() + "/.local/share");
+  while (folder.size() > 1 && folder.back() == '/') folder.pop_back();
+  return folder;
+}
+
 XdgFolders xdgFolders() {
   XdgFolders folders;
-  folders.home = folderVariable("HOME", g_get_home_dir());
+  folders.home = homeFolder();
   folders.config = folderVariable("XDG_CONFIG_HOME", folders.home + "/.config");
-  const std::string own = folderVariable("XDG_DATA_HOME", folders.home + "/.local/share");
+  const std::string own = xdgDataHome();
   addOnce(folders.data, own);
   const std::string shared = variable("XDG_DATA_DIRS", "/usr/local/share:/usr/share");
   for (std::size_t begin = 0; begin <= shared.size();) {

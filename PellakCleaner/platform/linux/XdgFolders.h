@@ -16,4 +16,7 @@ struct XdgFolders {
 /// export comes last. Relative entries are ignored. Only names: nothing is read.
 XdgFolders xdgFolders();
 
+/// The user's own folder of shared files, the first of `XdgFolders::data`.
+std::string xdgDataHome();
+
 }  // namespace pellak::native

@@ -41,6 +41,11 @@ class Sha256CommonCrypto final : public TwinSha256 {
     lanes_[0].update(first);
     lanes_[1].update(second);
   }
+  std::unique_ptr<TwinSha256> fork(std::size_t lane) const override {
+    auto forked = std::make_unique<Sha256CommonCrypto>();
+    forked->lanes_[0] = lanes_[lane];
+    return forked;
+  }
   Sha256Digest finish(std::size_t lane) override { return lanes_[lane].finish(); }
 
  private:

@@ -161,6 +161,12 @@ class Instructions final : public TwinSha256 {
     update(1, b);
   }
 
+  std::unique_ptr<TwinSha256> fork(std::size_t lane) const override {
+    auto forked = std::make_unique<Instructions>();
+    forked->lanes_[0] = lanes_[lane];
+    return forked;
+  }
+
   Sha256Digest finish(std::size_t lane) override { return lanes_[lane].finish(compress); }
 
  private:

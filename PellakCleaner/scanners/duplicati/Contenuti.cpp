@@ -54,6 +54,7 @@ std::vector<Contenuto> raggruppaPerFile(std::vector<Candidato>& candidati, const
   });
   toglieSoli(candidati, stessaDimensione<Candidato>);
   std::vector<Contenuto> contenuti;
+  contenuti.reserve(candidati.size());
   for (std::size_t i = 0; i < candidati.size();) {
     std::size_t fine = i + 1;
     while (fine < candidati.size() && stessoFile(candidati[i], candidati[fine])) ++fine;
@@ -77,6 +78,7 @@ void tieniUguali(std::vector<Contenuto>& contenuti) {
     return a.size != b.size ? a.size > b.size : chiave(a) < chiave(b);
   });
   toglieSoli(contenuti, uguali);
+  contenuti.shrink_to_fit();  // mostly little is left, and the groups need room
 }
 
 std::size_t fineUguali(const std::vector<Contenuto>& contenuti, std::size_t da) {

@@ -14,7 +14,7 @@ enum class Conoscenza : std::uint8_t {
   dimensione,  ///< its size
   campioni,    ///< `impronta`: what it holds in some places
   tutto,       ///< `digest`: all of it
-  perso        ///< it can't be read or changed; it is a duplicate of nothing
+  perso        ///< a duplicate of nothing: it differs, changed or can't be read
 };
 
 /// One file on disk, which may have several names: its candidates are `quanti` from `primo` on, in
@@ -22,8 +22,7 @@ enum class Conoscenza : std::uint8_t {
 struct Contenuto {
   std::int64_t size = 0;
   std::uint64_t impronta = 0;
-  std::uint64_t dev = 0;  ///< of the file that was read in the end, as is `ino`
-  std::uint64_t ino = 0;
+  std::int64_t mtimeNs = 0;  ///< last write, as it was when the file was opened
   std::uint32_t primo = 0;
   std::uint32_t quanti = 0;
   Sha256Digest digest{};

@@ -5,39 +5,72 @@
 #include <vector>
 
 #include "platform/FileReader.h"
+#include "platform/Sha256.h"
 #include "scanners/duplicati/Contenuti.h"
 
 namespace pellak::scanners {
 
-/// One file on its way from beginning to end, block by block. One thread.
+/// Files of one size that may be equal, on their way from beginning to end side by side, block by
+/// block. What is equal byte for byte is hashed once; files part ways where they differ, and a
+/// file that parts from the others takes the hash of what they had in common along. One thread.
+///
+/// The hash of the files that stay with the first is computed by the caller, in a lane of its
+/// `TwinSha256` that is given to nobody else meanwhile.
 class Corsia {
  public:
   static constexpr std::size_t kBlocco = std::size_t{256} * 1024;
 
-  bool libera() const { return file_ == nullptr; }
+  bool libera() const { return !occupata_; }
 
-  /// Takes a file whose state at opening is `segno`; it must outlive its reading.
-  void prendi(std::unique_ptr<OpenFile> file, const FileMark& segno, Contenuto& contenuto);
+  /// Begins with no files, of `size` bytes each. `tutti`: no other file can be equal to these, so
+  /// that one left alone becomes `perso` and is not read on.
+  void comincia(std::int64_t size, bool tutti);
 
-  /// Reads the next block. Whatever is not what it was at opening makes the file `perso`.
-  void avanza();
+  /// Adds a file whose state at opening is `segno`; `contenuto` must outlive its reading.
+  void aggiungi(std::unique_ptr<OpenFile> file, const FileMark& segno, Contenuto& contenuto);
 
-  /// The block last read.
-  std::span<const std::byte> blocco() const { return {memoria_.data(), letti_}; }
+  /// Reads the next block of every file; `sha` holds in `lane` what was read before. A file that
+  /// is not what it was at opening becomes `perso`.
+  void avanza(const TwinSha256& sha, std::size_t lane);
 
-  /// Whether nothing is left to be read, or it can't be.
-  bool finita() const { return contenuto_->noto == Conoscenza::perso || resto_ == 0; }
+  /// The block last read, which the lane is to be given.
+  std::span<const std::byte> blocco() const;
 
-  /// Gives the digest to the file unless it is lost or was written to meanwhile, and lets it go.
+  /// Whether nothing is left to be read, or nothing worth it.
+  bool finita() const;
+
+  /// Gives the files their digests, that of the lane and those of files that parted, and lets
+  /// them go. Files written to meanwhile become `perso`.
   void concludi(const Sha256Digest& digest);
 
  private:
-  std::unique_ptr<OpenFile> file_;
-  FileMark segno_;
-  Contenuto* contenuto_ = nullptr;
-  std::int64_t resto_ = 0;
-  std::vector<std::byte> memoria_;
-  std::size_t letti_ = 0;
+  struct Membro {
+    std::unique_ptr<OpenFile> file;
+    FileMark segno;
+    Contenuto* contenuto = nullptr;
+  };
+
+  /// Files that are equal as far as they were read.
+  struct Ramo {
+    std::vector<Membro> membri;
+    std::vector<std::byte> blocco;
+    std::unique_ptr<TwinSha256> sha;  ///< none: the caller's lane
+  };
+
+  bool leggi(const Membro& membro, std::vector<std::byte>& dove) const;
+  void avanza(Ramo& ramo, const TwinSha256& sha, std::size_t lane, std::vector<Ramo>& nuovi);
+  void separa(Membro membro, const TwinSha256& sha, std::size_t lane, std::span<Ramo> fratelli,
+              std::vector<Ramo>& nuovi);
+  void lasciaSoli();
+
+  Ramo primo_;
+  std::vector<Ramo> altri_;
+  std::vector<std::byte> prova_;
+  std::int64_t size_ = 0;
+  std::int64_t letti_ = 0;  ///< of each file, before the block
+  std::size_t quanti_ = 0;  ///< in the block
+  bool tutti_ = false;
+  bool occupata_ = false;
 };
 
 }  // namespace pellak::scanners

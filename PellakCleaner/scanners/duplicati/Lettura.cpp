@@ -5,13 +5,18 @@
 #include <thread>
 #include <utility>
 
-#include "scanners/duplicati/Corsia.h"
 #include "scanners/duplicati/Impronta.h"
 
 namespace pellak::scanners {
 namespace {
 
 constexpr std::size_t kCampione = 4096;
+/// Fewer leave a disk waiting that is slow to answer.
+constexpr std::size_t kLettori = 16;
+/// Files that a thread reads side by side in one lane. More would be hashed less often, but leave
+/// fewer pieces of work to share out.
+constexpr std::size_t kMinInsieme = 2;
+constexpr std::size_t kMaxInsieme = 8;
 
 /// Head, middle and end of a file one after the other, or all of it when it is all head. Empty
 /// when it is no longer as long as it was.
@@ -33,6 +38,13 @@ std::span<const std::byte> leggiLuoghi(const OpenFile& file, std::int64_t size,
   return std::span(memoria).first(pieni);
 }
 
+std::size_t processori() { return std::max(1U, std::thread::hardware_concurrency()); }
+
+/// As many as keep disk and processors busy, of which each may hold `aperti` files open.
+std::size_t lettori(std::size_t descrittori, std::size_t aperti) {
+  return std::clamp<std::size_t>(descrittori / aperti, 1, std::max(kLettori, processori()));
+}
+
 }  // namespace
 
 void Lettura::conContatore(Squadra& squadra, const std::function<void()>& lavoro) {
@@ -41,7 +53,8 @@ void Lettura::conContatore(Squadra& squadra, const std::function<void()>& lavoro
 
 std::unique_ptr<OpenFile> Lettura::apri(Contenuto& contenuto, ReadPlan plan, FileMark& segno) {
   for (; contenuto.quanti > 0; ++contenuto.primo, --contenuto.quanti) {
-    const std::string percorso = testi_.percorso(candidati_[contenuto.primo]);
+    Candidato& candidato = candidati_[contenuto.primo];
+    const std::string percorso = testi_.percorso(candidato);
     auto file = reader_.open(percorso, plan);
     if (!file) {
       if (file.error().kind == ErrorKind::denied) registraDiniego(percorso);
@@ -50,8 +63,9 @@ std::unique_ptr<OpenFile> Lettura::apri(Contenuto& contenuto, ReadPlan plan, Fil
     const auto ora = (*file)->mark();
     if (!ora || !ora->regular || ora->size != contenuto.size) continue;
     segno = *ora;
-    contenuto.dev = ora->dev;
-    contenuto.ino = ora->ino;
+    contenuto.mtimeNs = ora->mtimeNs;
+    candidato.dev = static_cast<std::int32_t>(ora->dev);
+    candidato.ino = ora->ino;
     return std::move(file).value();
   }
   contenuto.noto = Conoscenza::perso;
@@ -77,7 +91,7 @@ void Lettura::campiona(Contenuto& contenuto, std::vector<std::byte>& memoria, Tw
 }
 
 void Lettura::campioni(std::vector<Contenuto>& contenuti) {
-  Squadra squadra(contenuti.size(), ctx_.stop);
+  Squadra squadra(contenuti.size(), lettori(ctx_.lister.descriptorBudget(), 1), ctx_.stop);
   conContatore(squadra, [&] {
     const auto sha = creaTwinSha256();
     std::vector<std::byte> memoria;
@@ -86,33 +100,41 @@ void Lettura::campioni(std::vector<Contenuto>& contenuti) {
 }
 
 void Lettura::interi(std::vector<Contenuto>& contenuti) {
-  Squadra squadra(contenuti.size(), ctx_.stop);
-  conContatore(squadra, [&] { leggiACoppie(squadra, contenuti); });
+  constexpr std::size_t kCorsie = TwinSha256::kLanes;
+  const std::size_t descrittori = ctx_.lister.descriptorBudget();
+  const std::size_t quanti = lettori(descrittori, kCorsie * kMinInsieme);
+  const std::size_t piu = std::clamp(descrittori / (quanti * kCorsie), kMinInsieme, kMaxInsieme);
+  const std::vector<Insieme> insiemi = insiemiDi(contenuti, piu);
+  Squadra squadra(insiemi.size(), quanti, ctx_.stop);
+  conContatore(squadra, [&] { leggiACoppie(squadra, insiemi, contenuti); });
 }
 
-void Lettura::leggiACoppie(Squadra& squadra, std::vector<Contenuto>& contenuti) {
+void Lettura::occupa(Corsia& corsia, const Insieme& insieme, std::vector<Contenuto>& contenuti) {
+  corsia.comincia(contenuti[insieme.da].size, insieme.tutti);
+  for (std::size_t i = insieme.da; i < insieme.da + insieme.quanti; ++i) {
+    FileMark segno;
+    if (auto file = apri(contenuti[i], ReadPlan::whole, segno)) {
+      corsia.aggiungi(std::move(file), segno, contenuti[i]);
+    }
+  }
+}
+
+void Lettura::leggiACoppie(Squadra& squadra, const std::vector<Insieme>& insiemi,
+                           std::vector<Contenuto>& contenuti) {
   const auto sha = creaTwinSha256();
   std::array<Corsia, TwinSha256::kLanes> corsie;
-  const auto occupa = [&](Corsia& corsia) {
-    while (corsia.libera()) {
-      const auto parte = squadra.prossima();
-      if (!parte) return;
-      Contenuto& contenuto = contenuti[*parte];
-      if (contenuto.noto != Conoscenza::campioni) continue;
-      FileMark segno;
-      if (auto file = apri(contenuto, ReadPlan::whole, segno)) {
-        corsia.prendi(std::move(file), segno, contenuto);
-      }
-    }
+  const auto riempi = [&](Corsia& corsia) {
+    if (!corsia.libera()) return;
+    if (const auto parte = squadra.prossima()) occupa(corsia, insiemi[*parte], contenuti);
   };
   for (;;) {
     squadra.controlla();
-    occupa(corsie[0]);
+    riempi(corsie[0]);
     // The last files are left to threads that have none.
-    if (squadra.rimaste() >= std::thread::hardware_concurrency()) occupa(corsie[1]);
+    if (squadra.rimaste() >= processori()) riempi(corsie[1]);
     if (corsie[0].libera() && corsie[1].libera()) return;
-    for (Corsia& corsia : corsie) {
-      if (!corsia.libera()) corsia.avanza();
+    for (std::size_t i = 0; i < corsie.size(); ++i) {
+      if (!corsie[i].libera()) corsie[i].avanza(*sha, i);
     }
     if (!corsie[0].libera() && !corsie[1].libera()) {
       sha->updateBoth(corsie[0].blocco(), corsie[1].blocco());

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <limits>
-#include <set>
+#include <span>
+#include <string>
+#include <tuple>
 #include <utility>
+#include <vector>
 
 #include "PellakCore/base/BytePath.h"
 #include "scanners/Luoghi.h"
@@ -62,32 +65,39 @@ std::string esadecimale(const Sha256Digest& digest) {
   return testo;
 }
 
-/// The paths of equal files in ascending order, each file on disk once.
-std::vector<std::string> percorsiDi(const std::vector<Contenuto>& contenuti, std::size_t da,
-                                    std::size_t fine, const std::vector<Candidato>& candidati,
-                                    const Candidati& testi) {
-  std::vector<std::pair<std::string, const Contenuto*>> ordinati;
-  for (std::size_t i = da; i < fine; ++i) {
-    ordinati.emplace_back(testi.percorso(candidati[contenuti[i].primo]), &contenuti[i]);
+/// Puts equal files into their group in ascending order of their paths, each file on disk once:
+/// what was found as two may have become one by the time it was read.
+void riempi(Group& gruppo, std::span<Contenuto> uguali, const std::vector<Candidato>& candidati,
+            const Candidati& testi) {
+  const auto file = [&](const Contenuto& c) {
+    return std::tie(candidati[c.primo].dev, candidati[c.primo].ino);
+  };
+  const auto percorso = [&](const Contenuto& c) { return testi.percorso(candidati[c.primo]); };
+  std::sort(uguali.begin(), uguali.end(), [&](const Contenuto& a, const Contenuto& b) {
+    return file(a) != file(b) ? file(a) < file(b) : percorso(a) < percorso(b);
+  });
+  std::vector<std::pair<std::string, std::int64_t>> copie;
+  copie.reserve(uguali.size());
+  for (std::size_t i = 0; i < uguali.size(); ++i) {
+    if (i > 0 && file(uguali[i]) == file(uguali[i - 1])) continue;
+    copie.emplace_back(percorso(uguali[i]), uguali[i].mtimeNs);
   }
-  std::sort(ordinati.begin(), ordinati.end());
-  std::set<std::pair<std::uint64_t, std::uint64_t>> visti;
-  std::vector<std::string> percorsi;
-  for (auto& [percorso, contenuto] : ordinati) {
-    if (visti.emplace(contenuto->dev, contenuto->ino).second) {
-      percorsi.push_back(std::move(percorso));
-    }
+  std::sort(copie.begin(), copie.end());
+  gruppo.paths.reserve(copie.size());
+  gruppo.mtimesNs.reserve(copie.size());
+  for (auto& [testo, mtimeNs] : copie) {
+    gruppo.paths.push_back(std::move(testo));
+    gruppo.mtimesNs.push_back(mtimeNs);
   }
-  return percorsi;
 }
 
-std::vector<Group> gruppi(const std::vector<Contenuto>& contenuti,
+std::vector<Group> gruppi(std::vector<Contenuto>& contenuti,
                           const std::vector<Candidato>& candidati, const Candidati& testi) {
   std::vector<Group> trovati;
   for (std::size_t da = 0; da < contenuti.size();) {
     const std::size_t fine = fineUguali(contenuti, da);
     Group gruppo;
-    gruppo.paths = percorsiDi(contenuti, da, fine, candidati, testi);
+    riempi(gruppo, std::span(contenuti).subspan(da, fine - da), candidati, testi);
     gruppo.size = contenuti[da].size;
     gruppo.hash = esadecimale(contenuti[da].digest);
     if (gruppo.paths.size() > 1) trovati.push_back(std::move(gruppo));

@@ -8,10 +8,10 @@ namespace pellak::scanners {
 /// Finds files of equal content below the rules' roots: one group for each set, most recoverable
 /// bytes first (then larger files, then the first path).
 ///
-/// Sizes are compared, then samples, then SHA-256 of everything; only the last one decides. Each
-/// file on disk is read once at most, however many names it has, and stands in its group with the
-/// first of them. A file that can't be read, vanishes or is written to while it is read is left
-/// out.
+/// Sizes are compared, then samples, then whole contents: byte for byte among files read side by
+/// side, which then have one SHA-256, and by that hash otherwise. Only the whole decides. Each file
+/// on disk is read once at most, however many names it has, and stands in its group with the first
+/// of them. A file that can't be read, vanishes or is written to while it is read is left out.
 ///
 /// Refused roots and files go to the section's counter, folders refused on the way to the shared
 /// one. Throws `ScanCancelled`, within a block of each file being read.

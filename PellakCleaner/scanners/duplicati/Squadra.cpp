@@ -10,12 +10,11 @@
 namespace pellak::scanners {
 
 void Squadra::esegui(const std::function<void()>& lavoro) {
-  const std::size_t lettori =
-      std::min(parti_, std::max<std::size_t>(kLettori, std::thread::hardware_concurrency()));
+  const std::size_t quanti = std::min(parti_, thread_);
   std::vector<std::thread> altri;
-  altri.reserve(lettori);
+  altri.reserve(quanti);
   try {
-    while (altri.size() + 1 < lettori) altri.emplace_back([&] { protetto(lavoro); });
+    while (altri.size() + 1 < quanti) altri.emplace_back([&] { protetto(lavoro); });
   } catch (const std::system_error&) {
     // With fewer threads it only takes longer.
   }

@@ -13,11 +13,9 @@ namespace pellak::scanners {
 /// ascending order.
 class Squadra {
  public:
-  /// So many readers at most: enough to keep a disk busy while the others compute.
-  static constexpr std::size_t kLettori = 8;
-
-  /// `stop` may be empty.
-  Squadra(std::size_t parti, const std::function<bool()>& stop) : parti_(parti), stop_(stop) {}
+  /// At most `thread` threads share the work. `stop` may be empty.
+  Squadra(std::size_t parti, std::size_t thread, const std::function<bool()>& stop)
+      : parti_(parti), thread_(thread), stop_(stop) {}
 
   /// Runs `lavoro` on several threads, waits for all of them and passes on the first exception;
   /// the others are then told by `controlla` to end. Called once.
@@ -36,6 +34,7 @@ class Squadra {
   void protetto(const std::function<void()>& lavoro);
 
   const std::size_t parti_;
+  const std::size_t thread_;
   const std::function<bool()>& stop_;
   std::atomic<std::size_t> prese_{0};
   mutable std::atomic<bool> finita_{false};

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "PellakCore/Finding.h"
+#include "trash/Cestino.h"
+#include "trash/Copie.h"
+
+namespace pellak::app {
+
+/// One request to the router.
+struct RichiestaCestino {
+  std::string rotta;
+  std::string corpo;  ///< a JSON object
+  std::string nome;   ///< what its refusal is about, when there are several; else empty
+};
+
+/// What moving a category, or groups of it, to the Trash comes down to.
+struct SceltaCestino {
+  std::vector<trash::Candidato> voci;  ///< what would go
+  std::vector<RichiestaCestino> richieste;
+  /// The first request is refused, whatever lies on the disk: there is nothing to ask the user.
+  bool rifiutata = false;
+};
+
+/// `gruppi` empty: the whole category. Of duplicates one copy of each group stays: of a named
+/// group the first that exists, otherwise the first that is as the scan found it.
+SceltaCestino scegliPerCestino(const Finding& finding, std::vector<std::int64_t> gruppi,
+                               const trash::Copie& copie);
+
+/// Bytes of a choice.
+std::int64_t totale(const SceltaCestino& scelta);
+
+}  // namespace pellak::app

@@ -1,0 +1,269 @@
+"""The Trash from outside: whatever happens meanwhile, nothing is lost and all can be put back."""
+
+import json
+import os
+import random
+import shutil
+import subprocess
+import time
+import unittest
+
+from cestino import FINDING, ConCestino, json_percorso
+from programma import PROGRAMMA
+
+# Sanitizers and tracers make every run slow.
+LENTO = "PELLAK_LENTO" in os.environ or any(n.endswith("SAN_OPTIONS") for n in os.environ)
+# How many batches are killed, and as many ways back.
+UCCISIONI = 20 if LENTO else 200
+
+
+class Ucciso(ConCestino):
+    VOCI = 40
+
+    def uccidi(self, rotta, corpo, durata):
+        processo = subprocess.Popen(
+            [PROGRAMMA, "api", rotta, json.dumps(corpo)], env=self.ambiente,
+            stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        time.sleep(self.caso.random() * durata)
+        processo.kill()
+        processo.wait()
+
+    def rimetti(self, ops):
+        for op in ops:
+            self.api("/api/restore", {"op": op["id"]})
+
+    def cronometro(self, fai):
+        inizio = time.monotonic()
+        fai()
+        return time.monotonic() - inizio
+
+    def test_killed_at_random_moments_nothing_is_lost(self):
+        self.caso = random.Random(7)
+        for i in range(self.VOCI):
+            self.cosa(f"{i}/dato" if i % 2 else f"{i}", f"contenuto {i}")
+        self.scandisci()
+        attesi = self.contenuti()
+        risultati = (self.supporto / "risultati.json").read_bytes()
+        durata_via = self.cronometro(self.cestina)
+        durata_ritorno = self.cronometro(self.ripristina)
+        self.assertEqual(self.contenuti(), attesi)
+        a_meta = ripresi = 0
+        for _ in range(UCCISIONI):
+            (self.supporto / "risultati.json").write_bytes(risultati)
+            self.uccidi("/api/trash", {"id": FINDING}, durata_via)
+            a_meta += self.verifica_a_meta(attesi)
+            ops = self.verifica_ripresa(attesi)
+            ripresi += any("nota" in op for op in ops)
+            for op in ops:
+                self.uccidi("/api/restore", {"op": op["id"]}, durata_ritorno)
+                a_meta += self.verifica_a_meta(attesi)
+            if ops:
+                self.rimetti(self.verifica_ripresa(attesi))
+            self.assertEqual(self.contenuti(), attesi)
+        self.assertGreater(ripresi, 0, "no kill fell between the first move and the record")
+        self.assertGreater(a_meta, 0, "no kill fell in the middle of a batch")
+
+    def verifica_a_meta(self, attesi):
+        """Right after the kill. Whether it left some items here and some there."""
+        posti = self.contenuti()
+        self.assertEqual(set(posti), set(attesi))
+        via = sum(b"/Trash/files/" in percorso for percorso in posti.values())
+        return 0 < via < len(attesi)
+
+    def verifica_ripresa(self, attesi):
+        """After the next start; the operations that hold what lies in the Trash then."""
+        ops = [op for op in self.operazioni() if not all(voce["rip"] for voce in op["items"])]
+        posti = self.contenuti()
+        self.assertEqual(set(posti), set(attesi))
+        self.assertCestinoCoerente()
+        files = self.cestino / "files"
+        dentro = {str(files / nome) for nome in os.listdir(files)} if files.exists() else set()
+        self.assertEqual({voce["trash"] for op in ops for voce in op["items"] if not voce["rip"]},
+                         dentro)
+        return ops
+
+
+class Nomi(ConCestino):
+    def test_any_bytes_are_a_name_and_a_taken_one_gets_a_number(self):
+        lungo = "l" * 255
+        nomi = [b"a\nb", b"\xff\xfe\xc3", "caffè %41 \"q\"".encode(), b"-rf", b" ", b"x.trashinfo",
+                lungo.encode(), "\uefff".encode(), b"..."]
+        for i, nome in enumerate(nomi):
+            self.cosa(nome, f"c{i}")
+        (self.cestino / "files").mkdir(parents=True)
+        (self.cestino / "info").mkdir()
+        (self.cestino / "files/-rf").write_text("senza scheda")
+        (self.cestino / "info/....trashinfo").write_text("senza elemento")
+        prima = self.contenuti()
+        self.scandisci()
+        self.assertEqual(self.cestina(), {"ok": len(nomi), "failed": []})
+        voci = self.operazioni()[0]["items"]
+        self.assertEqual({voce["orig"] for voce in voci},
+                         {json_percorso(p) for p in prima.values() if b"/cose/" in p})
+        trash = {voce["orig"].rpartition("/")[2]: voce["trash"] for voce in voci}
+        self.assertEqual((trash["-rf"][-6:], trash["..."][-6:]), ("/-rf.2", "/....2"))
+        self.assertEqual(self.ripristina(), {"ok": True, "items": len(nomi), "errors": []})
+        self.assertEqual(self.contenuti(), prima)
+        self.assertEqual((self.cestino / "files/-rf").read_text(), "senza scheda")
+        self.assertEqual((self.cestino / "info/....trashinfo").read_text(), "senza elemento")
+
+    def test_very_many_items_of_one_name(self):
+        quanti = 1_000 if LENTO else 20_000
+        for i in range(quanti):
+            self.cosa(f"{i}/stesso", str(i))
+        self.regole([{"id": FINDING, "name": "X", "section": "sviluppo", "mode": "delete",
+                      "paths": [f"~/cose/{i}/stesso" for i in range(quanti)]}])
+        prima = self.contenuti()
+        self.scandisci()
+        self.assertEqual(self.cestina(), {"ok": quanti, "failed": []})
+        self.assertCestinoCoerente()
+        self.assertEqual(self.contenuti("cose"), {})
+        self.assertEqual(self.ripristina(), {"ok": True, "items": quanti, "errors": []})
+        self.assertEqual(self.contenuti(), prima)
+        self.assertCestinoCoerente()
+
+
+class Meanwhile(ConCestino):
+    """Something changes between the scan and the request."""
+
+    def test_a_path_that_vanished_and_a_link_in_its_place(self):
+        for nome in ("via", "resta", "link"):
+            self.cosa(nome, nome)
+        self.cosa("madre/figlio", "figlio")
+        altrove = self.file("altrove/prezioso", 5_000)
+        self.file("altrove/figlio", 5_001)
+        self.regole([{"id": FINDING, "name": "X", "section": "sviluppo", "mode": "delete",
+                      "paths": ["~/cose/via", "~/cose/resta", "~/cose/link",
+                                "~/cose/madre/figlio"]}])
+        self.scandisci()
+        os.unlink(self.casa / "cose/via")
+        os.unlink(self.casa / "cose/link")
+        os.symlink(altrove, self.casa / "cose/link")
+        os.rename(self.casa / "cose/madre", self.casa / "cose/vera")
+        os.symlink(self.casa / "altrove", self.casa / "cose/madre")
+        risposta = self.cestina()
+        self.assertEqual(risposta["ok"], 2)
+        errori = {os.path.basename(v["percorso"]): v["err"] for v in risposta["failed"]}
+        self.assertEqual(set(errori), {"via", "figlio"})
+        self.assertEqual(errori["via"], "non esiste piu': era gia' stato rimosso")
+        self.assertTrue((self.cestino / "files/link").is_symlink())
+        self.assertEqual(os.path.getsize(altrove), 5_000)
+        self.assertEqual((self.casa / "altrove/figlio").stat().st_size, 5_001)
+        self.assertEqual(self.ripristina()["items"], 2)
+        self.assertEqual(os.readlink(self.casa / "cose/link"), os.fsdecode(altrove))
+
+    def test_what_the_trash_holds_now_is_looked_at(self):
+        self.cosa("svuotato", "svuotato")
+        self.cosa("sostituito", "sostituito")
+        self.cosa("senzascheda", "senzascheda")
+        self.scandisci()
+        self.cestina()
+        for nome in ("svuotato", "sostituito"):
+            (self.cestino / "files" / nome).unlink()
+            (self.cestino / f"info/{nome}.trashinfo").unlink()
+        # Another program's item under the same name, from another place.
+        (self.cestino / "files/sostituito").write_text("di un altro")
+        (self.cestino / "info/sostituito.trashinfo").write_text(
+            "[Trash Info]\nPath=/altrove/sostituito\nDeletionDate=2024-01-01T00:00:00\n")
+        (self.cestino / "info/senzascheda.trashinfo").unlink()
+        esito = self.ripristina()
+        self.assertEqual(esito["items"], 1)
+        self.assertEqual(sorted(esito["errors"]), ["sostituito: non è più nel Cestino",
+                                                   "svuotato: non è più nel Cestino"])
+        self.assertEqual(os.listdir(self.casa / "cose"), ["senzascheda"])
+        self.assertEqual((self.cestino / "files/sostituito").read_text(), "di un altro")
+        self.assertTrue((self.cestino / "info/sostituito.trashinfo").exists())
+
+    def test_a_lost_parent_folder_is_made_again(self):
+        self.cosa("a/b/c", "c")
+        self.regole([{"id": FINDING, "name": "X", "section": "sviluppo", "mode": "delete",
+                      "paths": ["~/cose/a/b/c"]}])
+        self.scandisci()
+        prima = self.contenuti()
+        self.cestina()
+        shutil.rmtree(self.casa / "cose")
+        self.assertEqual(self.ripristina(), {"ok": True, "items": 1, "errors": []})
+        self.assertEqual(self.contenuti(), prima)
+
+
+class Libri(ConCestino):
+    """The intent file and the log, broken or large."""
+
+    def test_a_damaged_intent_is_kept_aside_and_stops_nothing(self):
+        for testo in ("", "{", "[1]", '{"passi":1}', "\0\xff", '{"id":"A","passi":[7,{"orig":5}]}'):
+            with self.subTest(testo):
+                shutil.rmtree(self.casa / "cose", ignore_errors=True)
+                self.registro.unlink(missing_ok=True)
+                self.cosa("a", "a" + testo)
+                self.scandisci()
+                self.intento.write_text(testo)
+                prima = self.contenuti()
+                self.assertEqual(self.cestina()["ok"], 1)
+                self.assertFalse(self.intento.exists())
+                if not testo.startswith('{"id"'):
+                    guasto = self.intento.with_name(self.intento.name + ".guasto")
+                    self.assertEqual(guasto.read_text(), testo)
+                    guasto.unlink()
+                self.assertEqual(self.ripristina(0)["items"], 1)
+                self.assertEqual(self.contenuti(), prima)
+
+    def test_many_operations_newest_first(self):
+        quante = 20_000 if LENTO else 100_000
+        self.supporto.mkdir(parents=True)
+        with open(self.registro, "w", encoding="utf-8") as uscita:
+            for i in range(quante):
+                uscita.write(f'{{"id":"{i:012d}","ts":{i}.5,"azione":"Categoria: X","tot":{i},'
+                             f'"items":[{{"orig":"/x/{i}","trash":"/t/{i}","rip":false}}]}}\n')
+            uscita.write('{"ripristino":"000000000007","ts":1,"indici":[0]}\n{"id":"tagl')
+        ops = self.operazioni()
+        self.assertEqual([op["ts"] for op in ops], [i + 0.5 for i in reversed(range(quante))])
+        self.assertEqual([op["id"] for op in ops if op["items"][0]["rip"]], ["000000000007"])
+        self.cosa("a", "a")
+        self.scandisci()
+        self.cestina()
+        self.assertEqual(self.operazioni()[0]["items"][0]["orig"], str(self.casa / "cose/a"))
+        self.assertEqual(self.ripristina()["items"], 1)
+
+
+@unittest.skipUnless(shutil.which("trash-list"), "trash-cli is not installed")
+class AltriProgrammi(ConCestino):
+    """What other programs of the desktop make of our Trash, and we of what they did."""
+
+    def programma(self, *argomenti, entrata=""):
+        return subprocess.run(argomenti, env=self.ambiente, input=entrata, text=True, check=True,
+                              capture_output=True, cwd=self.casa, timeout=60).stdout
+
+    def test_trash_cli_lists_and_restores_ours_and_we_ours_after_it(self):
+        for nome in ("uno.txt", "due è %.txt", "tre"):
+            self.cosa(nome, nome)
+        prima = self.contenuti()
+        self.scandisci()
+        self.cestina()
+        elenco = self.programma("trash-list")
+        for percorso in prima.values():
+            self.assertIn(os.fsdecode(percorso) + "\n", elenco)
+        tornato = self.casa / "cose/due è %.txt"
+        self.programma("trash-restore", tornato, entrata="0\n")
+        self.assertTrue(tornato.exists())
+        (self.cestino / "info/tre.trashinfo").rename(self.casa / "scheda-spostata")
+        esito = self.ripristina()
+        self.assertEqual((esito["items"], esito["errors"]),
+                         (2, ["due è %.txt: non è più nel Cestino"]))
+        self.assertEqual(self.contenuti(), prima)
+
+    def test_the_desktop_lists_ours(self):
+        if not shutil.which("gio"):
+            self.skipTest("gio is not installed")
+        self.cosa("uno due", "uno")
+        self.scandisci()
+        self.cestina()
+        sessione = ["dbus-run-session", "--"] if shutil.which("dbus-run-session") else []
+        esito = subprocess.run([*sessione, "gio", "trash", "--list"], env=self.ambiente, text=True,
+                               capture_output=True, timeout=60)
+        if "not supported" in esito.stderr:
+            self.skipTest("gio has no Trash back end here")
+        self.assertIn(str(self.casa / "cose/uno due"), esito.stdout)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,264 @@
+"""The Trash on other volumes, on full and read-only ones, and where rights are missing."""
+
+import json
+import os
+import shutil
+import subprocess
+import unittest
+
+from cestino import ConCestino
+from programma import NOBODY, PROGRAMMA
+
+UTENTE = os.geteuid()
+PERMESSO = ("permesso negato da macOS: concedi l'Accesso completo al disco (pannello Permessi) "
+            "oppure rimuovilo dal Finder")
+
+
+class ConVolumi(ConCestino):
+    def monta(self, percorso, *argomenti):
+        percorso.mkdir(exist_ok=True)
+        subprocess.run(["mount", *argomenti, percorso], check=True)
+        self.addCleanup(subprocess.run, ["umount", "--lazy", percorso], check=True)
+
+    def tmpfs(self, percorso, size="16m"):
+        self.monta(percorso, "-t", "tmpfs", "-o", f"size={size}", "tmpfs")
+
+    def riempi(self, cartella):
+        with open(cartella / "zavorra", "wb", buffering=0) as zavorra:
+            with self.assertRaises(OSError):
+                while True:
+                    zavorra.write(b"x" * 4096)
+
+    def via_e_ritorno(self, cestino):
+        """All of `cose` goes to that Trash and comes back."""
+        self.cosa("uno è", "uno")
+        self.cosa("d/due", "due")
+        prima = self.contenuti("cose")
+        self.scandisci()
+        self.assertEqual(self.cestina(), {"ok": 2, "failed": []})
+        self.assertEqual({voce["trash"] for voce in self.operazioni()[0]["items"]},
+                         {f"{cestino}/files/uno è", f"{cestino}/files/d"})
+        self.assertFalse((self.cestino / "files").exists(), "not the home Trash")
+        self.assertEqual(self.scheda("uno è", cestino), "uno è".encode())
+        self.assertCestinoCoerente(cestino)
+        self.assertRegex((cestino / "directorysizes").read_text(), r"^\d+ \d{13} d\n$")
+        self.assertEqual(self.ripristina(), {"ok": True, "items": 2, "errors": []})
+        self.assertCestinoCoerente(cestino)
+        self.assertEqual((cestino / "directorysizes").read_text(), "")
+        self.assertEqual(self.contenuti("cose"), prima)
+
+
+@unittest.skipUnless(UTENTE == 0, "mounts volumes, so it needs root")
+class AltroVolume(ConVolumi):
+    def setUp(self):
+        super().setUp()
+        self.cose = self.casa / "cose"
+
+    def test_a_volume_without_a_trash_gets_one(self):
+        self.tmpfs(self.cose)
+        self.via_e_ritorno(self.cose / f".Trash-{UTENTE}")
+        self.assertEqual((self.cose / f".Trash-{UTENTE}").stat().st_mode & 0o7777, 0o700)
+
+    def test_another_mount_of_the_same_volume(self):
+        vera = self.casa / "vera"
+        vera.mkdir()
+        self.monta(self.cose, "--bind", str(vera))
+        self.via_e_ritorno(self.cose / f".Trash-{UTENTE}")
+
+    def test_a_shared_trash_with_its_sticky_bit(self):
+        self.tmpfs(self.cose)
+        (self.cose / ".Trash").mkdir()
+        os.chmod(self.cose / ".Trash", 0o1777)
+        self.via_e_ritorno(self.cose / f".Trash/{UTENTE}")
+
+    def test_a_shared_trash_that_cannot_be_trusted(self):
+        for caso in ("no sticky bit", "link"):
+            with self.subTest(caso):
+                self.tmpfs(self.cose)
+                if caso == "link":
+                    altrove = self.casa / "altrove"
+                    altrove.mkdir(mode=0o1777)
+                    os.chmod(altrove, 0o1777)
+                    os.symlink(altrove, self.cose / ".Trash")
+                else:
+                    (self.cose / ".Trash").mkdir()
+                    os.chmod(self.cose / ".Trash", 0o777)
+                self.via_e_ritorno(self.cose / f".Trash-{UTENTE}")
+                self.assertEqual(list((self.cose / ".Trash").iterdir()), [])
+
+    def test_a_mounted_volume_itself_stays(self):
+        self.cose.mkdir()
+        self.tmpfs(self.cose / "volume")
+        self.file("cose/volume/dato")
+        self.scandisci()
+        risposta = self.cestina()
+        self.assertEqual((risposta["ok"], risposta["failed"][0]["err"]),
+                         (0, "e' in uso da un programma aperto: chiudilo e riprova"))
+
+    def test_a_read_only_volume(self):
+        self.tmpfs(self.cose)
+        for pronto in (False, True):
+            with self.subTest(pronto=pronto):
+                self.cosa("a", "a")
+                self.cosa("b", "b")
+                self.scandisci()
+                if pronto:
+                    self.cestina(items=[str(self.cose / "b")])
+                prima = self.contenuti("cose")
+                subprocess.run(["mount", "-o", "remount,ro", self.cose], check=True)
+                risposta = self.cestina()
+                self.assertEqual(risposta["ok"], 0)
+                self.assertEqual({v["err"] for v in risposta["failed"]},
+                                 {"il volume e' in sola lettura: elemento non spostato"})
+                if pronto:
+                    self.assertEqual(self.ripristina()["items"], 0)
+                self.assertEqual(self.contenuti("cose"), prima)
+                subprocess.run(["mount", "-o", "remount,rw", self.cose], check=True)
+        self.assertEqual(self.ripristina()["items"], 1)
+
+    def test_a_full_volume(self):
+        self.tmpfs(self.cose, "256k")
+        self.cosa("a", "a")
+        self.scandisci()
+        self.riempi(self.cose)
+        prima = self.contenuti("cose")
+        risposta = self.cestina()
+        self.assertEqual((risposta["ok"], risposta["failed"][0]["err"]),
+                         (0, "spazio esaurito sul volume: elemento non spostato"))
+        self.assertEqual(self.contenuti("cose"), prima)
+        self.assertCestinoCoerente(self.cose / f".Trash-{UTENTE}")
+
+    def test_a_volume_that_is_away_and_comes_again(self):
+        self.tmpfs(self.cose)
+        self.cosa("a", "a")
+        prima = self.contenuti("cose")
+        self.scandisci()
+        self.cestina()
+        vuoto = self.casa / "vuoto"
+        vuoto.mkdir()
+        subprocess.run(["mount", "--bind", vuoto, self.cose], check=True)
+        self.assertEqual(self.ripristina()["errors"], ["a: non è più nel Cestino"])
+        subprocess.run(["umount", self.cose], check=True)
+        self.assertEqual(self.ripristina()["items"], 1)
+        self.assertEqual(self.contenuti("cose"), prima)
+
+
+@unittest.skipUnless(UTENTE == 0, "mounts volumes, so it needs root")
+class DiscoPieno(ConVolumi):
+    def test_a_home_with_little_room_loses_nothing(self):
+        """From no room at all to enough, one page at a time."""
+        disco = self.casa / "disco"
+        self.tmpfs(disco, "1m")
+        self.ambiente["HOME"] = str(disco)
+        self.casa = disco
+        self.cestino = disco / ".local/share/Trash"
+        for i in range(6):
+            self.cosa(f"n{i}", f"n{i}")
+        self.regole([{"id": "x", "name": "X", "section": "sviluppo", "mode": "delete",
+                      "children_of": "~/cose"}])
+        self.scandisci()
+        risultati = (self.supporto / "risultati.json").read_bytes()
+        prima = self.contenuti()
+        esiti = set()
+        for pagine in range(24):
+            (self.supporto / "risultati.json").write_bytes(risultati)
+            self.riempi(disco)
+            with open(disco / "zavorra", "r+b") as zavorra:
+                zavorra.truncate(max(0, os.path.getsize(zavorra.name) - pagine * 4096))
+            stato, risposta = self.prova("/api/trash", {"id": "x"})
+            posti = self.contenuti()
+            self.assertEqual(set(posti), set(prima))
+            mossi = sum(b"/Trash/files/" in p for p in posti.values())
+            self.assertEqual(risposta.get("ok", 0), mossi)
+            self.assertEqual(stato == 0, "ok" in risposta, risposta)
+            esiti.add(risposta.get("err", "ok" if mossi == 6 else "some"))
+            self.torna(prima)
+        self.assertIn("disco pieno: il registro non è scrivibile e non sposto nulla", esiti)
+        self.assertIn("ok", esiti)
+
+    def prova(self, rotta, corpo):
+        esito = subprocess.run([PROGRAMMA, "api", rotta, json.dumps(corpo)], env=self.ambiente,
+                               capture_output=True, timeout=60)
+        return esito.returncode, json.loads(esito.stdout)
+
+    def torna(self, prima):
+        """With the disk still as full, then with room: in the end all is back."""
+        for posto in ("pieno", "spazio"):
+            for op in self.operazioni():
+                if not all(voce["rip"] for voce in op["items"]):
+                    self.prova("/api/restore", {"op": op["id"]})
+            self.assertEqual(set(self.contenuti()), set(prima), posto)
+            (self.casa / "zavorra").unlink(missing_ok=True)
+        self.assertEqual(self.contenuti(), prima)
+        self.assertCestinoCoerente()
+
+
+@unittest.skipUnless(UTENTE == 0, "gives its home to another user, so it needs root")
+class SenzaDiritti(ConCestino):
+    """The program runs as a user who owns the home but not everything in it."""
+
+    def da_nessuno(self, *argomenti):
+        return subprocess.run([self.casa / "programma/pellak-cleaner", *argomenti],
+                              env=self.ambiente, timeout=60, stdin=subprocess.DEVNULL,
+                              capture_output=True, text=True, user=NOBODY, group=NOBODY,
+                              extra_groups=[])
+
+    def setUp(self):
+        super().setUp()
+        copia = self.casa / "programma"
+        copia.mkdir()
+        shutil.copy(PROGRAMMA, copia / "pellak-cleaner")
+        self.cosa("a", "a")
+        (self.cestino / "files").mkdir(parents=True)
+        (self.cestino / "info").mkdir()
+        subprocess.run(["chown", "-R", f"{NOBODY}:{NOBODY}", self.casa], check=True)
+        self.assertEqual(self.da_nessuno("scan", "sviluppo").returncode, 0)
+
+    def rifiuto(self):
+        esito = self.da_nessuno("api", "/api/trash", '{"id":"x"}')
+        risposta = json.loads(esito.stdout)
+        self.assertTrue((self.casa / "cose/a").exists())
+        self.assertEqual((risposta.get("ok"), self.registro.exists()), (0, False), risposta)
+        return risposta["failed"][0]["err"]
+
+    def test_a_trash_that_cannot_be_used(self):
+        for cartella in (self.cestino, self.cestino / "files", self.cestino / "info"):
+            for modo in (0o000, 0o500):
+                if (cartella, modo) == (self.cestino, 0o500):
+                    continue
+                with self.subTest(cartella=cartella.name, modo=oct(modo)):
+                    os.chmod(cartella, modo)
+                    self.assertEqual(self.rifiuto(), PERMESSO)
+                    os.chmod(cartella, 0o700)
+                    self.assertEqual(list(self.cestino.glob("*/*")), [])
+
+    def test_a_trash_of_somebody_else_or_reached_through_a_link(self):
+        os.chown(self.cestino, 0, 0)
+        os.chmod(self.cestino, 0o777)
+        self.assertEqual(self.rifiuto(), "il Cestino appartiene a un altro utente")
+        altrove = self.casa / "altrove"
+        self.cestino.rename(altrove)
+        os.symlink(altrove, self.cestino)
+        self.assertEqual(self.rifiuto(), "il Cestino è un collegamento simbolico: non lo uso")
+        self.assertEqual(list(altrove.glob("*/*")), [])
+
+    def test_a_folder_that_nothing_may_be_taken_out_of(self):
+        os.chmod(self.casa / "cose", 0o555)
+        self.assertEqual(self.rifiuto(), PERMESSO)
+        self.assertEqual(list(self.cestino.glob("*/*")), [])
+        os.chmod(self.casa / "cose", 0o755)
+        self.assertEqual(self.da_nessuno("api", "/api/trash", '{"id":"x"}').returncode, 0)
+        op = json.loads(self.da_nessuno("api", "/api/log").stdout)["ops"][0]["id"]
+        os.chmod(self.casa / "cose", 0o555)
+        esito = json.loads(self.da_nessuno("api", "/api/restore", json.dumps({"op": op})).stdout)
+        self.assertEqual(esito["errors"], [
+            "a: serve il permesso: concedi a PellakCleaner l'Accesso completo al disco "
+            "(pannello Permessi)"])
+        self.assertTrue((self.cestino / "files/a").exists())
+        os.chmod(self.casa / "cose", 0o755)
+        esito = json.loads(self.da_nessuno("api", "/api/restore", json.dumps({"op": op})).stdout)
+        self.assertEqual(esito["items"], 1)
+
+
+if __name__ == "__main__":
+    unittest.main()

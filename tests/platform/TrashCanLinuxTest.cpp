@@ -1,0 +1,198 @@
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <set>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+#include "fakes/CartellaTemporanea.h"
+#include "platform/linux/TrashCanLinux.h"
+#include "platform/linux/TrashRecord.h"
+
+namespace pellak::native {
+namespace {
+
+namespace fs = std::filesystem;
+using fakes::leggiFile;
+using fakes::scriviFile;
+
+class TrashCanLinuxTest : public testing::Test {
+ protected:
+  TrashCanLinuxTest() {
+    ::setenv("HOME", home_.percorso().c_str(), 1);
+    ::unsetenv("XDG_DATA_HOME");
+  }
+
+  std::string file(const std::string& nome, const std::string& testo = "x") {
+    scriviFile(home_ / nome, testo);
+    return home_ / nome;
+  }
+
+  TrashPlan plan(const std::string& percorso) {
+    auto piano = batch_->plan(percorso);
+    EXPECT_TRUE(piano.ok()) << percorso;
+    return piano ? *piano : TrashPlan{};
+  }
+
+  std::size_t records() const {
+    return static_cast<std::size_t>(
+        std::distance(fs::directory_iterator(trash_ + "/info"), fs::directory_iterator()));
+  }
+
+  fakes::CartellaTemporanea home_;
+  const std::string trash_ = home_ / ".local/share/Trash";
+  TrashCanLinux can_;
+  std::unique_ptr<TrashBatch> batch_ = can_.begin();
+};
+
+TEST(TrashRecordTest, EveryByteComesBackFromItsPercentForm) {
+  std::string tutti;
+  for (int byte = 0; byte < 256; ++byte) tutti += static_cast<char>(byte);
+  const std::string scritti = percentEncoded(tutti);
+  EXPECT_EQ(scritti.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"
+                                      "0123456789-._~/%"),
+            std::string::npos);
+  EXPECT_EQ(percentDecoded(scritti), tutti);
+  EXPECT_EQ(percentDecoded("%e8%zz%4%"), "\xe8%zz%4%");
+}
+
+TEST_F(TrashCanLinuxTest, NamesThatAreTakenOrPromisedGetANumberAndStayShortEnough) {
+  const std::string lungo(255, 'n');
+  fs::create_directories(trash_ + "/files");
+  fs::create_directories(trash_ + "/info");
+  scriviFile(trash_ + "/files/uno", "solo l'elemento");
+  scriviFile(trash_ + "/info/uno.2.trashinfo", "solo la scheda");
+  std::set<std::string> nomi;
+  for (const char* cartella : {"a", "b", "c"}) {
+    for (const std::string& nome : {std::string("uno"), lungo}) {
+      const TrashPlan piano = plan(file(std::string(cartella) + "/" + nome, cartella));
+      nomi.insert(piano.nelCestino);
+      const auto mosso = batch_->move(piano);
+      ASSERT_TRUE(mosso.ok());
+      EXPECT_EQ(leggiFile(*mosso), cartella);
+      EXPECT_EQ(batch_->locate(piano), piano.nelCestino);
+    }
+  }
+  EXPECT_EQ(nomi.size(), 6U);
+  EXPECT_TRUE(nomi.contains(trash_ + "/files/uno.3"));
+  EXPECT_EQ(leggiFile(trash_ + "/files/uno"), "solo l'elemento");
+  EXPECT_EQ(leggiFile(trash_ + "/info/uno.2.trashinfo"), "solo la scheda");
+}
+
+TEST_F(TrashCanLinuxTest, TwoBatchesWithOnePlanNeverReplaceEachOther) {
+  const TrashPlan primo = plan(file("a/doc", "primo"));
+  const auto altro = can_.begin();
+  const auto secondo = altro->plan(file("b/doc", "secondo"));
+  ASSERT_TRUE(secondo.ok());
+  ASSERT_EQ(primo.nelCestino, secondo->nelCestino);
+  ASSERT_TRUE(batch_->move(primo).ok());
+  EXPECT_EQ(altro->move(*secondo).error().kind, ErrorKind::exists);
+  EXPECT_EQ(leggiFile(home_ / "b/doc"), "secondo");
+  EXPECT_EQ(altro->locate(*secondo), "") << "another's item under the name";
+  altro->abandon(*secondo);
+  EXPECT_EQ(batch_->locate(primo), primo.nelCestino) << "its record must stay";
+  EXPECT_EQ(records(), 1U);
+}
+
+TEST_F(TrashCanLinuxTest, WhatWasPutAtThePathAfterThePlanStays) {
+  const TrashPlan piano = plan(file("a/doc", "di prima"));
+  fs::rename(home_ / "a/doc", home_ / "a/tenuto");
+  file("a/doc", "di un altro");
+  EXPECT_EQ(batch_->move(piano).error().kind, ErrorKind::invalid);
+  EXPECT_EQ(leggiFile(home_ / "a/doc"), "di un altro");
+  fs::remove(home_ / "a/doc");
+  EXPECT_EQ(batch_->move(piano).error().kind, ErrorKind::missing);
+  EXPECT_EQ(records(), 0U);
+  fs::rename(home_ / "a", home_ / "vera");
+  fs::create_directory_symlink(home_ / "vera", home_ / "a");
+  EXPECT_EQ(can_.begin()->plan(home_ / "a/tenuto").error().kind, ErrorKind::invalid);
+}
+
+TEST_F(TrashCanLinuxTest, PuttingBackNeverReplacesAndTakesOnlyItsOwnRecordAway) {
+  const TrashPlan uno = plan(file("uno", "1"));
+  const TrashPlan due = plan(file("due", "2"));
+  ASSERT_TRUE(batch_->move(uno).ok() && batch_->move(due).ok());
+  file("uno", "nuovo");
+  EXPECT_EQ(batch_->putBack(uno.nelCestino, home_ / "uno").error().kind, ErrorKind::exists);
+  EXPECT_EQ(batch_->putBack(uno.nelCestino, home_ / "manca/uno").error().kind, ErrorKind::missing);
+  ASSERT_TRUE(batch_->putBack(due.nelCestino, home_ / "due").ok());
+  // Somebody else gives the name, free again, to an item before the batch ends.
+  scriviFile(due.nelCestino, "di un altro");
+  ASSERT_TRUE(batch_->sync().ok());
+  EXPECT_EQ(records(), 2U);
+  fs::remove(due.nelCestino);
+  batch_->abandon(due);
+  batch_->abandon(uno);
+  EXPECT_EQ(records(), 1U) << "only the record without its item goes";
+  EXPECT_EQ(leggiFile(home_ / "uno"), "nuovo");
+  EXPECT_EQ(leggiFile(uno.nelCestino), "1");
+}
+
+TEST_F(TrashCanLinuxTest, ARecordCutShortIsNobodysButItsItemIsFoundByItsNumber) {
+  const TrashPlan piano = plan(file("a", "1"));
+  ASSERT_TRUE(batch_->move(piano).ok());
+  scriviFile(trash_ + "/info/a.trashinfo", "[Trash Info]\nPath=/al");
+  EXPECT_EQ(batch_->locate(piano), piano.nelCestino);
+  TrashPlan altro = piano;
+  ++altro.ino;
+  EXPECT_EQ(batch_->locate(altro), "");
+  fs::rename(piano.nelCestino, home_ / "a");
+  batch_->abandon(piano);
+  EXPECT_EQ(records(), 0U);
+}
+
+TEST_F(TrashCanLinuxTest, TheCacheOfFolderSizesFollowsTheFolders) {
+  scriviFile(trash_ + "/directorysizes", "7 123 sparita\nrotta\n8 123 con%20spazio");
+  fs::create_directories(trash_ + "/files/con spazio");
+  file("d\n/dentro");
+  TrashPlan piano = plan(home_ / "d\n");
+  piano.size = 4321;
+  ASSERT_TRUE(batch_->move(piano).ok());
+  ASSERT_TRUE(batch_->sync().ok());
+  const std::string scritte = leggiFile(trash_ + "/directorysizes");
+  EXPECT_TRUE(scritte.starts_with("8 123 con%20spazio\n4321 ")) << scritte;
+  EXPECT_TRUE(scritte.ends_with(" d%0A\n")) << scritte;
+  ASSERT_TRUE(batch_->putBack(piano.nelCestino, home_ / "d").ok());
+  ASSERT_TRUE(batch_->sync().ok());
+  EXPECT_EQ(leggiFile(trash_ + "/directorysizes"), "8 123 con%20spazio\n");
+}
+
+TEST_F(TrashCanLinuxTest, APathLongerThanTheSystemTakesGoesAndComesBack) {
+  const std::string nome(200, 'p');
+  std::string percorso = home_.percorso();
+  int cartella = ::open(percorso.c_str(), O_RDONLY | O_DIRECTORY);
+  for (int livello = 0; livello < 30; ++livello) {
+    ASSERT_EQ(::mkdirat(cartella, nome.c_str(), 0700), 0);
+    const int sotto = ::openat(cartella, nome.c_str(), O_RDONLY | O_DIRECTORY);
+    ::close(cartella);
+    cartella = sotto;
+    percorso += "/" + nome;
+  }
+  ::close(::openat(cartella, "foglia", O_WRONLY | O_CREAT, 0600));
+  const TrashPlan piano = plan(percorso + "/foglia");
+  ASSERT_TRUE(batch_->move(piano).ok());
+  EXPECT_NE(::faccessat(cartella, "foglia", F_OK, 0), 0);
+  EXPECT_EQ(can_.begin()->locate(piano), piano.nelCestino) << "the whole path is in the record";
+  ASSERT_TRUE(batch_->putBack(piano.nelCestino, piano.percorso).ok());
+  EXPECT_EQ(::faccessat(cartella, "foglia", F_OK, 0), 0);
+  ::close(cartella);
+}
+
+TEST_F(TrashCanLinuxTest, ManyRecordsGoTogether) {
+  std::vector<TrashPlan> piani;
+  for (int i = 0; i < 1000; ++i) {
+    piani.push_back(plan(file("m/" + std::to_string(i))));
+    ASSERT_TRUE(batch_->move(piani.back()).ok());
+  }
+  EXPECT_EQ(records(), 1000U);
+  for (const TrashPlan& piano : piani) {
+    ASSERT_TRUE(batch_->putBack(piano.nelCestino, piano.percorso).ok());
+  }
+  ASSERT_TRUE(batch_->sync().ok());
+  EXPECT_EQ(records(), 0U);
+}
+
+}  // namespace
+}  // namespace pellak::native

@@ -1,0 +1,91 @@
+#include <fcntl.h>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "fakes/CartellaTemporanea.h"
+#include "trash/Copie.h"
+
+namespace pellak::trash {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::int64_t kScritto = 1'700'000'000;
+
+/// A set of three copies as a scan found it, with times.
+class CopieTest : public testing::Test {
+ protected:
+  CopieTest() {
+    gruppo_.size = 5;
+    for (const char* nome : {"a", "b", "c"}) {
+      scrivi(nome, "12345", kScritto);
+      gruppo_.paths.push_back(home_ / nome);
+      gruppo_.mtimesNs.push_back(kScritto * 1'000'000'000 + 250'000'000);
+    }
+  }
+
+  void scrivi(const std::string& nome, const std::string& testo, std::int64_t secondo) {
+    fakes::scriviFile(home_ / nome, testo);
+    const timespec quando{secondo, 250'000'000};
+    const timespec tempi[] = {quando, quando};
+    ASSERT_EQ(::utimensat(AT_FDCWD, (home_ / nome).c_str(), tempi, 0), 0);
+  }
+
+  bool conservabile(std::size_t copia) {
+    std::vector<std::string> scartate = gruppo_.paths;
+    scartate.erase(scartate.begin() + static_cast<std::ptrdiff_t>(copia));
+    return copie_.conservabile(gruppo_, copia, scartate).has_value();
+  }
+
+  fakes::CartellaTemporanea home_;
+  const std::unique_ptr<FileReader> reader_ = creaFileReader();
+  const Copie copie_{*reader_};
+  Group gruppo_;
+};
+
+TEST_F(CopieTest, OnlyACopyAsTheScanFoundItMayStay) {
+  EXPECT_TRUE(conservabile(0) && conservabile(1) && conservabile(2));
+  scrivi("a", "54321", kScritto + 1);
+  EXPECT_FALSE(conservabile(0)) << "written since";
+  EXPECT_TRUE(copie_.riscritta(gruppo_, 0));
+  scrivi("a", "123456", kScritto);
+  EXPECT_FALSE(conservabile(0)) << "another size";
+  fs::remove(home_ / "a");
+  EXPECT_FALSE(conservabile(0));
+  EXPECT_FALSE(copie_.riscritta(gruppo_, 0)) << "gone, not written to";
+  fs::create_symlink(home_ / "b", home_ / "a");
+  EXPECT_FALSE(conservabile(0)) << "a link holds nothing";
+  fs::remove(home_ / "a");
+  ASSERT_EQ(::mkfifo((home_ / "a").c_str(), 0600), 0);
+  EXPECT_FALSE(conservabile(0));
+}
+
+TEST_F(CopieTest, AnotherNameOfADiscardedFileIsNoCopy) {
+  fs::remove(home_ / "c");
+  fs::create_hard_link(home_ / "b", home_ / "c");
+  EXPECT_TRUE(conservabile(0));
+  EXPECT_FALSE(conservabile(1));
+  EXPECT_FALSE(conservabile(2));
+  EXPECT_TRUE(copie_.conservabile(gruppo_, 1, {home_ / "a"}).has_value());
+}
+
+TEST_F(CopieTest, AWriteRightBeforeTheMoveIsSeen) {
+  const auto stato = copie_.conservabile(gruppo_, 0, {home_ / "b"});
+  ASSERT_TRUE(stato.has_value());
+  EXPECT_TRUE(copie_.ancora(home_ / "a", *stato));
+  scrivi("a", "54321", kScritto);
+  EXPECT_FALSE(copie_.ancora(home_ / "a", *stato)) << "size and time set as they were";
+}
+
+TEST_F(CopieTest, ResultsWithoutTimesCompareTheContent) {
+  gruppo_.mtimesNs.clear();
+  EXPECT_FALSE(conservabile(0)) << "nothing to compare with";
+  gruppo_.hash = "5994471abb01112afcc18159f6cc74b4f511b99806da59b3caf5a9c173cacfc5";
+  EXPECT_TRUE(conservabile(0));
+  scrivi("a", "54321", kScritto);
+  EXPECT_FALSE(conservabile(0));
+}
+
+}  // namespace
+}  // namespace pellak::trash
