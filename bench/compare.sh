@@ -2,19 +2,17 @@
 # compare.sh WALK_TOOL [FOLDER]: times pellak-walk-bench against the system's programs on a tree
 # like a real home, each round running all of them in turn, and checks that all find the same.
 #
-# FOLDER holds the tree (made there when missing, about 3 GB; default in the temporary folder).
-# ROUNDS (7) and COLD_ROUNDS (5) say how often, 0 is never; cold rounds need the right to drop the
-# caches. Each run waits up to 20 seconds for a quiet machine.
+# FOLDER holds the tree (made there when missing, about 3 GB; default in the temporary folder). See
+# timing.sh for ROUNDS and COLD_ROUNDS.
 set -euo pipefail
-export LC_ALL=C
 
 tool=$1
 corpus=${2:-${TMPDIR:-/tmp}/pellak-bench-corpus}
-rounds=${ROUNDS:-7}
-cold_rounds=${COLD_ROUNDS:-5}
 threshold=5242881
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+# shellcheck source=bench/timing.sh
+source "$(dirname "${BASH_SOURCE[0]}")/timing.sh"
 
 if [[ ! -d $corpus ]]; then
   printf 'making %s\n' "$corpus"
@@ -23,15 +21,16 @@ fi
 home=$corpus/home
 huge=$corpus/huge
 deep=$corpus/deep
+folder=$home  # what is measured now
 
 # The programs, by name; each prints what it found. Sizes above a limit are at least limit + 1.
-run_find_list()  { find "$1" -type f -size "+$((threshold - 1))c" -print0; }
-run_fd_list()    { fdfind -0 -HI -t f -S "+${threshold}b" . "$1"; }
-run_ours_list()  { "$tool" list "$threshold" "$1"; }
-run_du_home()    { du -sl --block-size=1 "$1"; }
-run_gdu_home()   { gdu --non-interactive --no-progress --summarize "$1"; }
-run_ours_home()  { "$tool" home "$1"; }
-run_ours_size()  { "$tool" size "$1"; }
+run_find_list()  { find "${1:-$folder}" -type f -size "+$((threshold - 1))c" -print0; }
+run_fd_list()    { fdfind -0 -HI -t f -S "+${threshold}b" . "${1:-$folder}"; }
+run_ours_list()  { "$tool" list "$threshold" "${1:-$folder}"; }
+run_du_home()    { du -sl --block-size=1 "${1:-$folder}"; }
+run_gdu_home()   { gdu --non-interactive --no-progress --summarize "${1:-$folder}"; }
+run_ours_home()  { "$tool" home "${1:-$folder}"; }
+run_ours_size()  { "$tool" size "${1:-$folder}"; }
 
 available() {
   case $1 in
@@ -75,66 +74,13 @@ same_bytes() {
 }
 
 # --- Times --------------------------------------------------------------------------------------
-drop_caches() {
-  sync
-  echo 3 >/proc/sys/vm/drop_caches
-}
-
-# Hundredths of a second that all processors have been busy, and taken away by the host.
-busy() { awk '/^cpu / { print $2 + $3 + $4 + $7 + $8 + $9; exit }' /proc/stat; }
-
-# Waits, but not for ever, until hardly anything else runs.
-wait_for_quiet() {
-  local before i
-  for ((i = 0; i < 100; ++i)); do
-    before=$(busy)
-    sleep 0.2
-    if (($(busy) - before <= 4)); then return; fi
-  done
-}
-
-# time_one NAME FOLDER FILE: appends the tenths of milliseconds that one run takes; to FILE.others
-# the percent of one processor that everything else had meanwhile.
-time_one() {
-  local before begin end cpu TIMEFORMAT='%U %S'
-  wait_for_quiet
-  before=$(busy)
-  begin=$EPOCHREALTIME
-  cpu=$({ time "run_$1" "$2" >"$work/output" 2>/dev/null; } 2>&1)
-  end=$EPOCHREALTIME
-  echo $(((${end/./} - ${begin/./}) / 100)) >>"$3"
-  awk -v all="$(($(busy) - before))" -v own="$cpu" -v us="$((${end/./} - ${begin/./}))" \
-    'BEGIN { split(own, c); o = all / 100 - c[1] - c[2]; printf "%d\n", (o > 0 ? o : 0) * 1e8 / us }' \
-    >>"$3.others"
-}
-
-median() { sort -n "$1" | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
-
-# compare TITLE warm|cold FOLDER OURS PEER...
-compare() {
-  local title=$1 state=$2 folder=$3 count=$rounds name round
-  shift 3
-  local names=()
+# measure TITLE FOLDER OURS PEER...: what is not installed is left out.
+measure() {
+  local title=$1 name names=()
+  folder=$2
+  shift 2
   for name; do available "$name" && names+=("$name"); done
-  [[ $state == cold ]] && count=$cold_rounds
-  rm -f "$work"/t.*
-  if [[ $state == warm ]]; then "run_$1" "$folder" >/dev/null; fi
-  for ((round = 0; round < count; ++round)); do
-    for name in "${names[@]}"; do
-      if [[ $state == cold ]]; then drop_caches; fi
-      time_one "$name" "$folder" "$work/t.$name"
-    done
-  done
-  local ours fastest
-  ours=$(median "$work/t.$1")
-  fastest=$(sort -n "$work/t.$1" | head -1)
-  printf '%s, %s\n' "$title" "$state"
-  for name in "${names[@]}"; do
-    awk -v n="$name" -v t="$(median "$work/t.$name")" -v o="$ours" -v f="$fastest" \
-      -v m="$(sort -n "$work/t.$name" | head -1)" -v b="$(median "$work/t.$name.others")" \
-      'BEGIN { printf "  %-10s median %7.1f ms (%.2fx)   fastest %7.1f ms (%.2fx)   others %d %%\n",
-                      n, t / 10, t / o, m / 10, m / f, b }'
-  done
+  compare_all "$title" "${names[@]}"
 }
 
 same_files "$home"
@@ -146,14 +92,9 @@ same_bytes "$home"
 same_bytes "$huge"
 same_bytes "$deep"
 
-states=()
-if ((rounds > 0)); then states+=(warm); fi
-if ((cold_rounds > 0)) && [[ -w /proc/sys/vm/drop_caches ]]; then states+=(cold); fi
-printf 'in brackets: times as long as the first; others: processor time of everything else\n'
-for state in "${states[@]}"; do
-  compare 'large files in a home' "$state" "$home" ours_list find_list fd_list
-  compare 'large files in one folder' "$state" "$huge" ours_list find_list fd_list
-  compare 'bytes of a home' "$state" "$home" ours_home du_home gdu_home
-  compare 'bytes of a home, one thread' "$state" "$home" ours_size du_home
-  compare 'bytes of 2,000 levels' "$state" "$deep" ours_size du_home
-done
+printf 'others: processor time of everything else\n'
+measure 'large files in a home' "$home" ours_list find_list fd_list
+measure 'large files in one folder' "$huge" ours_list find_list fd_list
+measure 'bytes of a home' "$home" ours_home du_home gdu_home
+measure 'bytes of a home, one thread' "$home" ours_size du_home
+measure 'bytes of 2,000 levels' "$deep" ours_size du_home

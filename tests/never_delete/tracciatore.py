@@ -64,12 +64,20 @@ class Tracciatore:
             if not traccia.exists():
                 continue  # killed before the tracer was there, and so before the program
             while True:
-                tracciato = Tracciato(traccia.read_bytes(), Proprio(home, dati), pid)
+                testo = traccia.read_bytes()
+                tracciato = Tracciato(testo, Proprio(home, dati), pid)
                 if tracciato.finito or time.monotonic() > limite:
                     break
+                if not testo and not self._vivo(pid):
+                    break
                 time.sleep(0.01)
-            letti.append(tracciato)
+            if testo:  # otherwise killed while the tracer was about to begin
+                letti.append(tracciato)
         return letti
+
+    @staticmethod
+    def _vivo(pid):
+        return os.path.exists(b"/proc/" + pid)
 
     def togli(self):
         shutil.rmtree(self.cartella, ignore_errors=True)
