@@ -59,9 +59,20 @@ class ConCasa(unittest.TestCase):
         percorso.write_text(json.dumps({"categories": categorie}))
         self.ambiente["PELLAK_RULES"] = str(percorso)
 
+    def per_altri(self):
+        """A copy that another user can run: the build folder may be closed to everybody else."""
+        copia = self.casa / "programma"
+        if not copia.exists():
+            copia.mkdir()
+            shutil.copy(PROGRAMMA, copia / "pellak-cleaner")
+            risorse = os.path.join(os.path.dirname(PROGRAMMA), "resources")
+            shutil.copytree(risorse, copia / "resources")
+        return str(copia / "pellak-cleaner")
+
     def avvia(self, *argomenti, **opzioni):
+        programma = self.per_altri() if "user" in opzioni else PROGRAMMA
         return subprocess.Popen(
-            [PROGRAMMA, *argomenti], env=self.ambiente, stdin=subprocess.PIPE,
+            [programma, *argomenti], env=self.ambiente, stdin=subprocess.PIPE,
             stdout=subprocess.PIPE, stderr=subprocess.PIPE, **opzioni)
 
     def esegui(self, *argomenti, stato=0, entrata=b"", **opzioni):

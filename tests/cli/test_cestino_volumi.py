@@ -2,7 +2,6 @@
 
 import json
 import os
-import shutil
 import subprocess
 import unittest
 
@@ -205,9 +204,7 @@ class SenzaDiritti(ConCestino):
 
     def setUp(self):
         super().setUp()
-        copia = self.casa / "programma"
-        copia.mkdir()
-        shutil.copy(PROGRAMMA, copia / "pellak-cleaner")
+        self.per_altri()
         self.cosa("a", "a")
         (self.cestino / "files").mkdir(parents=True)
         (self.cestino / "info").mkdir()

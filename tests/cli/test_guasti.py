@@ -2,7 +2,6 @@
 
 import json
 import os
-import shutil
 import subprocess
 import unittest
 
@@ -64,12 +63,7 @@ class SenzaDiritti(ConCasa):
 
     def setUp(self):
         super().setUp()
-        copia = self.casa / "programma"
-        copia.mkdir()
-        shutil.copy(PROGRAMMA, copia / "pellak-cleaner")
-        shutil.copytree(os.path.join(os.path.dirname(PROGRAMMA), "resources"),
-                        copia / "resources")
-        self.programma = str(copia / "pellak-cleaner")
+        self.programma = self.per_altri()
 
     def da_nessuno(self, *argomenti):
         for radice, cartelle, file in os.walk(self.casa):
