@@ -7,13 +7,16 @@ DEBIAN_RUN=(
   ccache
   cmake
   g++
+  libayatana-appindicator3-dev
   libboost-json1.81-dev
   libcli11-dev
   libfmt-dev
   libgdk-pixbuf-2.0-dev
   libglib2.0-dev
+  libgtk-3-dev
   librsvg2-common
   libssl-dev
+  libwebkit2gtk-4.1-dev
   ninja-build
   pkg-config
   xdg-utils
@@ -32,6 +35,7 @@ DEBIAN_TEST=(
   shellcheck
   strace
   trash-cli
+  xvfb
 )
 BREW_RUN=(boost ccache cli11 cmake fmt ninja)
 BREW_TEST=(clang-format googletest llvm python shellcheck)

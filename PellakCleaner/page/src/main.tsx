@@ -1,0 +1,18 @@
+import { render } from "preact";
+import "./styles/tokens.css";
+import "./styles/base.css";
+import "./styles/cornice.css";
+import "./styles/componenti.css";
+import "./styles/viste.css";
+import { api, invia } from "./api";
+import { Cornice } from "./components/Cornice";
+import { aggiungiEsclusa } from "./impostazioni";
+import { V, poll, seguiVisibilita } from "./polling";
+
+/** What the native side calls by name. */
+Object.assign(window, { V, api, poll, addExcludedFolder: aggiungiEsclusa });
+
+seguiVisibilita();
+const pagina = document.getElementById("pagina");
+if (pagina) render(<Cornice />, pagina);
+invia("ready");

@@ -1,0 +1,221 @@
+/** What goes through the channel: one type for each reply, and the table of routes. */
+
+export interface Errore {
+  err: string;
+  /** The refusal of an application that runs: it may be asked to quit first. */
+  chiudibile?: boolean;
+  nomeApp?: string;
+}
+
+export type Risposta<T> = T | Errore;
+
+export interface Voce {
+  path: string;
+  size: number;
+  size_h: string;
+  when: string;
+  mtime: number;
+}
+
+export interface Gruppo {
+  name: string;
+  bundle: string;
+  size: number;
+  size_h: string;
+  icon_src: string;
+  url: string;
+  spento: boolean;
+  admin: boolean;
+  system: boolean;
+  desc?: string;
+  pesi: number[];
+  deboli: string[];
+  paths: string[];
+  waste?: number;
+  waste_h?: string;
+}
+
+export interface Finding {
+  id: string;
+  name: string;
+  mode: string;
+  note: string;
+  hint: string;
+  unmeasured: boolean;
+  total: number;
+  total_h: string;
+  count: number;
+  kind: string;
+  items: Voce[];
+  groups: Gruppo[];
+}
+
+export interface Sezione {
+  id: string;
+  name: string;
+  desc: string;
+  scanning: boolean;
+  scanned: boolean;
+  queued: boolean;
+  status: string;
+  denied: number;
+  denied_top: { cartella: string; quanti: number }[];
+  last_scan: number;
+  total: number;
+  total_h: string;
+  findings: Finding[];
+  apps_n?: number;
+  apps_h?: string;
+  updates_n?: number;
+  avvio_n?: number;
+}
+
+/** Bytes of the volume that holds the home folder. */
+export interface Disco {
+  totale: number;
+  libero: number;
+}
+
+export interface RispostaStato {
+  sections: Sezione[];
+  busy: boolean;
+  ver: number;
+  disco?: Disco;
+  casa?: string;
+}
+
+/** The short reply to a request that already knows this version. */
+export interface RispostaInvariata {
+  invariato: true;
+  busy: boolean;
+  ver: number;
+  disco?: Disco;
+}
+
+export interface RispostaRegistro {
+  ops: Operazione[];
+}
+
+export interface Operazione {
+  id: string;
+  ts: number;
+  azione: string;
+  tot: number;
+  nota?: string;
+  items: { orig: string; trash?: string; rip: boolean }[];
+}
+
+export interface RispostaMappa {
+  path: string;
+  tot: number;
+  tot_h: string;
+  items: VoceMappa[];
+  non_leggibili?: number;
+  misurando?: boolean;
+}
+
+export interface VoceMappa {
+  nome: string;
+  dir: boolean;
+  size: number;
+  size_h: string;
+}
+
+export interface RispostaPermessi {
+  luoghi: { nome: string; percorso: string; leggibile: boolean; fda_denied: boolean }[];
+  fda_denied: boolean;
+}
+
+export interface Impostazioni {
+  dup_min_mb: number;
+  large_min_mb: number;
+  large_age_days: number;
+  cache_age_days: number;
+  leftover_age_days: number;
+  installer_age_days: number;
+  auto_days: number;
+  login_item: boolean;
+  menu_disk: boolean;
+  menu_ram: boolean;
+  menu_cpu: boolean;
+  menu_net: boolean;
+  menu_batt: boolean;
+  menu_bar_live: boolean;
+  rete_avvisi: boolean;
+  dup_exclude: string[];
+}
+
+export interface RispostaImpostazioni {
+  valori: Impostazioni;
+  default?: Impostazioni;
+  limiti?: Record<string, [number, number]>;
+}
+
+export interface RispostaCestino {
+  ok: number;
+  failed: { percorso: string; err: string }[];
+  saltati?: string[];
+  quante?: number;
+  avviso?: string;
+}
+
+export interface RispostaRipristino {
+  ok: true;
+  items: number;
+  errors: string[];
+  avviso?: string;
+}
+
+export interface Riuscita {
+  ok: true;
+}
+
+export interface RispostaAvvio {
+  ok: number | true;
+  failed?: { percorso: string; err: string }[];
+}
+
+export type RichiestaAvvio =
+  | { voci: { id: string; group: number }[]; attivo: boolean }
+  | { id: string; group: number; delete: true };
+
+interface UnaRotta<Richiesta, Esito> {
+  richiesta: Richiesta;
+  esito: Esito;
+}
+
+export interface Rotte {
+  "/api/state": UnaRotta<{ ver?: number }, RispostaStato | RispostaInvariata>;
+  "/api/scan": UnaRotta<{ section?: string }, Riuscita>;
+  "/api/stop": UnaRotta<object, Riuscita>;
+  "/api/log": UnaRotta<object, RispostaRegistro>;
+  "/api/mappa": UnaRotta<{ path?: string; force?: boolean }, RispostaMappa>;
+  "/api/apri": UnaRotta<{ path: string }, Riuscita>;
+  "/api/mostra": UnaRotta<{ path: string }, Riuscita>;
+  "/api/reveal": UnaRotta<{ id: string; group: number }, Riuscita>;
+  "/api/perms": UnaRotta<object, RispostaPermessi>;
+  "/api/perms/fda": UnaRotta<object, Riuscita>;
+  "/api/settings": UnaRotta<Partial<Impostazioni> & { reset?: true }, RispostaImpostazioni>;
+  "/api/trash": UnaRotta<{ id: string; items?: string[] }, RispostaCestino>;
+  "/api/trash_group": UnaRotta<
+    { id: string; group: number; first: string; chiudiPrima?: boolean },
+    RispostaCestino
+  >;
+  "/api/trash_sel": UnaRotta<
+    { id: string; groups: number[]; chiudiPrima?: boolean },
+    RispostaCestino
+  >;
+  "/api/keep": UnaRotta<{ group: number; keep: string; first: string }, RispostaCestino>;
+  "/api/keep_all": UnaRotta<object, RispostaCestino>;
+  "/api/dup_scarta": UnaRotta<{ id: string; group: number; paths: string[] }, RispostaCestino>;
+  "/api/restore": UnaRotta<{ op: string; index?: number }, RispostaRipristino>;
+  "/api/avvio": UnaRotta<RichiestaAvvio, RispostaAvvio>;
+}
+
+export type Percorso = keyof Rotte;
+export type Richiesta<P extends Percorso> = Rotte[P]["richiesta"];
+export type Esito<P extends Percorso> = Rotte[P]["esito"];
+
+export function fallita<T extends object>(risposta: Risposta<T>): risposta is Errore {
+  return "err" in risposta;
+}

@@ -1,0 +1,217 @@
+import { LayoutDashboard, Play, ScanSearch, Square, Trash2, Undo2 } from "lucide-preact";
+import { useEffect } from "preact/hooks";
+import { Anello } from "../components/Anello";
+import { Pulsante } from "../components/Pulsante";
+import { Vista } from "../components/Vista";
+import { caricaPermessi } from "../permessi";
+import type { Sezione } from "../rotte";
+import {
+  byteLiberabili,
+  disco,
+  inScansione,
+  maiScansionato,
+  mancanti,
+  occupato,
+  permessi,
+  pronto,
+  sezioni,
+  statoMostrato,
+  totaleLiberabile,
+  ultimaScansione,
+  vista,
+} from "../store";
+import { dimensione, numero, quando, quanti } from "../testo";
+import type { Vista as DatiVista } from "../vista";
+import { interrompi, scansiona } from "./Sezione";
+
+export const panoramica: DatiVista = {
+  id: "panoramica",
+  nome: "Panoramica",
+  gruppo: "inizio",
+  Icona: LayoutDashboard,
+  Contenuto: Panoramica,
+};
+
+function Panoramica() {
+  useEffect(() => void caricaPermessi(), []);
+  if (!pronto.value) return <Vista titolo="Panoramica">{null}</Vista>;
+  return (
+    <Vista titolo="Panoramica" azioni={<Azioni />}>
+      {permessi.value?.fda_denied && <StrisciaPermessi />}
+      {maiScansionato.value && !occupato.value ? <Benvenuto /> : <Cifra />}
+      {disco.value && <SpazioDisco />}
+      {!maiScansionato.value && <Sezioni />}
+    </Vista>
+  );
+}
+
+function Azioni() {
+  if (occupato.value) {
+    return (
+      <Pulsante Icona={Square} onClick={() => void interrompi()}>
+        Interrompi
+      </Pulsante>
+    );
+  }
+  return (
+    <Pulsante tipo="primario" Icona={Play} onClick={() => void scansiona("all")}>
+      Scansiona tutto
+    </Pulsante>
+  );
+}
+
+function StrisciaPermessi() {
+  return (
+    <section class="striscia striscia-attenzione" aria-label="Permessi mancanti">
+      <p class="striscia-testo">
+        Alcune cartelle non sono leggibili: i risultati possono essere incompleti.
+      </p>
+      <Pulsante
+        onClick={() => {
+          vista.value = "permessi";
+        }}
+      >
+        Vedi i permessi
+      </Pulsante>
+    </section>
+  );
+}
+
+function Benvenuto() {
+  return (
+    <section class="benvenuto" aria-label="Come funziona">
+      <ol>
+        <li>
+          <ScanSearch size={20} aria-hidden="true" />
+          La scansione cerca lo spazio che si può liberare. Legge soltanto: non sposta niente.
+        </li>
+        <li>
+          <Trash2 size={20} aria-hidden="true" />
+          Scegli tu che cosa togliere. Va nel Cestino, non viene mai eliminato.
+        </li>
+        <li>
+          <Undo2 size={20} aria-hidden="true" />
+          Ogni spostamento è nel Registro, e da lì si rimette al suo posto.
+        </li>
+      </ol>
+    </section>
+  );
+}
+
+/** The one big figure with the bar it is made of; while a scan runs, what it is at. */
+function Cifra() {
+  const totale = totaleLiberabile.value;
+  return (
+    <section class="cifra" aria-label="Spazio che si può liberare">
+      <p class="cifra-numero">{dimensione(totale)}</p>
+      <p class="cifra-testo">{totale > 0 ? "si possono liberare" : "da liberare"}</p>
+      <BarraSezioni totale={totale} />
+      <p class="cifra-stato" role="status">
+        {occupato.value ? <InCorso /> : <Ultima />}
+      </p>
+    </section>
+  );
+}
+
+function InCorso() {
+  const attuale = inScansione.value;
+  return (
+    <>
+      <Anello etichetta="scansione in corso" />
+      <span>
+        {attuale ? `${attuale.name}: ${attuale.status}` : "La scansione sta per cominciare"}
+      </span>
+      <span class="tenue">{quanti(mancanti.value, "sezione rimasta", "sezioni rimaste")}</span>
+    </>
+  );
+}
+
+function Ultima() {
+  const ultima = ultimaScansione.value;
+  return ultima > 0 ? <span class="tenue">Ultima scansione: {quando(ultima)}</span> : null;
+}
+
+function BarraSezioni({ totale }: { totale: number }) {
+  const parti = sezioni.value
+    .map((s) => ({ s, byte: byteLiberabili(s) }))
+    .filter(({ byte }) => byte > 0);
+  const testo = parti.map(({ s, byte }) => `${s.name} ${dimensione(byte)}`).join(", ");
+  return (
+    <div class="barra" role="img" aria-label={testo || "Niente da liberare"}>
+      {parti.map(({ s, byte }) => (
+        <span
+          key={s.id}
+          class="barra-parte"
+          style={{ width: `${(byte / totale) * 100}%`, background: `var(--sezione-${s.id})` }}
+        />
+      ))}
+    </div>
+  );
+}
+
+function SpazioDisco() {
+  const valori = disco.value;
+  if (!valori || valori.totale <= 0) return null;
+  const usato = valori.totale - valori.libero;
+  const percento = Math.round((usato / valori.totale) * 100);
+  const testo = `${dimensione(valori.libero)} liberi, ${dimensione(usato)} usati su ${dimensione(valori.totale)}`;
+  return (
+    <section class="disco" aria-label="Spazio sul disco">
+      <p>
+        <span>Disco</span>
+        <span class="tenue">{testo}</span>
+      </p>
+      <div class="barra barra-bassa" role="img" aria-label={`${numero(percento)} % usato`}>
+        <span class="barra-parte barra-usato" style={{ width: `${percento}%` }} />
+      </div>
+    </section>
+  );
+}
+
+function Sezioni() {
+  return (
+    <ul class="sezioni">
+      {sezioni.value.map((s) => (
+        <li key={s.id}>
+          <RigaSezione sezione={s} />
+        </li>
+      ))}
+    </ul>
+  );
+}
+
+function RigaSezione({ sezione }: { sezione: Sezione }) {
+  const liberabili = byteLiberabili(sezione);
+  return (
+    <button
+      type="button"
+      class="sezioni-riga"
+      onClick={() => {
+        vista.value = sezione.id;
+      }}
+    >
+      <span class="pallino" style={{ background: `var(--sezione-${sezione.id})` }} />
+      <span class="sezioni-nome">{sezione.name}</span>
+      <span class="sezioni-stato">{statoDi(sezione)}</span>
+      {sezione.scanning ? (
+        <Anello etichetta="scansione in corso" />
+      ) : (
+        <span class="misura">{liberabili > 0 ? dimensione(liberabili) : "–"}</span>
+      )}
+    </button>
+  );
+}
+
+function statoDi(sezione: Sezione): string {
+  if (sezione.scanning) return sezione.status;
+  if (sezione.queued) return "In coda";
+  if (!sezione.scanned) return sezione.status || "Mai scansionata";
+  if (sezione.avvio_n) return quanti(sezione.avvio_n, "elemento", "elementi");
+  if (sezione.apps_n) return `${quanti(sezione.apps_n, "app", "app")}, ${sezione.apps_h ?? ""}`;
+  if (sezione.denied > 0)
+    return quanti(sezione.denied, "percorso non leggibile", "percorsi non leggibili");
+  const segnalati = sezione.total - byteLiberabili(sezione);
+  if (segnalati > 0) return `${dimensione(segnalati)} solo segnalati`;
+  const voci = sezione.findings.reduce((somma, f) => somma + f.count, 0);
+  return voci > 0 ? quanti(voci, "voce", "voci") : statoMostrato(sezione);
+}

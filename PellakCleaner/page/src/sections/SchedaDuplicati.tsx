@@ -1,0 +1,249 @@
+import { FolderOpen } from "lucide-preact";
+import { useMemo, useState } from "preact/hooks";
+import { alLavoro, mostra, spostaNelCestino } from "../cestino";
+import { Percorso } from "../components/Percorso";
+import { Pulsante, PulsanteIcona } from "../components/Pulsante";
+import { useVirtuale } from "../components/useVirtuale";
+import { conferma } from "../dialogo";
+import { conTilde, dimensione, mostrabile, nomeDi, quanti } from "../testo";
+import { casa } from "../store";
+import type { ProprietaScheda } from "./Sezione";
+import {
+  type Insieme,
+  type SceltaCopie,
+  type SceltePerGruppo,
+  conTenuta,
+  conVia,
+  copieInPiu,
+  primaCopia,
+  puliziaCompleta,
+  scarta,
+  sceltaDi,
+  tieniSolo,
+} from "./duplicati";
+import { type Vaglio, vaglia } from "./ordine";
+import { NOTA_CESTINO } from "./selezione";
+
+type Riga =
+  | { tipo: "testa"; insieme: Insieme }
+  | { tipo: "copia"; insieme: Insieme; percorso: string }
+  | { tipo: "piede"; insieme: Insieme };
+
+/** The foot counts the room to the next group. */
+const ALTEZZE = { testa: 46, copia: 36, piede: 60 };
+
+function righeDi(insiemi: Insieme[]): Riga[] {
+  return insiemi.flatMap((insieme) => [
+    { tipo: "testa" as const, insieme },
+    ...insieme.gruppo.paths.map((percorso) => ({ tipo: "copia" as const, insieme, percorso })),
+    { tipo: "piede" as const, insieme },
+  ]);
+}
+
+const chiaveDi = (riga: Riga) => primaCopia(riga.insieme.gruppo);
+
+/** A group matches the filter when one of its copies does. */
+function vagliati(insiemi: Insieme[], vaglio: Vaglio): Insieme[] {
+  return vaglia(
+    insiemi,
+    vaglio,
+    ({ gruppo }) => (vaglio.filtro ? gruppo.paths.join("\n") : primaCopia(gruppo)),
+    ({ gruppo }) => gruppo.waste ?? 0,
+  );
+}
+
+/** The duplicates: one card a group, all positions visible, one copy always kept. */
+export function SchedaDuplicati({ finding, vaglio }: ProprietaScheda) {
+  const [scelte, setScelte] = useState<SceltePerGruppo>(new Map());
+  const { filtro, ordine } = vaglio;
+  const insiemi = useMemo(
+    () => finding.groups.map((gruppo, indice) => ({ gruppo, indice })),
+    [finding.groups],
+  );
+  const righe = useMemo(
+    () => righeDi(vagliati(insiemi, { filtro, ordine })),
+    [insiemi, filtro, ordine],
+  );
+  const { virtuale, radice, margine } = useVirtuale({
+    quante: righe.length,
+    altezza: (i) => ALTEZZE[righe[i]?.tipo ?? "copia"],
+    versione: righe,
+  });
+  const scegli = (insieme: Insieme, scelta: SceltaCopie) =>
+    setScelte((prima) => new Map(prima).set(primaCopia(insieme.gruppo), scelta));
+
+  return (
+    <section data-finding={finding.id} aria-label={finding.name}>
+      <Riassunto finding={finding} insiemi={insiemi} scelte={scelte} />
+      {righe.length === 0 && <p class="elenco-vuoto">Nessuna voce con questo nome.</p>}
+      <div class="insiemi" ref={radice} style={{ height: `${virtuale.getTotalSize()}px` }}>
+        {virtuale.getVirtualItems().map(({ index, start, size }) => {
+          const riga = righe[index];
+          if (!riga) return null;
+          const posto = {
+            height: `${size}px`,
+            transform: `translateY(${start - margine}px)`,
+          };
+          const scelta = sceltaDi(riga.insieme.gruppo, scelte);
+          const parte = riga.tipo === "copia" ? riga.percorso : riga.tipo;
+          return (
+            <div class="insieme-riga" style={posto} key={`${chiaveDi(riga)}//${parte}`}>
+              {riga.tipo === "testa" && <Testa insieme={riga.insieme} scelta={scelta} />}
+              {riga.tipo === "copia" && (
+                <Copia riga={riga} scelta={scelta} scegli={(s) => scegli(riga.insieme, s)} />
+              )}
+              {riga.tipo === "piede" && <Piede insieme={riga.insieme} scelta={scelta} />}
+            </div>
+          );
+        })}
+      </div>
+    </section>
+  );
+}
+
+interface ProprietaRiassunto {
+  finding: ProprietaScheda["finding"];
+  insiemi: Insieme[];
+  scelte: SceltePerGruppo;
+}
+
+function Riassunto({ finding, insiemi, scelte }: ProprietaRiassunto) {
+  const copie = copieInPiu(insiemi);
+
+  async function pulisci() {
+    const si = await conferma({
+      titolo: `Spostare ${quanti(copie, "copia", "copie")} nel Cestino?`,
+      righe: [
+        {
+          testo: `${quanti(insiemi.length, "gruppo", "gruppi")}, in ognuno resta la copia scelta`,
+          misura: finding.total_h,
+        },
+      ],
+      nota: NOTA_CESTINO,
+      conferma: "Sposta nel Cestino",
+    });
+    if (si) await spostaNelCestino(puliziaCompleta(insiemi, scelte));
+  }
+
+  return (
+    <div class="scheda scheda-riassunto">
+      <div class="scheda-titoli">
+        <h2>{quanti(insiemi.length, "gruppo di copie", "gruppi di copie")}</h2>
+        <p class="sotto">{mostrabile(finding.note)}</p>
+      </div>
+      <Pulsante disabled={alLavoro.value} onClick={() => void pulisci()}>
+        Pulizia completa ({quanti(copie, "copia", "copie")})
+      </Pulsante>
+    </div>
+  );
+}
+
+function Testa({ insieme, scelta }: { insieme: Insieme; scelta: SceltaCopie }) {
+  const { gruppo } = insieme;
+  return (
+    <div class="insieme-testa">
+      <bdi class="nome">{mostrabile(nomeDi(scelta.tenuta))}</bdi>
+      <span class="sotto">
+        {quanti(gruppo.paths.length, "copia", "copie")} da {gruppo.size_h}
+      </span>
+      <span class="misura misura-forte">{gruppo.waste_h}</span>
+    </div>
+  );
+}
+
+const COPIE_MOSTRATE = 6;
+
+function Piede({ insieme, scelta }: { insieme: Insieme; scelta: SceltaCopie }) {
+  const { gruppo } = insieme;
+  const nome = mostrabile(nomeDi(scelta.tenuta));
+
+  async function sposta(vie: string[], titolo: string, passo: () => ReturnType<typeof tieniSolo>) {
+    const si = await conferma({
+      titolo,
+      righe: [
+        {
+          testo: `Si spostano ${quanti(vie.length, "copia", "copie")}`,
+          misura: dimensione(gruppo.size * vie.length),
+        },
+        { testo: `Resta ${conTilde(scelta.tenuta, casa.value)}` },
+      ],
+      nomi: vie.slice(0, COPIE_MOSTRATE).map((percorso) => conTilde(percorso, casa.value)),
+      altri: Math.max(0, vie.length - COPIE_MOSTRATE),
+      nota: NOTA_CESTINO,
+      conferma: "Sposta nel Cestino",
+    });
+    if (si) await spostaNelCestino([passo()]);
+  }
+
+  const altre = gruppo.paths.filter((p) => p !== scelta.tenuta);
+  const via = [...scelta.via];
+  return (
+    <div class="insieme-piede">
+      <Pulsante
+        disabled={alLavoro.value || via.length === 0}
+        onClick={() =>
+          void sposta(via, `Scartare ${quanti(via.length, "copia", "copie")} di «${nome}»?`, () =>
+            scarta(insieme, via),
+          )
+        }
+      >
+        Scarta queste copie
+      </Pulsante>
+      <Pulsante
+        disabled={alLavoro.value}
+        onClick={() =>
+          void sposta(altre, `Tenere una sola copia di «${nome}»?`, () =>
+            tieniSolo(insieme, scelta.tenuta),
+          )
+        }
+      >
+        Tieni solo questa
+      </Pulsante>
+    </div>
+  );
+}
+
+interface ProprietaCopia {
+  riga: Riga & { tipo: "copia" };
+  scelta: SceltaCopie;
+  scegli: (scelta: SceltaCopie) => void;
+}
+
+function Copia({ riga, scelta, scegli }: ProprietaCopia) {
+  const { percorso, insieme } = riga;
+  const testo = mostrabile(percorso);
+  const tenuta = percorso === scelta.tenuta;
+  return (
+    <div class="copia">
+      <label class="copia-tieni">
+        <input
+          type="radio"
+          name={`tieni ${primaCopia(insieme.gruppo)}`}
+          checked={tenuta}
+          aria-label={`Conserva ${testo}`}
+          onChange={() => scegli(conTenuta(scelta, percorso))}
+        />
+        <Percorso percorso={percorso} />
+      </label>
+      {tenuta ? (
+        <span class="etichetta etichetta-tenuta">Si conserva</span>
+      ) : (
+        <label class="copia-scarta">
+          <input
+            type="checkbox"
+            class="casella"
+            checked={scelta.via.has(percorso)}
+            aria-label={`Scarta ${testo}`}
+            onChange={(evento) => scegli(conVia(scelta, percorso, evento.currentTarget.checked))}
+          />
+          Scarta
+        </label>
+      )}
+      <PulsanteIcona
+        Icona={FolderOpen}
+        etichetta={`Mostra ${testo}`}
+        onClick={() => void mostra(percorso)}
+      />
+    </div>
+  );
+}

@@ -1,0 +1,156 @@
+import { ExternalLink, FolderOpen } from "lucide-preact";
+import { memo } from "preact/compat";
+import { useMemo, useState } from "preact/hooks";
+import { apri, mostra } from "../cestino";
+import { Casella } from "../components/Casella";
+import { Elenco } from "../components/Elenco";
+import { Percorso } from "../components/Percorso";
+import { PulsanteIcona } from "../components/Pulsante";
+import { Scheda } from "../components/Scheda";
+import type { Voce } from "../rotte";
+import { cartellaDi, mostrabile, nomeDi } from "../testo";
+import type { ProprietaScheda } from "./Sezione";
+import { vaglia } from "./ordine";
+import { chiavi, sceglibile } from "./selezione";
+
+const ALTEZZA = 44;
+
+const percorsoDi = (voce: Voce) => voce.path;
+const byteDi = (voce: Voce) => voce.size;
+
+/** A finding that is a flat list of files and folders. */
+export function SchedaVoci({ finding, sola, vaglio, scelte, scegli }: ProprietaScheda) {
+  const [aperta, setAperta] = useState(sola);
+  const { filtro, ordine } = vaglio;
+  const voci = useMemo(
+    () => vaglia(finding.items, { filtro, ordine }, percorsoDi, byteDi),
+    [finding.items, filtro, ordine],
+  );
+  const scelta = sceglibile(finding);
+  const tutte = scelte ? scelte.size >= finding.items.length || "parte" : false;
+  return (
+    <Scheda
+      finding={finding}
+      aperta={aperta || filtro !== ""}
+      cambia={setAperta}
+      casella={
+        scelta && (
+          <Casella
+            stato={tutte}
+            cambia={(si) => scegli(chiavi(finding), si)}
+            etichetta={`Seleziona tutto: ${mostrabile(finding.name)}`}
+          />
+        )
+      }
+    >
+      {voci.length === 0 ? (
+        <p class="elenco-vuoto">Nessuna voce con questo nome.</p>
+      ) : (
+        <Elenco
+          etichetta={mostrabile(finding.name)}
+          voci={voci}
+          chiave={percorsoDi}
+          altezza={ALTEZZA}
+          riga={(voce, attiva) => (
+            <RigaVoce
+              voce={voce}
+              attiva={attiva}
+              misurata={!finding.unmeasured}
+              scelta={scelta ? (scelte?.has(voce.path) ?? false) : null}
+              scegli={scegli}
+            />
+          )}
+          apri={(voce) => void mostra(voce.path)}
+          {...(scelta
+            ? {
+                scelta: (voce: Voce) => scelte?.has(voce.path) ?? false,
+                alterna: (voce: Voce) => scegli([voce.path], !scelte?.has(voce.path)),
+              }
+            : {})}
+        />
+      )}
+    </Scheda>
+  );
+}
+
+interface ProprietaRiga {
+  voce: Voce;
+  attiva: boolean;
+  misurata: boolean;
+  /** Nothing when the finding is only a report. */
+  scelta: boolean | null;
+  scegli: (chiavi: string[], si: boolean) => void;
+}
+
+const RigaVoce = memo(
+  function RigaVoce({ voce, attiva, misurata, scelta, scegli }: ProprietaRiga) {
+    const nome = mostrabile(nomeDi(voce.path));
+    const tabIndex = attiva ? 0 : -1;
+    return (
+      <>
+        {scelta !== null && (
+          <div role="gridcell" class="cella-casella">
+            <Casella
+              stato={scelta}
+              cambia={(si) => scegli([voce.path], si)}
+              etichetta={`Seleziona ${nome}`}
+              tabIndex={-1}
+            />
+          </div>
+        )}
+        <div role="gridcell" class="cella-nome">
+          <bdi class="nome" title={nome}>
+            {nome}
+          </bdi>
+          <Percorso percorso={cartellaDi(voce.path)} classe="sotto" />
+        </div>
+        <div role="gridcell" class="cella-data">
+          {voce.when}
+        </div>
+        <div role="gridcell" class="cella-misura misura">
+          {misurata ? voce.size_h : ""}
+        </div>
+        <div role="gridcell" class="cella-azioni">
+          <AzioniVoce percorso={voce.path} nome={nome} tabIndex={tabIndex} />
+        </div>
+      </>
+    );
+  },
+  (a, b) =>
+    a.voce === b.voce &&
+    a.attiva === b.attiva &&
+    a.scelta === b.scelta &&
+    a.misurata === b.misurata,
+);
+
+interface ProprietaAzioni {
+  percorso: string;
+  nome: string;
+  tabIndex?: number;
+}
+
+/** "Mostra" and "Apri" of one path. */
+export function AzioniVoce({ percorso, nome, tabIndex = 0 }: ProprietaAzioni) {
+  return (
+    <>
+      <PulsanteIcona
+        Icona={FolderOpen}
+        etichetta={`Mostra ${nome}`}
+        tabIndex={tabIndex}
+        onClick={(evento) => {
+          evento.stopPropagation();
+          void mostra(percorso);
+        }}
+      />
+      <PulsanteIcona
+        Icona={ExternalLink}
+        etichetta={`Apri ${nome}`}
+        tabIndex={tabIndex}
+        onClick={(evento) => {
+          evento.stopPropagation();
+          void apri(percorso);
+        }}
+      />
+    </>
+  );
+}

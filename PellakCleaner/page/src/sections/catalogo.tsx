@@ -1,0 +1,47 @@
+import {
+  AppWindow,
+  Archive,
+  BrushCleaning,
+  CodeXml,
+  Copy,
+  EyeOff,
+  FileClock,
+  type LucideIcon,
+  Power,
+} from "lucide-preact";
+import { cercaSezione } from "../store";
+import type { Vista } from "../vista";
+import { numero } from "../testo";
+import { Sezione } from "./Sezione";
+
+function sezione(id: string, nome: string, Icona: LucideIcon): Vista {
+  return {
+    id,
+    nome,
+    gruppo: "pulizia",
+    Icona,
+    colore: `var(--sezione-${id})`,
+    Contenuto: () => <Sezione id={id} />,
+    conteggio: () => conteggio(id),
+    inCorso: () => cercaSezione(id)?.scanning ?? false,
+    inCoda: () => cercaSezione(id)?.queued ?? false,
+  };
+}
+
+function conteggio(id: string): string {
+  const dati = cercaSezione(id);
+  if (dati?.avvio_n) return numero(dati.avvio_n);
+  return dati && dati.total > 0 ? dati.total_h : "";
+}
+
+/** The eight sections in catalogue order. */
+export const sezioniViste: Vista[] = [
+  sezione("sviluppo", "Sviluppo", CodeXml),
+  sezione("applicazioni", "Applicazioni", AppWindow),
+  sezione("duplicati", "Duplicati", Copy),
+  sezione("grandi", "File grandi e vecchi", FileClock),
+  sezione("pulizia", "Pulizia generale", BrushCleaning),
+  sezione("privacy", "Privacy", EyeOff),
+  sezione("avvio", "App di avvio", Power),
+  sezione("sistema", "Backup e snapshot", Archive),
+];

@@ -1,0 +1,77 @@
+import { api } from "../api";
+import type { Spostamento } from "../cestino";
+import type { Gruppo } from "../rotte";
+
+/** Which copies stay and which go, group by group. */
+
+/** One group as it stands in the finding. */
+export interface Insieme {
+  gruppo: Gruppo;
+  indice: number;
+}
+
+/** What the user chose in a group, by the group's first path. */
+export interface SceltaCopie {
+  tenuta: string;
+  via: ReadonlySet<string>;
+}
+
+export type SceltePerGruppo = ReadonlyMap<string, SceltaCopie>;
+
+export function primaCopia(gruppo: Gruppo): string {
+  return gruppo.paths[0] ?? "";
+}
+
+/** The choice that holds for a group: copies that are gone drop out, one copy is always kept. */
+export function sceltaDi(gruppo: Gruppo, scelte: SceltePerGruppo): SceltaCopie {
+  const scelta = scelte.get(primaCopia(gruppo));
+  const tenuta =
+    scelta && gruppo.paths.includes(scelta.tenuta) ? scelta.tenuta : primaCopia(gruppo);
+  const via = new Set(gruppo.paths.filter((p) => p !== tenuta && scelta?.via.has(p)));
+  return { tenuta, via };
+}
+
+/** The copy to keep can't be discarded: choosing it takes it out of those that go. */
+export function conTenuta(scelta: SceltaCopie, tenuta: string): SceltaCopie {
+  const via = new Set(scelta.via);
+  via.delete(tenuta);
+  return { tenuta, via };
+}
+
+export function conVia(scelta: SceltaCopie, percorso: string, si: boolean): SceltaCopie {
+  const via = new Set(scelta.via);
+  if (si && percorso !== scelta.tenuta) via.add(percorso);
+  else via.delete(percorso);
+  return { tenuta: scelta.tenuta, via };
+}
+
+export function tieniSolo({ gruppo, indice }: Insieme, keep: string): Spostamento {
+  return () => api("/api/keep", { group: indice, keep, first: primaCopia(gruppo) });
+}
+
+export function scarta({ indice }: Insieme, paths: string[]): Spostamento {
+  return () => api("/api/dup_scarta", { id: "duplicates", group: indice, paths });
+}
+
+/**
+ * All groups at once. The native side keeps the first copy of each; groups in which another one
+ * was chosen go first, from the last to the first, because a finished group leaves the list and
+ * moves those after it.
+ */
+export function puliziaCompleta(
+  insiemi: readonly Insieme[],
+  scelte: SceltePerGruppo,
+): Spostamento[] {
+  const scelti = insiemi
+    .filter(({ gruppo }) => sceltaDi(gruppo, scelte).tenuta !== primaCopia(gruppo))
+    .sort((a, b) => b.indice - a.indice);
+  const passi = scelti.map((insieme) =>
+    tieniSolo(insieme, sceltaDi(insieme.gruppo, scelte).tenuta),
+  );
+  if (scelti.length < insiemi.length) passi.push(() => api("/api/keep_all"));
+  return passi;
+}
+
+export function copieInPiu(insiemi: readonly Insieme[]): number {
+  return insiemi.reduce((somma, { gruppo }) => somma + Math.max(0, gruppo.paths.length - 1), 0);
+}

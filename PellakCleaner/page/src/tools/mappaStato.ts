@@ -1,0 +1,82 @@
+import { signal } from "@preact/signals";
+import { api } from "../api";
+import { type RispostaMappa, fallita } from "../rotte";
+import { casa, visibile } from "../store";
+
+/** The folder that the map shows; asked for again while its sizes are still being measured. */
+
+export interface StatoMappa {
+  percorso: string;
+  mappa: RispostaMappa | null;
+  errore: string;
+}
+
+const INTERVALLO = 500;
+
+export const statoMappa = signal<StatoMappa>({ percorso: "", mappa: null, errore: "" });
+
+let richiesta = 0;
+let timer: number | undefined;
+let aperta = false;
+
+async function chiedi(percorso: string, force: boolean): Promise<void> {
+  const questa = ++richiesta;
+  window.clearTimeout(timer);
+  const risposta = await api("/api/mappa", force ? { path: percorso, force } : { path: percorso });
+  // A newer folder was chosen meanwhile.
+  if (questa !== richiesta) return;
+  if (fallita(risposta)) {
+    statoMappa.value = { percorso, mappa: null, errore: risposta.err };
+    return;
+  }
+  if (percorso === "~") casa.value = risposta.path;
+  statoMappa.value = { percorso: risposta.path, mappa: risposta, errore: "" };
+  if (risposta.misurando && aperta && visibile.value) {
+    timer = window.setTimeout(() => void chiedi(risposta.path, false), INTERVALLO);
+  }
+}
+
+export function vai(percorso: string): Promise<void> {
+  if (percorso !== statoMappa.value.percorso) {
+    statoMappa.value = { percorso, mappa: null, errore: "" };
+  }
+  return chiedi(percorso, false);
+}
+
+export function misuraDiNuovo(): Promise<void> {
+  return chiedi(statoMappa.value.percorso || "~", true);
+}
+
+/** The view is on screen: asks at once, as sizes may have moved. */
+export function apriMappa(): () => void {
+  aperta = true;
+  void chiedi(statoMappa.value.percorso || "~", false);
+  return () => {
+    aperta = false;
+    richiesta += 1;
+    window.clearTimeout(timer);
+  };
+}
+
+export function sopra(percorso: string): string | null {
+  if (!percorso.startsWith("/") || percorso === "/") return null;
+  return percorso.slice(0, percorso.lastIndexOf("/")) || "/";
+}
+
+export function dentro(percorso: string, nome: string): string {
+  return percorso.endsWith("/") ? percorso + nome : `${percorso}/${nome}`;
+}
+
+/** The folders from the home folder (or the root, outside it) down to this one. */
+export function briciole(percorso: string, home: string): { nome: string; percorso: string }[] {
+  const sotto = home !== "" && (percorso === home || percorso.startsWith(`${home}/`));
+  const base = sotto ? home : "/";
+  const resto = percorso.slice(base.length).split("/").filter(Boolean);
+  const lista = [{ nome: sotto ? "Cartella utente" : "Disco", percorso: base }];
+  let qui = base;
+  for (const nome of resto) {
+    qui = dentro(qui, nome);
+    lista.push({ nome, percorso: qui });
+  }
+  return lista;
+}

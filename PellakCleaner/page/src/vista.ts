@@ -1,0 +1,27 @@
+import type { LucideIcon } from "lucide-preact";
+import type { ComponentType } from "preact";
+
+export type GruppoViste = "inizio" | "pulizia" | "disco" | "sistema" | "programma";
+
+export const titoliGruppi: Record<GruppoViste, string> = {
+  inizio: "",
+  pulizia: "Pulizia",
+  disco: "Disco",
+  sistema: "Sistema",
+  programma: "Pellak Cleaner",
+};
+
+/** One entry of the sidebar and what it shows. */
+export interface Vista {
+  id: string;
+  nome: string;
+  gruppo: GruppoViste;
+  Icona: LucideIcon;
+  Contenuto: ComponentType;
+  /** The colour of a section in the sidebar and in the bar of the overview. */
+  colore?: string;
+  /** Short text at the right end of the entry; read while drawing, so it follows the signals. */
+  conteggio?: () => string;
+  inCorso?: () => boolean;
+  inCoda?: () => boolean;
+}

@@ -1,0 +1,159 @@
+import { type ChildProcessWithoutNullStreams, spawn } from "node:child_process";
+import * as fs from "node:fs";
+import { type Server, createServer } from "node:http";
+import type { AddressInfo } from "node:net";
+import * as path from "node:path";
+import { createInterface } from "node:readline";
+import { fileURLToPath } from "node:url";
+import { type Browser, type Page, chromium } from "playwright-core";
+
+const QUI = path.dirname(fileURLToPath(import.meta.url));
+export const PAGINA = path.join(QUI, "../../dist/ui.html");
+const PROGRAMMA =
+  process.env.PELLAK_PROGRAMMA ?? path.join(QUI, "../../../../build/release/pellak-cleaner");
+const CHROMIUM = process.env.PELLAK_CHROMIUM ?? "/usr/bin/chromium";
+
+interface Messaggio {
+  id: number;
+  path: string;
+  body: object;
+}
+
+interface Chiamata {
+  call: string;
+  id: number;
+  status: number;
+  reply: Record<string, unknown>;
+}
+
+/** Changes a reply on its way to the page: for what the program can't find on this machine. */
+export type Ritocco = (rotta: string, risposta: Record<string, unknown>) => void;
+
+export interface Opzioni {
+  larga?: number;
+  alta?: number;
+  scuro?: boolean;
+  ritocco?: Ritocco;
+}
+
+/** The built page in a browser, joined to a program of its own through its stdio bridge. */
+export class Finestra {
+  readonly richieste: string[] = [];
+  readonly parole: string[] = [];
+  readonly errori: string[] = [];
+  private readonly rotte = new Map<number, string>();
+
+  private constructor(
+    readonly page: Page,
+    private readonly browser: Browser,
+    private readonly server: Server,
+    private readonly programma: ChildProcessWithoutNullStreams,
+    private readonly ritocco: Ritocco | undefined,
+  ) {}
+
+  static async apri(home: string, opzioni: Opzioni = {}): Promise<Finestra> {
+    const { larga = 1100, alta = 740, scuro = false } = opzioni;
+    const server = createServer((_richiesta, risposta) => {
+      risposta.setHeader("Content-Type", "text/html; charset=utf-8");
+      risposta.end(fs.readFileSync(PAGINA));
+    });
+    await new Promise<void>((fatto) => server.listen(0, "127.0.0.1", fatto));
+    const browser = await chromium.launch({
+      executablePath: CHROMIUM,
+      args: ["--no-sandbox", "--disable-gpu", "--force-color-profile=srgb"],
+    });
+    const page = await browser.newPage({
+      viewport: { width: larga, height: alta },
+      colorScheme: scuro ? "dark" : "light",
+      reducedMotion: "reduce",
+      locale: "it-IT",
+      timezoneId: "UTC",
+    });
+    const programma = spawn(PROGRAMMA, ["bridge"], {
+      env: { HOME: home, PATH: process.env.PATH ?? "", TZ: "UTC", LANG: "C.UTF-8" },
+    });
+    const finestra = new Finestra(page, browser, server, programma, opzioni.ritocco);
+    await finestra.collega();
+    await page.goto(`http://127.0.0.1:${(server.address() as AddressInfo).port}/`);
+    await page.locator(".cifra, .benvenuto").first().waitFor();
+    return finestra;
+  }
+
+  private async collega(): Promise<void> {
+    const { page, programma } = this;
+    page.on("pageerror", (errore) => this.errori.push(String(errore)));
+    page.on("console", (riga) => {
+      if (riga.type() === "error" && !riga.text().includes("favicon"))
+        this.errori.push(riga.text());
+    });
+    programma.stderr.on("data", (testo) => this.errori.push(String(testo)));
+    createInterface({ input: programma.stdout }).on("line", (riga) => void this.consegna(riga));
+    await page.exposeBinding("versoProgramma", (_da, canale: string, body: unknown) =>
+      this.manda(canale, body),
+    );
+    await page.addInitScript(() => {
+      const verso = (globalThis as unknown as { versoProgramma: (c: string, b: unknown) => void })
+        .versoProgramma;
+      window.webkit = {
+        messageHandlers: {
+          api: { postMessage: (messaggio) => verso("api", messaggio) },
+          pellak: { postMessage: (parola) => verso("pellak", parola) },
+        },
+      };
+    });
+  }
+
+  private manda(canale: string, body: unknown): void {
+    if (canale === "pellak") {
+      this.parole.push(String(body));
+      this.programma.stdin.write(`${JSON.stringify({ channel: "pellak", body })}\n`);
+      return;
+    }
+    const messaggio = body as Messaggio;
+    this.richieste.push(messaggio.path);
+    this.rotte.set(messaggio.id, messaggio.path);
+    this.programma.stdin.write(`${JSON.stringify({ channel: "api", ...messaggio })}\n`);
+  }
+
+  private async consegna(riga: string): Promise<void> {
+    const { call, id, status, reply } = JSON.parse(riga) as Chiamata;
+    if (call !== "__apiDone") return;
+    this.ritocco?.(this.rotte.get(id) ?? "", reply);
+    const testo = JSON.stringify(reply);
+    await this.page
+      .evaluate(([i, s, t]) => window.__apiDone?.(i, s, t), [id, status, testo] as const)
+      .catch(() => undefined);
+  }
+
+  async vai(vista: string): Promise<void> {
+    await this.page.locator(`[data-vista="${vista}"]`).click();
+    await this.page.locator(`[data-vista="${vista}"][aria-current="page"]`).waitFor();
+    // One frame for the layout effects, one for what they changed.
+    await this.page.evaluate(
+      () => new Promise((f) => requestAnimationFrame(() => requestAnimationFrame(f))),
+    );
+  }
+
+  /** A full scan from the overview's button to its end. */
+  async scansionaTutto(): Promise<void> {
+    await this.vai("panoramica");
+    await this.page.getByRole("button", { name: "Scansiona tutto" }).click();
+    await this.page.getByText(/^Ultima scansione/).waitFor({ timeout: 50_000 });
+    await this.page.getByRole("button", { name: "Scansiona tutto" }).waitFor();
+  }
+
+  api<T>(path: string, body: object = {}): Promise<T> {
+    return this.page.evaluate(
+      ([p, b]) =>
+        (globalThis as unknown as { api: (p: string, b: object) => Promise<unknown> }).api(p, b),
+      [path, body] as const,
+    ) as Promise<T>;
+  }
+
+  async chiudi(): Promise<void> {
+    await this.browser.close();
+    this.programma.stdin.end();
+    this.programma.kill();
+    this.server.close();
+  }
+}

@@ -1,0 +1,212 @@
+import * as fs from "node:fs";
+import * as path from "node:path";
+import { afterEach, beforeEach, describe, expect, test } from "vitest";
+import type { RispostaRegistro } from "../../src/rotte";
+import { type Casa, OSTILE, casaPiena } from "./casa";
+import { Finestra } from "./finestra";
+
+/** Every file and folder below the home folder but what the program keeps for itself. */
+function albero(casa: Casa): string[] {
+  return fs
+    .readdirSync(casa.home, { recursive: true, encoding: "utf8" })
+    .filter((nome) => !nome.startsWith("Library") && !nome.startsWith(".local"))
+    .sort();
+}
+
+describe("moving to the Trash and putting back", () => {
+  let casa: Casa;
+  let finestra: Finestra;
+  beforeEach(async () => {
+    casa = casaPiena();
+    finestra = await Finestra.apri(casa.home);
+    await finestra.scansionaTutto();
+  });
+  afterEach(async () => {
+    expect(finestra.errori).toEqual([]);
+    await finestra.chiudi();
+    casa.togli();
+  });
+
+  const avviso = () => finestra.page.locator(".avviso-testo");
+  const conferma = async (titolo: RegExp) => {
+    const dialogo = finestra.page.getByRole("dialog");
+    await dialogo.getByRole("heading", { name: titolo }).waitFor();
+    const testo = await dialogo.innerText();
+    await dialogo.getByRole("button", { name: "Sposta nel Cestino" }).click();
+    return testo;
+  };
+
+  test("chosen entries move, exactly they, and Annulla brings them back", async () => {
+    const { page } = finestra;
+    const prima = albero(casa);
+    await finestra.vai("sviluppo");
+    await page.locator('[data-finding="npm-cache"] .scheda-apri').click();
+    await page.getByRole("row", { name: /content-v2/ }).click();
+    await page.getByLabel(`Seleziona ${OSTILE}`, { exact: true }).check();
+    await page.locator('[data-finding="pip-cache"] .casella').first().check();
+    expect(await page.locator(".selezione").innerText()).toContain("3 elementi selezionati");
+
+    await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
+    await page.keyboard.press("Escape");
+    expect(albero(casa)).toEqual(prima);
+
+    await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
+    const testo = await conferma(/Spostare 3 elementi/);
+    expect(testo).toMatch(/npm: cache: 2 elementi\s+3\.9 MiB/);
+    expect(testo).toMatch(/pip: cache: 1 elemento\s+700\.0 KiB/);
+    expect(testo).toContain("Annulla");
+    await avviso()
+      .getByText(/^3 elementi spostati nel Cestino, 4\.6 MiB\.$/)
+      .waitFor();
+    const tolti = prima.filter((nome) => !albero(casa).includes(nome));
+    expect(tolti).toEqual([
+      ".cache/pip/wheels",
+      `.npm/_cacache/${OSTILE}`,
+      `.npm/_cacache/${OSTILE}/dati`,
+      ".npm/_cacache/content-v2",
+      ".npm/_cacache/content-v2/dati",
+    ]);
+    expect(await page.locator(".selezione").count()).toBe(0);
+    expect(await page.locator('[data-finding="pip-cache"]').count()).toBe(0);
+
+    await page.getByRole("button", { name: "Annulla" }).click();
+    await avviso()
+      .getByText(/^3 elementi rimessi/)
+      .waitFor();
+    expect(albero(casa)).toEqual(prima);
+  });
+
+  test("everything goes with the keyboard alone, and the focus is never lost", async () => {
+    const { page } = finestra;
+    const premi = async (...tasti: string[]) => {
+      for (const tasto of tasti) await page.keyboard.press(tasto);
+    };
+    const fuoco = () =>
+      page.evaluate(() => {
+        const el = document.activeElement;
+        return el?.getAttribute("aria-label") ?? el?.textContent ?? "";
+      });
+    await page.locator("[data-vista=panoramica]").focus();
+    await premi("End", "Home", "ArrowDown", "Enter");
+    expect(await page.getByRole("heading", { level: 1 }).innerText()).toBe("Sviluppo");
+    await premi("Control+f");
+    expect(await fuoco()).toBe("Filtra per nome");
+    for (let i = 0; i < 5 && (await fuoco()) !== "Seleziona tutto: npm: cache"; i++) {
+      await premi("Tab");
+    }
+    await premi("Space");
+    await page.locator(".selezione").waitFor();
+    for (let i = 0; i < 20 && (await fuoco()) !== "Sposta nel Cestino"; i++) await premi("Tab");
+    await premi("Enter");
+    await page.getByRole("dialog").waitFor();
+    expect(await fuoco()).toBe("Sposta nel Cestino");
+    await premi("Enter");
+    await avviso()
+      .getByText(/^6 elementi spostati/)
+      .waitFor();
+    expect(await fuoco()).toContain("6 elementi spostati");
+    await premi("Tab");
+    expect(await fuoco()).toBe("Annulla");
+    await premi("Enter");
+    await avviso()
+      .getByText(/^6 elementi rimessi/)
+      .waitFor();
+    await premi("Escape");
+    expect(await page.locator(".avviso").count()).toBe(0);
+  });
+
+  test("the log restores one item, then the rest, and says which are back", async () => {
+    const { page } = finestra;
+    const prima = albero(casa);
+    await finestra.vai("sviluppo");
+    await page.locator('[data-finding="npm-cache"] .casella').first().check();
+    await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
+    await conferma(/Spostare 6 elementi/);
+    await avviso()
+      .getByText(/^6 elementi spostati/)
+      .waitFor();
+
+    await finestra.vai("registro");
+    const operazione = page.locator("[data-operazione]");
+    await operazione.getByRole("button", { name: "Categoria: npm: cache" }).click();
+    const voce = operazione
+      .locator("li")
+      .filter({ has: page.locator(".nome", { hasText: OSTILE }) });
+    await voce.getByRole("button", { name: "Ripristina" }).click();
+    await voce.getByText("Al suo posto").waitFor();
+    expect(casa.esiste(`.npm/_cacache/${OSTILE}/dati`)).toBe(true);
+    expect(casa.esiste(".npm/_cacache/content-v2")).toBe(false);
+
+    await operazione.getByRole("button", { name: "Ripristina il resto" }).click();
+    await operazione.getByText("Rimesso al suo posto").waitFor();
+    expect(albero(casa)).toEqual(prima);
+  });
+
+  test("what can't be moved is named with its reason and stays listed", async () => {
+    const { page } = finestra;
+    await finestra.vai("sviluppo");
+    fs.rmSync(path.join(casa.home, ".cache/pip/wheels"));
+    await page.locator('[data-finding="pip-cache"] .casella').first().check();
+    await page.locator('[data-finding="yarn-cache"] .casella').first().check();
+    await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
+    await conferma(/Spostare 2 elementi/);
+    await avviso()
+      .getByText(/^1 elemento spostato/)
+      .waitFor();
+    expect(await avviso().innerText()).toMatch(/wheels\s*non esiste piu': era gia' stato rimosso/);
+    await page.locator('[data-finding="pip-cache"]').waitFor();
+  });
+
+  test("duplicates: the copy to keep can't be discarded, the others go as chosen", async () => {
+    const { page } = finestra;
+    await finestra.vai("duplicati");
+    const copie = page.locator(".copia");
+    const copia = (nome: string) => copie.filter({ hasText: nome });
+    const primoPiede = page.locator(".insieme-piede").first();
+
+    await copia("estate/mare.jpg").getByRole("radio").check();
+    expect(await copia("estate/mare.jpg").getByRole("checkbox").count()).toBe(0);
+    await copia("mare (1).jpg").getByRole("checkbox").check();
+    await primoPiede.getByRole("button", { name: "Scarta queste copie" }).click();
+    await conferma(/Scartare 1 copia/);
+    await avviso()
+      .getByText(/^1 elemento spostato/)
+      .waitFor();
+    expect(casa.esiste("Immagini/copie/mare (1).jpg")).toBe(false);
+    expect(await page.locator(".copia").count()).toBe(4);
+
+    await copia("estate/mare.jpg").getByRole("radio").check();
+    await primoPiede.getByRole("button", { name: "Tieni solo questa" }).click();
+    await conferma(/Tenere una sola copia/);
+    await avviso()
+      .getByText(/^1 elemento spostato/)
+      .waitFor();
+    expect(casa.esiste("Immagini/estate/mare.jpg")).toBe(true);
+    expect(casa.esiste(`Documenti/${OSTILE}.jpg`)).toBe(false);
+    expect(await page.locator(".copia").count()).toBe(2);
+  });
+
+  test("the complete cleaning keeps the chosen copies and can be undone whole", async () => {
+    const { page } = finestra;
+    const prima = albero(casa);
+    await finestra.vai("duplicati");
+    await page.locator(".copia", { hasText: "estate/mare.jpg" }).getByRole("radio").check();
+    await page.getByRole("button", { name: "Pulizia completa (3 copie)" }).click();
+    await conferma(/Spostare 3 copie/);
+    await avviso()
+      .getByText(/^3 elementi spostati/)
+      .waitFor();
+    expect(casa.esiste("Immagini/estate/mare.jpg")).toBe(true);
+    expect(casa.esiste(`Documenti/${OSTILE}.jpg`)).toBe(false);
+    expect(casa.esiste("Documenti/relazione.pdf")).toBe(true);
+    expect(casa.esiste("Downloads/relazione.pdf")).toBe(false);
+    const { ops } = await finestra.api<RispostaRegistro>("/api/log");
+    expect(ops).toHaveLength(2);
+
+    await page.getByRole("button", { name: "Annulla" }).click();
+    await avviso()
+      .getByText(/^3 elementi rimessi/)
+      .waitFor();
+    expect(albero(casa)).toEqual(prima);
+  });
+});

@@ -1,0 +1,173 @@
+import type { Finding, Gruppo, RispostaStato } from "../../src/rotte";
+import { OSTILE } from "./casa";
+import type { Ritocco } from "./finestra";
+
+/** What no made-up home can make the program find: applications, startup items, refusals. */
+
+function gruppo(dati: Partial<Gruppo>): Gruppo {
+  return {
+    name: "",
+    bundle: "",
+    size: 0,
+    size_h: "0 B",
+    icon_src: "",
+    url: "",
+    spento: false,
+    admin: false,
+    system: false,
+    pesi: [],
+    deboli: [],
+    paths: [],
+    ...dati,
+  };
+}
+
+function finding(dati: Partial<Finding>): Finding {
+  const groups = dati.groups ?? [];
+  return {
+    id: "",
+    name: "",
+    mode: "delete",
+    note: "",
+    hint: "",
+    unmeasured: false,
+    total: 0,
+    total_h: "0 B",
+    count: groups.length + (dati.items?.length ?? 0),
+    kind: "",
+    items: [],
+    groups,
+    ...dati,
+  };
+}
+
+const applicazioni = [
+  finding({
+    id: "updates",
+    name: "Aggiornamenti",
+    mode: "report",
+    kind: "aggiornamenti",
+    unmeasured: true,
+    groups: [
+      gruppo({ name: "Taccuino", desc: "2.1 → 2.4", paths: ["/Applications/Taccuino.app"] }),
+    ],
+  }),
+  finding({
+    id: "apps",
+    name: "App installate",
+    kind: "app",
+    total: 900_000_000,
+    total_h: "858.3 MiB",
+    groups: [
+      gruppo({
+        name: `Editor ${OSTILE}`,
+        bundle: `org.esempio.${OSTILE}`,
+        size: 600_000_000,
+        size_h: "572.2 MiB",
+        paths: [`/Applications/${OSTILE}.app`, `/home/tu/.config/${OSTILE}`],
+        pesi: [590_000_000, 10_000_000],
+        deboli: [`/home/tu/.cache/${OSTILE}`],
+      }),
+      gruppo({
+        name: "Calcolo",
+        bundle: "org.esempio.calcolo",
+        size: 300_000_000,
+        size_h: "286.1 MiB",
+        paths: ["/Applications/Calcolo.app"],
+        pesi: [300_000_000],
+      }),
+    ],
+  }),
+];
+
+const avvio = [
+  finding({
+    id: "startup-user",
+    name: "Elementi di avvio (utente)",
+    kind: "avvio",
+    note: "Programmi avviati automaticamente all'accesso.",
+    groups: [
+      gruppo({
+        name: "org.esempio.sincronia",
+        desc: "esegue: /opt/sincronia/bin/agente --silenzioso",
+        size: 4096,
+        size_h: "4.0 KiB",
+        paths: ["/home/tu/.config/autostart/sincronia.desktop"],
+      }),
+      gruppo({
+        name: `org.esempio.${OSTILE}`,
+        desc: `esegue: ${OSTILE}`,
+        spento: true,
+        admin: true,
+        size: 4096,
+        size_h: "4.0 KiB",
+        paths: [`/home/tu/.config/autostart/${OSTILE}.desktop`],
+      }),
+    ],
+  }),
+];
+
+const privacy = [
+  finding({
+    id: "browser-privacy",
+    name: "Browser",
+    kind: "browser",
+    total: 52_428_800,
+    total_h: "50.0 MiB",
+    hint: "Chiudi prima il browser: finché è aperto riscrive i suoi file.",
+    groups: [
+      gruppo({
+        name: `Navigatore ${OSTILE}`,
+        desc: "Cronologia, cookie, cache",
+        size: 52_428_800,
+        size_h: "50.0 MiB",
+        paths: [`/home/tu/.mozilla/${OSTILE}/cookies.sqlite`],
+        pesi: [52_428_800],
+      }),
+    ],
+  }),
+];
+
+/** A scan that stands still in the middle, for the picture of it. */
+export const aMeta: Ritocco = (rotta, risposta) => {
+  conScena(rotta, risposta);
+  if (rotta !== "/api/state" || !Array.isArray(risposta.sections)) return;
+  const stato = risposta as unknown as RispostaStato;
+  stato.busy = true;
+  stato.sections.forEach((sezione, i) => {
+    sezione.scanning = i === 2;
+    sezione.queued = i > 2;
+    if (i === 2) sezione.status = "Ricerca duplicati (può richiedere minuti)...";
+  });
+};
+
+export const conScena: Ritocco = (rotta, risposta) => {
+  if (rotta === "/api/perms" && Array.isArray(risposta.luoghi)) {
+    risposta.luoghi.push({
+      nome: "Archivio di posta",
+      percorso: `~/${OSTILE}`,
+      leggibile: false,
+      fda_denied: true,
+    });
+    risposta.fda_denied = true;
+  }
+  if (rotta !== "/api/state" || !Array.isArray(risposta.sections)) return;
+  const stato = risposta as unknown as RispostaStato;
+  const inPiu: Record<string, Finding[]> = { applicazioni, avvio, privacy };
+  stato.disco = { totale: 500_107_862_016, libero: 183_500_000_000 };
+  for (const sezione of stato.sections) {
+    const findings = sezione.scanned ? inPiu[sezione.id] : undefined;
+    if (!findings) continue;
+    sezione.findings = findings;
+    sezione.total = findings.reduce((somma, f) => somma + f.total, 0);
+    sezione.total_h = findings.at(-1)?.total_h ?? "";
+    sezione.status = `Recuperabili ${sezione.total_h}.`;
+    if (sezione.id === "avvio") sezione.avvio_n = 2;
+    if (sezione.id === "avvio") sezione.status = "";
+    if (sezione.id === "applicazioni") Object.assign(sezione, { apps_n: 2, apps_h: "858.3 MiB" });
+    if (sezione.id === "privacy") {
+      sezione.denied = 12;
+      sezione.denied_top = [{ cartella: `~/.config/${OSTILE}`, quanti: 12 }];
+    }
+  }
+};

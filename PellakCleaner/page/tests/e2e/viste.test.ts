@@ -1,0 +1,138 @@
+import { readFileSync } from "node:fs";
+import axe from "axe-core";
+import { afterAll, beforeAll, describe, expect, test } from "vitest";
+import { type Casa, OSTILE, casaPiena } from "./casa";
+import { Finestra, PAGINA } from "./finestra";
+import { conScena } from "./scena";
+
+const VISTE_CON_NOMI = [
+  "sviluppo",
+  "applicazioni",
+  "duplicati",
+  "grandi",
+  "privacy",
+  "avvio",
+  "mappa",
+  "registro",
+  "permessi",
+  "impostazioni",
+];
+
+async function viste(finestra: Finestra): Promise<string[]> {
+  const voci = finestra.page.locator("[data-vista]");
+  return voci.evaluateAll((lista) => lista.map((v) => v.getAttribute("data-vista") ?? ""));
+}
+
+/** Opens whatever is folded in the view. */
+async function distendi({ page }: Finestra): Promise<void> {
+  for (;;) {
+    const chiusa = page.locator('main button[aria-expanded="false"]').first();
+    if ((await chiusa.count()) === 0) break;
+    await chiusa.click();
+  }
+  for (const dettaglio of await page.locator("main details:not([open]) summary").all()) {
+    await dettaglio.click();
+  }
+}
+
+describe.each([false, true])("every view, dark: %s", (scuro) => {
+  let casa: Casa;
+  let finestra: Finestra;
+  beforeAll(async () => {
+    casa = casaPiena();
+    finestra = await Finestra.apri(casa.home, { scuro, ritocco: conScena });
+    await finestra.scansionaTutto();
+    const { page } = finestra;
+    await page.evaluate((p) => {
+      (globalThis as unknown as { addExcludedFolder: (p: string) => void }).addExcludedFolder(p);
+    }, `/altrove/${OSTILE}`);
+    await finestra.vai("sviluppo");
+    await page.locator('[data-finding="npm-cache"] .casella').first().check();
+    await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
+    expect(await page.getByRole("dialog").innerText()).toContain(OSTILE);
+    await page.getByRole("dialog").getByRole("button", { name: "Sposta nel Cestino" }).click();
+    await page.getByRole("button", { name: "Annulla" }).click();
+    await page.getByText(/rimessi al suo posto/).waitFor();
+    await finestra.scansionaTutto();
+  });
+  afterAll(async () => {
+    await finestra.chiudi();
+    casa.togli();
+  });
+
+  test("a file name never becomes markup", async () => {
+    for (const vista of await viste(finestra)) {
+      await finestra.vai(vista);
+      if (vista === "mappa") await finestra.page.locator(".tessera").first().waitFor();
+      if (vista === "mappa") {
+        await finestra.page.getByRole("row", { name: /^cartella Documenti/ }).click();
+        await finestra.page.getByRole("row", { name: OSTILE }).waitFor();
+      }
+      await distendi(finestra);
+      if (VISTE_CON_NOMI.includes(vista)) {
+        expect(await finestra.page.locator("main").innerText(), vista).toContain(OSTILE);
+      }
+      const estranei = "main img:not(.icona-app), main script, main style, main iframe, [onerror]";
+      expect(await finestra.page.locator(estranei).count(), vista).toBe(0);
+    }
+    expect(await finestra.page.evaluate(() => "violato" in window)).toBe(false);
+    expect(finestra.errori).toEqual([]);
+  });
+
+  test("the policy stops foreign scripts and every address outside the page", async () => {
+    const esito = await finestra.page.evaluate(async () => {
+      const script = document.createElement("script");
+      script.textContent = "window.violato = 2";
+      document.body.append(script);
+      script.remove();
+      const rete = await fetch(location.href).then(
+        () => "reached",
+        () => "stopped",
+      );
+      return { script: "violato" in window, rete };
+    });
+    expect(esito).toEqual({ script: false, rete: "stopped" });
+    const pagina = readFileSync(PAGINA, "utf8");
+    expect(pagina.length).toBeLessThan(400_000);
+    expect(pagina.match(/\b(?:src|href)\s*=\s*["'][^"']/g) ?? []).toEqual([]);
+  });
+
+  test("axe finds nothing", { timeout: 120_000 }, async () => {
+    for (const vista of await viste(finestra)) {
+      await finestra.vai(vista);
+      if (vista === "mappa") await finestra.page.locator(".tessera").first().waitFor();
+      await distendi(finestra);
+      await finestra.page.evaluate(axe.source);
+      const { violations } = await finestra.page.evaluate(() =>
+        (globalThis as unknown as { axe: typeof axe }).axe.run(),
+      );
+      const trovate = violations.map((v) => `${v.id}: ${v.nodes.map((n) => n.html).join(" | ")}`);
+      expect(trovate, vista).toEqual([]);
+    }
+  });
+
+  test.each([
+    [1100, 740],
+    [780, 520],
+  ])("nothing is cut off or pushed out at %i x %i", async (width, height) => {
+    const { page } = finestra;
+    await page.setViewportSize({ width, height });
+    for (const vista of await viste(finestra)) {
+      await finestra.vai(vista);
+      const fuori = await page.evaluate(() => {
+        const lista: string[] = [];
+        for (const el of document.querySelectorAll("main button, main input, nav button, h1")) {
+          const r = el.getBoundingClientRect();
+          if (r.width > 0 && (r.left < 0 || r.right > innerWidth + 0.5)) lista.push(el.outerHTML);
+        }
+        for (const el of document.querySelectorAll(".laterale-nome, .pulsante, .scelta span")) {
+          if (el.scrollWidth > el.clientWidth + 1) lista.push(`cut: ${el.outerHTML}`);
+        }
+        const { scrollWidth } = document.documentElement;
+        if (scrollWidth > innerWidth) lista.push(`page ${scrollWidth}`);
+        return lista;
+      });
+      expect(fuori, vista).toEqual([]);
+    }
+  });
+});

@@ -1,0 +1,97 @@
+import { beforeEach, expect, test } from "vitest";
+import {
+  type SceltaCopie,
+  conTenuta,
+  conVia,
+  puliziaCompleta,
+  sceltaDi,
+} from "../../src/sections/duplicati";
+import { vaglia } from "../../src/sections/ordine";
+import { conScelte, riepilogo, spostamenti } from "../../src/sections/selezione";
+import { Canale } from "./canale";
+import { finding, gruppo, voce } from "./esempi";
+
+let canale: Canale;
+beforeEach(() => {
+  canale = new Canale();
+});
+
+const fatto = { ok: 1, failed: [] };
+
+test("the choice counts only what is still there and may be moved", () => {
+  const cache = finding("cache", { items: [voce("/a", 3), voce("/b", 4)] });
+  const report = finding("report", { mode: "report", items: [voce("/r", 9)] });
+  let scelte = conScelte(new Map(), "cache", ["/a", "/sparito"], true);
+  scelte = conScelte(scelte, "report", ["/r"], true);
+  scelte = conScelte(scelte, "app", ["/x.app"], true);
+  const app = finding("app", { groups: [gruppo(["/y.app"]), gruppo(["/x.app", "/dati"], 20)] });
+  const scelti = riepilogo([cache, report, app], scelte);
+  expect(scelti.map((s) => [s.finding.id, s.byte])).toEqual([
+    ["cache", 3],
+    ["app", 20],
+  ]);
+});
+
+test("moves name exactly the chosen entries and guard a group by its first path", async () => {
+  const cache = finding("cache", { items: [voce("/a", 3), voce("/b", 4)] });
+  const app = finding("app", { groups: [gruppo(["/y.app"]), gruppo(["/x.app", "/dati"])] });
+  const residui = finding("residui", { groups: [gruppo(["/1"]), gruppo(["/2"]), gruppo(["/3"])] });
+  let scelte = conScelte(new Map(), "cache", ["/b"], true);
+  scelte = conScelte(scelte, "app", ["/x.app"], true);
+  scelte = conScelte(scelte, "residui", ["/3", "/1"], true);
+  canale.poi("/api/trash", fatto).poi("/api/trash_group", fatto).poi("/api/trash_sel", fatto);
+  for (const sposta of spostamenti(riepilogo([cache, app, residui], scelte))) await sposta();
+  expect(canale.richieste.map(({ path, body }) => [path, body])).toEqual([
+    ["/api/trash", { id: "cache", items: ["/b"] }],
+    ["/api/trash_group", { id: "app", group: 1, first: "/x.app" }],
+    ["/api/trash_sel", { id: "residui", groups: [0, 2] }],
+  ]);
+});
+
+test("no sequence of clicks chooses every copy for discarding", () => {
+  const insieme = gruppo(["/a", "/b", "/c"]);
+  let scelta: SceltaCopie = sceltaDi(insieme, new Map());
+  for (const passo of ["/a", "/b", "/c"]) {
+    for (const via of ["/a", "/b", "/c"]) scelta = conVia(scelta, via, true);
+    expect(scelta.via.has(scelta.tenuta)).toBe(false);
+    expect(scelta.via.size).toBe(2);
+    scelta = conTenuta(scelta, passo);
+    expect(scelta.via.has(passo)).toBe(false);
+  }
+});
+
+test("a choice outlives copies that are gone: another copy is kept, none gone is discarded", () => {
+  const scelte = new Map([["/a", { tenuta: "/sparita", via: new Set(["/a", "/b", "/altra"]) }]]);
+  expect(sceltaDi(gruppo(["/a", "/b"]), scelte)).toEqual({ tenuta: "/a", via: new Set(["/b"]) });
+});
+
+test("the complete cleaning handles groups with a choice first, from the last", async () => {
+  const insiemi = ["/a", "/b", "/c"].map((nome, indice) => ({
+    gruppo: gruppo([`${nome}1`, `${nome}2`]),
+    indice,
+  }));
+  const scelte = new Map([
+    ["/a1", { tenuta: "/a2", via: new Set<string>() }],
+    ["/c1", { tenuta: "/c2", via: new Set<string>() }],
+  ]);
+  canale.poi("/api/keep", fatto).poi("/api/keep", fatto).poi("/api/keep_all", fatto);
+  for (const sposta of puliziaCompleta(insiemi, scelte)) await sposta();
+  expect(canale.richieste.map(({ path, body }) => [path, body])).toEqual([
+    ["/api/keep", { group: 2, keep: "/c2", first: "/c1" }],
+    ["/api/keep", { group: 0, keep: "/a2", first: "/a1" }],
+    ["/api/keep_all", {}],
+  ]);
+});
+
+test("sorting by name goes by the last component without case, filtering by the whole path", () => {
+  const voci = [voce("/z/Beta", 1), voce("/a/gamma", 3), voce("/b/alfa", 2), voce("/a/BETA", 9)];
+  const per = (filtro: string, ordine: "spazio" | "nome") =>
+    vaglia(
+      voci,
+      { filtro, ordine },
+      (v) => v.path,
+      (v) => v.size,
+    ).map((v) => v.path);
+  expect(per("", "nome")).toEqual(["/b/alfa", "/a/BETA", "/z/Beta", "/a/gamma"]);
+  expect(per(" /A/", "spazio")).toEqual(["/a/BETA", "/a/gamma"]);
+});

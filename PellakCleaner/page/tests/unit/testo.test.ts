@@ -1,0 +1,92 @@
+import { expect, test } from "vitest";
+import { ammesso } from "../../src/components/CampoNumero";
+import { conTilde, dimensione, mostrabile, quando } from "../../src/testo";
+import { briciole, dentro, sopra } from "../../src/tools/mappaStato";
+import { tessere } from "../../src/tools/tessere";
+
+test("sizes read as the native side writes them", () => {
+  const casi: [number, string][] = [
+    [0, "0 B"],
+    [1023, "1023 B"],
+    [1024, "1.0 KiB"],
+    [1536, "1.5 KiB"],
+    [1_048_575, "1024.0 KiB"],
+    [1_048_576, "1.0 MiB"],
+    [1024 ** 6, "1024.0 PiB"],
+    [-2048, "-2.0 KiB"],
+  ];
+  for (const [byte, testo] of casi) expect(dimensione(byte)).toBe(testo);
+});
+
+test("signs that could disguise a name become visible, text stays as it is", () => {
+  expect(mostrabile("già\u{1f600}「日本」 ~<b>&amp;")).toBe("già\u{1f600}「日本」 ~<b>&amp;");
+  expect(mostrabile("foto\u202egnp.exe")).toBe("foto\ufffdgnp.exe");
+  expect(mostrabile("a\nb\tc\u0000\uefff")).toBe("a\u240ab\ufffdc\ufffd\ufffd");
+});
+
+test("times go by the calendar day, not by 24 hours", () => {
+  const adesso = new Date(2026, 10, 23, 0, 30);
+  const s = (data: Date) => data.getTime() / 1000;
+  expect(quando(s(new Date(2026, 10, 23, 0, 5)), adesso)).toBe("oggi alle 00:05");
+  expect(quando(s(new Date(2026, 10, 22, 23, 59)), adesso)).toBe("ieri alle 23:59");
+  expect(quando(s(new Date(2026, 10, 21, 23, 59)), adesso)).toContain("21 novembre 2026");
+  expect(quando(0, adesso)).toBe("");
+});
+
+test("the home folder shortens its own paths only", () => {
+  expect(conTilde("/home/anna/x", "/home/anna")).toBe("~/x");
+  expect(conTilde("/home/annabella/x", "/home/anna")).toBe("/home/annabella/x");
+  expect(conTilde("/x", "")).toBe("/x");
+});
+
+test("a typed number counts only when whole and inside the range", () => {
+  const casi: [string, number | null][] = [
+    ["5", 5],
+    [" 1000 ", 1000],
+    ["0", null],
+    ["1001", null],
+    ["", null],
+    ["7.5", null],
+    ["1e2", null],
+    ["-5", null],
+  ];
+  for (const [testo, valore] of casi) expect(ammesso(testo, 1, 1000), testo).toBe(valore);
+});
+
+test("folders of the map: up ends at the root, the trail begins at the home folder", () => {
+  expect([sopra("/a/b"), sopra("/a"), sopra("/"), sopra("~")]).toEqual(["/a", "/", null, null]);
+  expect([dentro("/", "a"), dentro("/a", "b")]).toEqual(["/a", "/a/b"]);
+  const percorsi = (p: string, casa: string) => briciole(p, casa).map((b) => b.percorso);
+  expect(percorsi("/home/anna/x/y", "/home/anna")).toEqual([
+    "/home/anna",
+    "/home/anna/x",
+    "/home/anna/x/y",
+  ]);
+  expect(percorsi("/home/annabella", "/home/anna")).toEqual(["/", "/home", "/home/annabella"]);
+});
+
+test("areas follow the sizes, never overlap, and specks are gathered", () => {
+  const voci = [
+    ...[600, 300, 100].map((size, i) => ({ nome: `v${i}`, dir: false, size, size_h: "" })),
+    ...Array.from({ length: 500 }, (_, i) => ({
+      nome: `p${i}`,
+      dir: false,
+      size: 0.1,
+      size_h: "",
+    })),
+    { nome: "ignota", dir: true, size: -1, size_h: "…" },
+  ];
+  const lista = tessere(voci, 1000, 600);
+  const area = (i: number) => (lista[i]?.largo ?? 0) * (lista[i]?.alto ?? 0);
+  expect(area(0) / area(1)).toBeCloseTo(2, 0);
+  expect(lista).toHaveLength(4);
+  expect(lista.at(-1)).toMatchObject({ voce: null, altre: 500 });
+  for (const [i, a] of lista.entries()) {
+    expect(a.x >= 0 && a.y >= 0 && a.x + a.largo <= 1000 && a.y + a.alto <= 600).toBe(true);
+    for (const b of lista.slice(i + 1)) {
+      const separate =
+        a.x + a.largo <= b.x || b.x + b.largo <= a.x || a.y + a.alto <= b.y || b.y + b.alto <= a.y;
+      expect(separate).toBe(true);
+    }
+  }
+});
