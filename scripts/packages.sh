@@ -37,7 +37,7 @@ DEBIAN_TEST=(
   trash-cli
   xvfb
 )
-BREW_RUN=(boost ccache cli11 cmake fmt ninja)
+BREW_RUN=(boost ccache cli11 cmake fmt ninja node)
 BREW_TEST=(clang-format googletest llvm python shellcheck)
 
 # install_packages run|test: makes sure that everything of that need is there. Installs only what
@@ -62,6 +62,10 @@ install_packages() {
 
 install_debian() {
   local name status missing=()
+  # What runs the page's build may come from elsewhere than a package.
+  if ! command -v npm >/dev/null 2>&1; then
+    set -- "$@" nodejs npm
+  fi
   for name in "$@"; do
     status=$(dpkg-query -W -f='${db:Status-Status} ' "$name" 2>/dev/null || true)
     [[ " $status" == *" installed "* ]] || missing+=("$name")

@@ -195,7 +195,10 @@ void Engine::invalidaDisco() {
 
 Regole Engine::effectiveRules() const {
   Regole regole;
-  const Result<std::string> testo = ambiente_.files.read(ambiente_.rulesPath, kMaxRulesBytes);
+  Result<std::string> testo = ambiente_.files.read(ambiente_.rulesPath, kMaxRulesBytes);
+  if (!testo && testo.error().kind == ErrorKind::missing && ambiente_.regoleIncorporate) {
+    if (auto incorporate = ambiente_.regoleIncorporate()) testo = std::move(*incorporate);
+  }
   Result<Regole> lette = testo ? leggiRegole(*testo) : Result<Regole>(testo.error());
   if (lette) {
     regole = std::move(*lette);

@@ -47,6 +47,8 @@ struct AmbienteEngine {
   std::function<void(const std::string&)> avviso;
   /// Called on the engine's queue when a scan started by the periodic check is over.
   std::function<void(const Snapshot&)> controlloFinito;
+  /// The rules inside the executable, for when there is no rules file; may give nothing.
+  std::function<std::optional<std::string>()> regoleIncorporate = nullptr;
 };
 
 /// One page of a finding's entries.

@@ -34,7 +34,8 @@ Letto leggiFile(Files& files, const Store& store) {
 
 }  // namespace
 
-Impostazioni::Impostazioni(Files& files, Store store) : files_(files), store_(std::move(store)) {}
+Impostazioni::Impostazioni(Files& files, Store store, std::optional<LoginEntry> altraVoce)
+    : files_(files), store_(std::move(store)), altraVoce_(std::move(altraVoce)) {}
 
 Config Impostazioni::leggi() const { return leggiFile(files_, store_).config; }
 
@@ -54,7 +55,7 @@ Result<Config> Impostazioni::scrivi(Json richiesta) {
     nuove = std::move(letto.config);
     nuove.applica(richiesta);
     if (const auto accesso = richiesta["login_item"].booleano()) {
-      if (const auto fatto = applicaLoginItem(files_, store_, *accesso); !fatto) {
+      if (const auto fatto = applicaLoginItem(files_, store_, altraVoce_, *accesso); !fatto) {
         return fatto.error();
       }
     }
@@ -73,7 +74,8 @@ Result<Config> Impostazioni::azzera() {
     // A folder that can't be locked can't hold a settings file that we could remove either.
     const auto blocco = files_.lock(store_.blocco());
     if (!blocco) return blocco.error();
-    if (const auto tolto = applicaLoginItem(files_, store_, false); !tolto) return tolto.error();
+    if (const auto tolto = applicaLoginItem(files_, store_, altraVoce_, false); !tolto)
+      return tolto.error();
     if (const auto tolto = files_.removeOwn(store_.impostazioni()); !tolto) return tolto.error();
   }
   annuncia();

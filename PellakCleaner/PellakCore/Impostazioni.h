@@ -4,10 +4,12 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <optional>
 
 #include "PellakCore/Config.h"
 #include "PellakCore/Store.h"
 #include "platform/Files.h"
+#include "platform/LoginEntry.h"
 #include "platform/Result.h"
 
 namespace pellak {
@@ -21,7 +23,8 @@ class Json;
 /// settings.
 class Impostazioni {
  public:
-  Impostazioni(Files& files, Store store);
+  /// `altraVoce` is applied with the login item.
+  Impostazioni(Files& files, Store store, std::optional<LoginEntry> altraVoce = {});
 
   /// The current settings; defaults when the file is missing or broken.
   Config leggi() const;
@@ -44,6 +47,7 @@ class Impostazioni {
 
   Files& files_;
   const Store store_;
+  const std::optional<LoginEntry> altraVoce_;
   std::mutex osservatoriLock_;
   std::map<std::uint64_t, std::function<void()>> osservatori_;
   std::uint64_t prossimo_ = 1;

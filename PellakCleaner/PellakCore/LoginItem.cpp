@@ -27,10 +27,15 @@ constexpr std::string_view kPropertyList =
 
 }  // namespace
 
-Result<void> applicaLoginItem(Files& files, const Store& store, bool attivo) {
-  if (!attivo) return files.removeOwn(store.loginItem());
-  const std::array<std::string_view, 1> contenuto = {kPropertyList};
-  return files.replace(store.loginItem(), contenuto);
+Result<void> applicaLoginItem(Files& files, const Store& store,
+                              const std::optional<LoginEntry>& altra, bool attivo) {
+  const auto applica = [&](const std::string& file, std::string_view testo) {
+    const std::array<std::string_view, 1> contenuto = {testo};
+    return attivo ? files.replace(file, contenuto) : files.removeOwn(file);
+  };
+  auto fatto = applica(store.loginItem(), kPropertyList);
+  if (fatto && altra) fatto = applica(altra->file, altra->text);
+  return fatto;
 }
 
 }  // namespace pellak

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "scanners/Tabella.h"
+#include "shell/Incorporati.h"
 
 namespace pellak::app {
 namespace {
@@ -59,6 +60,12 @@ std::vector<Spostamento> cartelleXdg() {
   return spostamenti;
 }
 
+/// A rules file that the user named stands alone.
+std::function<std::optional<std::string>()> regoleIncorporate(const Ambiente& ambiente) {
+  if (ambiente.regoleIndicate) return nullptr;
+  return [famiglia = ambiente.famiglia] { return shell::incorporati::regole(famiglia); };
+}
+
 Error erroreAmbiente(std::string testo) { return {ErrorKind::invalid, 0, std::move(testo)}; }
 
 }  // namespace
@@ -81,23 +88,28 @@ Result<Ambiente> leggiAmbiente(const Native& native, Files& files) {
   } else if (!scelta.empty()) {
     return erroreAmbiente("PELLAK_TOOLS può valere solo macos o linux");
   }
+  ambiente.risorse = cartellaRisorse(native, files);
   ambiente.rulesPath = variabile("PELLAK_RULES");
-  if (ambiente.rulesPath.empty()) {
-    ambiente.rulesPath = cartellaRisorse(native, files) + nomeRegole(ambiente.famiglia);
+  ambiente.regoleIndicate = !ambiente.rulesPath.empty();
+  if (!ambiente.regoleIndicate) {
+    ambiente.rulesPath = ambiente.risorse + nomeRegole(ambiente.famiglia);
   }
   if (ambiente.famiglia == FamigliaStrumenti::linux) ambiente.spostamenti = cartelleXdg();
   return ambiente;
 }
 
 Applicazione::Applicazione(std::unique_ptr<Native> native, Ambiente ambiente,
-                           std::function<void(const std::string&)> avviso)
+                           std::function<void(const std::string&)> avviso,
+                           std::function<void(const Snapshot&)> controlloFinito)
     : native_(std::move(native)),
       platform_(native_->platform()),
       ambiente_(std::move(ambiente)),
-      impostazioni_(platform_.files, Store(ambiente_.home)),
+      comandi_(platform_.launcher, platform_.clock, ambiente_.famiglia),
+      impostazioni_(platform_.files, Store(ambiente_.home), native_->loginEntry(ambiente_.home)),
       engine_({platform_.files, platform_.clock, platform_.lister, platform_.applicazioni,
                impostazioni_, Store(ambiente_.home), ambiente_.rulesPath, ambiente_.spostamenti,
-               scanners::tabellaScanner(), std::move(avviso), nullptr}),
+               scanners::tabellaScanner(), std::move(avviso), std::move(controlloFinito),
+               regoleIncorporate(ambiente_)}),
       cestino_({platform_.files, *reader_, platform_.lister, platform_.clock, platform_.trash,
                 Store(ambiente_.home), [this] { platform_.suono.movedToTrash(); }}),
       operazioni_(engine_, cestino_, platform_.applicazioni, *reader_),

@@ -10,6 +10,7 @@
 #include "PellakCore/Engine.h"
 #include "PellakCore/Impostazioni.h"
 #include "api/Router.h"
+#include "commands/Comandi.h"
 #include "platform/FileReader.h"
 #include "platform/Native.h"
 #include "trash/OperazioniCestino.h"
@@ -21,6 +22,8 @@ struct Ambiente {
   std::string home;  ///< home folder, no trailing slash
   FamigliaStrumenti famiglia;
   std::string rulesPath;                 ///< the rules file in force
+  bool regoleIndicate = false;           ///< the user named another rules file
+  std::string risorse;                   ///< the resource folder, which holds "engine"
   std::vector<Spostamento> spostamenti;  ///< folders that XDG_* variables put elsewhere
 };
 
@@ -33,22 +36,32 @@ Result<Ambiente> leggiAmbiente(const Native& native, Files& files);
 /// them; window, bridge and terminal commands all start from here.
 class Applicazione {
  public:
-  /// `avviso` gets one line at a time about what no reply carries; any thread.
+  /// `avviso` gets one line at a time about what no reply carries; any thread. `controlloFinito`
+  /// is told of the end of a scan that the periodic check started, on the engine's queue.
   Applicazione(std::unique_ptr<Native> native, Ambiente ambiente,
-               std::function<void(const std::string&)> avviso);
+               std::function<void(const std::string&)> avviso,
+               std::function<void(const Snapshot&)> controlloFinito = nullptr);
 
   Engine& engine() { return engine_; }
   api::Router& router() { return router_; }
+  Impostazioni& impostazioni() { return impostazioni_; }
+  Comandi& comandi() { return comandi_; }
+  const Platform& platform() const { return platform_; }
   trash::OperazioniCestino& operazioni() { return operazioni_; }
   FileReader& reader() { return *reader_; }
   /// A copy of one operation of the log; nothing when there is none.
   std::optional<trash::Operazione> operazione(std::string_view id);
   const std::string& home() const { return ambiente_.home; }
+  const std::string& risorse() const { return ambiente_.risorse; }
+  FamigliaStrumenti famiglia() const { return ambiente_.famiglia; }
+  /// The running program's own file.
+  std::string eseguibile() const { return native_->executablePath(); }
 
  private:
   const std::unique_ptr<Native> native_;
   const Platform platform_;
   const Ambiente ambiente_;
+  Comandi comandi_;
   Impostazioni impostazioni_;
   Engine engine_;
   const std::unique_ptr<FileReader> reader_ = creaFileReader();

@@ -1,6 +1,5 @@
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <exception>
 #include <fmt/format.h>
 #include <memory>
@@ -13,6 +12,7 @@
 #include "app/Applicazione.h"
 #include "app/ComandoApi.h"
 #include "app/ComandoBridge.h"
+#include "app/ComandoFinestra.h"
 #include "app/ComandoLog.h"
 #include "app/ComandoMap.h"
 #include "app/ComandoRestore.h"
@@ -42,16 +42,6 @@ class Avvisi {
   std::set<std::string> detti_;
 };
 
-int apriFinestra() {
-  const bool schermo =
-      std::getenv("DISPLAY") != nullptr || std::getenv("WAYLAND_DISPLAY") != nullptr;
-  fmt::print(stderr,
-             "{}: usa il terminale con «pellak-cleaner scan», «show», «map», «trash», «log» o "
-             "«restore» (aiuto: «pellak-cleaner --help»).\n",
-             schermo ? "questa versione non ha ancora la finestra" : "nessuno schermo disponibile");
-  return 1;
-}
-
 /// Runs the command that was read; those that need no application are answered before.
 struct Esecutore {
   Applicazione& applicazione;
@@ -68,14 +58,12 @@ struct Esecutore {
     return comandoApi(applicazione, api.rotta, api.corpo);
   }
   int operator()(const OpzioniBridge& /*bridge*/) const { return comandoBridge(applicazione); }
-  int operator()(const OpzioniFinestra& /*finestra*/) const { return apriFinestra(); }
+  int operator()(const OpzioniFinestra& /*finestra*/) const { return 0; }
   int operator()(const Uscito& uscito) const { return uscito.stato; }
 };
 
 int esegui(const Comando& comando) {
   if (const auto* uscito = std::get_if<Uscito>(&comando)) return uscito->stato;
-  if (std::holds_alternative<OpzioniFinestra>(comando)) return apriFinestra();
-
   std::unique_ptr<Native> native = creaNative();
   Result<Ambiente> ambiente = leggiAmbiente(*native, native->platform().files);
   if (!ambiente) {
@@ -83,8 +71,11 @@ int esegui(const Comando& comando) {
     return 1;
   }
   const auto avvisi = std::make_shared<Avvisi>();
-  Applicazione applicazione(std::move(native), std::move(*ambiente),
-                            [avvisi](const std::string& testo) { (*avvisi)(testo); });
+  const auto avviso = [avvisi](const std::string& testo) { (*avvisi)(testo); };
+  if (std::holds_alternative<OpzioniFinestra>(comando)) {
+    return comandoFinestra(std::move(native), std::move(*ambiente), avviso);
+  }
+  Applicazione applicazione(std::move(native), std::move(*ambiente), avviso);
   return std::visit(Esecutore{applicazione}, comando);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/Applications.h"
@@ -8,8 +9,10 @@
 #include "platform/DirectoryLister.h"
 #include "platform/FileManager.h"
 #include "platform/Files.h"
+#include "platform/LoginEntry.h"
 #include "platform/ProcessLauncher.h"
 #include "platform/SoundPlayer.h"
+#include "platform/SystemProbe.h"
 #include "platform/ToolFamily.h"
 #include "platform/TrashCan.h"
 
@@ -26,6 +29,7 @@ struct Platform {
   Applications& applicazioni;
   TrashCan& trash;
   SoundPlayer& suono;
+  SystemProbe& probe;
 };
 
 /// Owns the back ends. Making one starts nothing, and opens nothing but the standard streams that
@@ -41,6 +45,9 @@ class Native {
   virtual std::string executablePath() const = 0;
   /// The home folder of the user by the system's own records, for when HOME is not set.
   virtual std::string homeFolder() const = 0;
+  /// What starts the program at login on this system, beside the property list that is written on
+  /// every one; nothing where that suffices.
+  virtual std::optional<LoginEntry> loginEntry(const std::string& home) const = 0;
 };
 
 std::unique_ptr<Native> creaNative();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -61,6 +62,11 @@ class AppDelegate final : public DesktopEvents {
 
   /// Runs the host's loop with the launch sequence as its first task; returns the exit status.
   int esegui();
+
+  /// Waits at most `attesa` until every request of the page is answered; whether they all are.
+  bool attendiRisposte(std::chrono::milliseconds attesa) {
+    return bridge_->attendiRisposte(attesa);
+  }
 
   /// The launch sequence; called once, on the running loop.
   void applicationDidFinishLaunching();

@@ -8,6 +8,7 @@ import re
 # Longest prefix first: the room of a file is the first whose prefix its path starts with.
 PREFIXES = [
     ("platform/Native.h", "native"),
+    ("platform/Desktop.h", "native"),
     ("platform/posix/", "posix"),
     ("platform/linux/", "linux"),
     ("platform/macos/", "macos"),

@@ -41,7 +41,9 @@ class Proprio:
         dati = dati or home + b"/.local/share"
         self.cestino = dati + b"/Trash"
         self.supporto = home + b"/Library/Application Support/PellakCleaner/"
-        self.avvio = home + b"/Library/LaunchAgents/com.pellaklab.cleaner.plist"
+        accesso = (home + b"/Library/LaunchAgents/com.pellaklab.cleaner.plist",
+                   home + b"/.config/autostart/com.pellaklab.cleaner.desktop")
+        self.accesso = {voce + fine for voce in accesso for fine in (b"", b".nuovo")}
 
     def cestino_di(self, percorso, parte):
         """Whether the path is `parte`, a pattern, below a Trash folder."""
@@ -52,8 +54,8 @@ class Proprio:
         return False
 
     def e(self, percorso):
-        return (percorso.startswith(self.supporto) or percorso == self.avvio or
-                percorso == self.avvio + b".nuovo" or self.cestino_di(percorso, LIBRI))
+        return (percorso.startswith(self.supporto) or percorso in self.accesso or
+                self.cestino_di(percorso, LIBRI))
 
     def elemento(self, percorso):
         return self.cestino_di(percorso, re.compile(rb"files/[^/]+"))

@@ -4,9 +4,11 @@
 
 #include "platform/Native.h"
 #include "platform/linux/ApplicationsLinux.h"
+#include "platform/linux/AutostartEntry.h"
 #include "platform/linux/DirectoryListerLinux.h"
 #include "platform/linux/FileManagerLinux.h"
 #include "platform/linux/SoundPlayerLinux.h"
+#include "platform/linux/SystemProbeLinux.h"
 #include "platform/linux/TrashCanLinux.h"
 #include "platform/posix/ClockPosix.h"
 #include "platform/posix/FilesPosix.h"
@@ -20,7 +22,8 @@ namespace {
 class NativeLinux : public Native {
  public:
   Platform platform() override {
-    return {files_, clock_, lister_, launcher_, fileManager_, applicazioni_, trash_, suono_};
+    return {files_,        clock_, lister_, launcher_, fileManager_,
+            applicazioni_, trash_, suono_,  probe_};
   }
 
   FamigliaStrumenti famiglia() const override { return FamigliaStrumenti::linux; }
@@ -34,6 +37,10 @@ class NativeLinux : public Native {
 
   std::string homeFolder() const override { return posix::homeFolder(); }
 
+  std::optional<LoginEntry> loginEntry(const std::string& home) const override {
+    return native::autostartEntry(executablePath(), home);
+  }
+
  private:
   posix::FilesPosix files_;
   posix::ClockPosix clock_;
@@ -43,6 +50,7 @@ class NativeLinux : public Native {
   native::ApplicationsLinux applicazioni_;
   native::TrashCanLinux trash_;
   native::SoundPlayerLinux suono_{launcher_};
+  native::SystemProbeLinux probe_;
 };
 
 }  // namespace

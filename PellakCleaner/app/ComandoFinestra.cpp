@@ -1,0 +1,146 @@
+#include "app/ComandoFinestra.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fmt/format.h>
+#include <optional>
+#include <utility>
+
+#include "app/Terminale.h"
+#include "app/Uscita.h"
+#include "app/Versione.h"
+#include "platform/Desktop.h"
+#include "shell/AppDelegate.h"
+#include "shell/Incorporati.h"
+#include "shell/Notifiche.h"
+#include "shell/Prova.h"
+#include "shell/Sorveglianza.h"
+
+namespace pellak::app {
+namespace {
+
+constexpr double kQuartoDora = 900;
+/// How long what is under way at the end may take to finish by itself.
+constexpr std::chrono::milliseconds kPazienza{2000};
+
+std::optional<std::string> variabile(const std::string& nome) {
+  const char* valore = std::getenv(nome.c_str());
+  return valore == nullptr ? std::nullopt : std::optional<std::string>(valore);
+}
+
+/// Seconds between two checks; the variable is for automated checks.
+double intervallo() {
+  const auto indicato = variabile("PELLAK_CHECK_SECONDS");
+  const double secondi = indicato ? std::strtod(indicato->c_str(), nullptr) : 0;
+  return secondi > 0 ? secondi : kQuartoDora;
+}
+
+void riga(const std::string& testo) {
+  stampa(testo + "\n");
+  consegna();
+}
+
+/// Where no window can be shown.
+int senzaFinestra(std::unique_ptr<Native> native, Ambiente ambiente, const Error& errore,
+                  const std::function<void(const std::string&)>& avviso) {
+  if (errore.kind == ErrorKind::exists) return 0;
+  if (errore.kind == ErrorKind::missing && variabile("PELLAK_BENCH")) {
+    Applicazione applicazione(std::move(native), std::move(ambiente), avviso);
+    shell::prova::tempi(applicazione.engine(), applicazione.home(), riga);
+    return chiudiUscita();
+  }
+  const std::string motivo = errore.kind == ErrorKind::missing
+                                 ? std::string("nessuno schermo disponibile")
+                                 : "la finestra non si apre (" + errore.text + ")";
+  avviso(motivo +
+         ": usa il terminale con «pellak-cleaner scan», «show», «map», «trash», «log» o «restore» "
+         "(aiuto: «pellak-cleaner --help»).");
+  return 1;
+}
+
+/// The application with what only its window has: notices, the periodic check, the delegate.
+class Finestra {
+ public:
+  Finestra(std::unique_ptr<Native> native, Ambiente ambiente, Desktop& desktop,
+           const std::function<void(const std::string&)>& avviso)
+      : desktop_(desktop),
+        applicazione_(std::move(native), std::move(ambiente), avviso,
+                      [this](const Snapshot& stato) { sorveglianza_->concluso(stato); }) {
+    notifiche_.emplace(applicazione_.comandi(), desktop.notifier(), applicazione_.famiglia());
+    sorveglianza_.emplace(applicazione_.engine(), applicazione_.impostazioni(),
+                          applicazione_.platform().files, applicazione_.platform().clock,
+                          [this](const std::string& messaggio, const std::string& titolo) {
+                            notifiche_->mostra(messaggio, titolo);
+                          });
+  }
+
+  int esegui() {
+    sorveglianza_->arma(intervallo());
+    shell::AppDelegate delegato(ambienteShell());
+    const int stato = delegato.esegui();
+    applicazione_.engine().stop();
+    const bool quiete = delegato.attendiRisposte(kPazienza);
+    applicazione_.engine().attendiFine(kPazienza);
+    chiudiUscita();
+    // A folder that does not answer must not keep the process from ending; what we keep is
+    // written whole or not at all, and a move that is cut off is taken up by the next start.
+    if (!quiete || applicazione_.engine().occupato()) std::_Exit(stato);
+    return stato;
+  }
+
+ private:
+  shell::AmbienteShell ambienteShell() {
+    const Platform& platform = applicazione_.platform();
+    return {applicazione_.engine(),
+            applicazione_.impostazioni(),
+            applicazione_.router(),
+            platform.files,
+            platform.clock,
+            desktop_.host(),
+            desktop_.keepAwake(),
+            platform.probe,
+            applicazione_.home(),
+            applicazione_.risorse(),
+            kVersione,
+            [] { return shell::incorporati::pagina(); },
+            [this] { return riavvia(); },
+            [this] { cattura(); },
+            variabile,
+            riga};
+  }
+
+  bool avviaShell(const std::string& comando) {
+    return applicazione_.platform()
+        .launcher.start({"/bin/sh", {"-c", comando}, ChildStreams::errorOnly, {}})
+        .ok();
+  }
+
+  bool riavvia() {
+    return avviaShell("sleep 0.5; " + desktop_.startCommand(applicazione_.eseguibile()));
+  }
+
+  void cattura() {
+    static_cast<void>(applicazione_.comandi().esegui("/usr/sbin/screencapture",
+                                                     {"-x", "/tmp/pellak-informazioni.png"}));
+  }
+
+  Desktop& desktop_;
+  // Filled once the engine is there and gone after it: its queue calls them.
+  std::optional<shell::Notifiche> notifiche_;
+  std::optional<shell::Sorveglianza> sorveglianza_;
+  Applicazione applicazione_;
+};
+
+}  // namespace
+
+int comandoFinestra(std::unique_ptr<Native> native, Ambiente ambiente,
+                    const std::function<void(const std::string&)>& avviso) {
+  const auto desktop = openDesktop(native->executablePath());
+  if (!desktop) {
+    return senzaFinestra(std::move(native), std::move(ambiente), desktop.error(), avviso);
+  }
+  return Finestra(std::move(native), std::move(ambiente), **desktop, avviso).esegui();
+}
+
+}  // namespace pellak::app
