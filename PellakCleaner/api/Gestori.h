@@ -38,6 +38,8 @@ Risposta mappa(Servizi& servizi, Json corpo);
 
 // RotteSistema.cpp
 Risposta perms(Servizi& servizi, Json corpo);
+Risposta permsFda(Servizi& servizi, Json corpo);
+Risposta permsAutomation(Servizi& servizi, Json corpo);
 Risposta appAttiva(Servizi& servizi, Json corpo);
 /// Stands in the table for work that this version does not offer.
 Risposta nonDisponibile(Servizi& servizi, Json corpo);

@@ -24,7 +24,27 @@ Risposta perms(Servizi& servizi, Json) {
   uscita.key("fda_denied").boolean(std::any_of(luoghi.begin(), luoghi.end(), [](const auto& luogo) {
     return luogo.negato;
   }));
+  uscita.key("casa").text(servizi.home);
+  if (const auto disco = servizi.probe.disk(servizi.home)) {
+    uscita.key("disco").beginObject();
+    uscita.key("totale").integer(disco->total).key("libero").integer(disco->free);
+    uscita.endObject();
+  }
   uscita.endObject();
+  return conTesto(uscita.take());
+}
+
+Risposta permsFda(Servizi& servizi, Json) {
+  const auto err = permessi::apriAccessoCompleto(servizi.comandi, servizi.famiglia);
+  return err ? errore(*err) : riuscito();
+}
+
+Risposta permsAutomation(Servizi& servizi, Json corpo) {
+  const auto concessa =
+      permessi::automazione(servizi.comandi, servizi.famiglia, corpo.testo("app"));
+  if (!concessa) return errore(concessa.error().text);
+  JsonWriter uscita;
+  uscita.beginObject().key("ok").boolean(true).key("automation").boolean(*concessa).endObject();
   return conTesto(uscita.take());
 }
 

@@ -4,9 +4,11 @@
 
 #include "PellakCore/Engine.h"
 #include "PellakCore/Impostazioni.h"
+#include "commands/Comandi.h"
 #include "platform/Applications.h"
 #include "platform/FileManager.h"
 #include "platform/Files.h"
+#include "platform/SystemProbe.h"
 #include "platform/ToolFamily.h"
 #include "trash/OperazioniCestino.h"
 
@@ -20,6 +22,8 @@ struct Servizi {
   FileManager& fileManager;
   Applications& applicazioni;
   Files& files;
+  Comandi& comandi;
+  SystemProbe& probe;
   FamigliaStrumenti famiglia;
   trash::OperazioniCestino& cestino;
   std::string home;  ///< absolute, bytes

@@ -114,7 +114,8 @@ Applicazione::Applicazione(std::unique_ptr<Native> native, Ambiente ambiente,
                 Store(ambiente_.home), [this] { platform_.suono.movedToTrash(); }}),
       operazioni_(engine_, cestino_, platform_.applicazioni, *reader_),
       router_({engine_, impostazioni_, platform_.fileManager, platform_.applicazioni,
-               platform_.files, ambiente_.famiglia, operazioni_, ambiente_.home}) {
+               platform_.files, comandi_, platform_.probe, ambiente_.famiglia, operazioni_,
+               ambiente_.home}) {
   cestino_.riprendi();
 }
 

@@ -15,4 +15,13 @@ std::string traApici(std::string_view testo) {
   return quoted;
 }
 
+std::string traVirgolette(std::string_view testo) {
+  std::string quoted = "\"";
+  for (const char byte : testo) {
+    if (byte == '\\' || byte == '"') quoted += '\\';
+    quoted += byte;
+  }
+  return quoted + '"';
+}
+
 }  // namespace pellak

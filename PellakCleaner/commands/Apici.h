@@ -10,4 +10,7 @@ namespace pellak {
 /// part of a shell line.
 std::string traApici(std::string_view testo);
 
+/// `testo` as a text literal of AppleScript, double quotes included.
+std::string traVirgolette(std::string_view testo);
+
 }  // namespace pellak

@@ -52,7 +52,6 @@ void AppDelegate::applicationDidFinishLaunching() {
                      voce(std::string("Esci da ") + kNome, MenuAction::quit, "q")});
   host_.setStatusImage(ambiente_.risorse + "/engine/menubar.png", "P");
   mostraMenu();
-  host_.setCloseHides(statoVisibile_);
   scaldaAccessoDisco();
   applicaBarra();
   // On the writer's thread, which may be a queue of requests.
@@ -172,6 +171,7 @@ void AppDelegate::scriptConfirm(const std::string& testo, std::function<void(boo
 }
 
 void AppDelegate::windowWillClose() {
+  mostraMenu();
   host_.evaluate(kNascosta);
   host_.post([this] {
     if (!host_.windowVisible()) host_.setRegular(false);
@@ -239,7 +239,9 @@ std::vector<MenuEntry> AppDelegate::vociMenu() const {
 }
 
 void AppDelegate::mostraMenu() {
-  statoVisibile_ = host_.setStatusMenu(letture_.righe(ambiente_.impostazioni.leggi()), vociMenu());
+  // Without a status item nothing could bring a hidden window back.
+  host_.setCloseHides(
+      host_.setStatusMenu(letture_.righe(ambiente_.impostazioni.leggi()), vociMenu()));
 }
 
 void AppDelegate::menuWillOpen() { mostraMenu(); }

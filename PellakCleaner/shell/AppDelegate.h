@@ -112,7 +112,6 @@ class AppDelegate final : public DesktopEvents {
   DesktopHost& host_;
   PaginaWeb pagina_;
   bool fdaPending_ = false;
-  bool statoVisibile_ = false;  ///< somebody shows the status item
   int cadute_ = 0;              ///< how often the page's process has ended
   std::string titoloBarra_;
   LettureSistema letture_;

@@ -1,24 +1,17 @@
 #include "shell/Notifiche.h"
 
+#include "commands/Apici.h"
+
 namespace pellak::shell {
 namespace {
 
 constexpr const char* kOsascript = "/usr/bin/osascript";
 
-std::string protetto(std::string_view testo) {
-  std::string uscita;
-  for (const char carattere : testo) {
-    if (carattere == '\\' || carattere == '"') uscita += '\\';
-    uscita += carattere;
-  }
-  return uscita;
-}
-
 }  // namespace
 
 std::string scriptNotifica(std::string_view messaggio, std::string_view titolo) {
-  return "display notification \"" + protetto(messaggio) + "\" with title \"" + protetto(titolo) +
-         "\"";
+  return "display notification " + traVirgolette(messaggio) + " with title " +
+         traVirgolette(titolo);
 }
 
 std::string Notifiche::mostra(const std::string& messaggio, const std::string& titolo) {

@@ -11,9 +11,11 @@
 #include "fakes/CartellaTemporanea.h"
 #include "fakes/FakeApplications.h"
 #include "fakes/FakeClock.h"
+#include "fakes/FakeDesktop.h"
 #include "fakes/FakeFileManager.h"
 #include "fakes/GuardedFiles.h"
 #include "fakes/MemoryLister.h"
+#include "fakes/ScriptedLauncher.h"
 #include "platform/FileReader.h"
 #include "platform/Native.h"
 #include "trash/OperazioniCestino.h"
@@ -59,8 +61,9 @@ class Richieste : public testing::Test {
   }
 
   Router router() {
-    return Router({motore(), impostazioni, fileManager, applicazioni, files, famiglia, operazioni(),
-                   home.percorso()});
+    comandi_.emplace(launcher, clock, famiglia);
+    return Router({motore(), impostazioni, fileManager, applicazioni, files, *comandi_, probe,
+                   famiglia, operazioni(), home.percorso()});
   }
 
   /// The body must be JSON.
@@ -87,6 +90,8 @@ class Richieste : public testing::Test {
   fakes::MemoryLister lister;
   fakes::FakeApplications applicazioni;
   fakes::FakeFileManager fileManager;
+  fakes::ScriptedLauncher launcher;
+  fakes::FakeProbe probe;
   FamigliaStrumenti famiglia = FamigliaStrumenti::linux;
   Store store{home.percorso()};
   Impostazioni impostazioni{files, store};
@@ -94,6 +99,7 @@ class Richieste : public testing::Test {
   int suoni = 0;
 
  private:
+  std::optional<Comandi> comandi_;
   const std::unique_ptr<Native> native_ = creaNative();
   const std::unique_ptr<FileReader> reader_ = creaFileReader();
   std::unique_ptr<Engine> engine_;

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "PellakCore/base/BytePath.h"
+#include "commands/Apici.h"
 
 namespace pellak::permessi {
 namespace {
@@ -33,6 +34,10 @@ constexpr std::array<Nome, 9> kLinux{{
     {"Pacchetti scaricati", "/var/cache/apt/archives"},
 }};
 
+constexpr const char* kNonDisponibile = "non disponibile";
+constexpr const char* kElencoAccesso =
+    "x-apple.systempreferences:com.apple.preference.security?Privacy_AllFiles";
+
 std::span<const Nome> elenco(FamigliaStrumenti famiglia) {
   if (famiglia == FamigliaStrumenti::macos) return kMacos;
   return kLinux;
@@ -51,6 +56,21 @@ std::vector<Luogo> luoghi(Files& files, FamigliaStrumenti famiglia, std::string_
     presenti.push_back(std::move(luogo));
   }
   return presenti;
+}
+
+std::optional<std::string> apriAccessoCompleto(Comandi& comandi, FamigliaStrumenti famiglia) {
+  if (famiglia != FamigliaStrumenti::macos) return kNonDisponibile;
+  const EsitoComando esito = comandi.esegui("/usr/bin/open", {kElencoAccesso});
+  return esito.stato == 0 ? std::nullopt : std::optional<std::string>("comando non eseguibile");
+}
+
+Result<bool> automazione(Comandi& comandi, FamigliaStrumenti famiglia, std::string_view app) {
+  if (famiglia != FamigliaStrumenti::macos) return Error{ErrorKind::missing, 0, kNonDisponibile};
+  if (app.empty()) return Error{ErrorKind::invalid, 0, "nessuna app indicata"};
+  const EsitoComando esito = comandi.esegui(
+      "/usr/bin/osascript", {"-e", "tell application " + traVirgolette(app) + " to get name"});
+  if (esito.stato == -1) return Error{ErrorKind::missing, 0, "osascript non eseguibile"};
+  return esito.stato == 0;
 }
 
 }  // namespace pellak::permessi
