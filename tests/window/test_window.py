@@ -1,0 +1,229 @@
+"""The real window: the program on a hidden screen, with a message bus of its own."""
+
+import json
+import os
+import pathlib
+import select
+import signal
+import subprocess
+import time
+import unittest
+
+from programma import PROGRAMMA, ConCasa
+
+NOTIFICHE = os.environ["PELLAK_NOTIFICHE"]
+PAZIENZA = 60
+BUS = """<!DOCTYPE busconfig PUBLIC '-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN'
+ 'http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd'>
+<busconfig><type>session</type><listen>unix:path={}</listen><policy context='default'>
+<allow send_destination='*'/><allow receive_sender='*'/><allow own='*'/></policy></busconfig>"""
+
+
+def riga_di(flusso, pazienza=PAZIENZA):
+    """The next line of a pipe, without its end; nothing when none comes."""
+    pronti, _, _ = select.select([flusso], [], [], pazienza)
+    return flusso.readline().decode().rstrip("\n") if pronti else None
+
+
+class Finestra(ConCasa):
+    @classmethod
+    def setUpClass(cls):
+        cls.schermo = subprocess.Popen(
+            ["Xvfb", "-displayfd", "1", "-screen", "0", "1280x900x24", "-nolisten", "tcp"],
+            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        cls.numero = ":" + riga_di(cls.schermo.stdout)
+        cls.addClassCleanup(cls._ferma, cls.schermo)
+
+    @staticmethod
+    def _ferma(processo):
+        processo.kill()
+        processo.wait()
+        for flusso in (processo.stdin, processo.stdout, processo.stderr):
+            if flusso:
+                flusso.close()
+
+    def setUp(self):
+        super().setUp()
+        indirizzo = self.casa / "bus"
+        impostazioni = self.casa / "bus.conf"
+        impostazioni.write_text(BUS.format(indirizzo))
+        bus = subprocess.Popen(["dbus-daemon", "--nofork", f"--config-file={impostazioni}"],
+                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.addCleanup(self._ferma, bus)
+        self.attendi(indirizzo.exists)
+        corrente = self.casa / "corrente"
+        corrente.mkdir(0o700)
+        self.ambiente.update({
+            "DISPLAY": self.numero, "DBUS_SESSION_BUS_ADDRESS": f"unix:path={indirizzo}",
+            "XDG_RUNTIME_DIR": str(corrente), "LIBGL_ALWAYS_SOFTWARE": "1",
+            "NO_AT_BRIDGE": "1", "GDK_BACKEND": "x11"})
+
+    def attendi(self, vero):
+        limite = time.monotonic() + PAZIENZA
+        while not vero():
+            self.assertLess(time.monotonic(), limite, "never happened")
+            time.sleep(0.02)
+
+    def apri(self, **variabili):
+        """Starts the program in its window."""
+        processo = subprocess.Popen([PROGRAMMA], env={**self.ambiente, **variabili},
+                                    stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        self.addCleanup(self._ferma, processo)
+        return processo
+
+    def pagina(self, script, **variabili):
+        """What a script in the page returns, four seconds after the launch."""
+        processo = self.apri(PELLAK_JS=script, **variabili)
+        return riga_di(processo.stdout)
+
+    def righe(self, **variabili):
+        """What a run that ends by itself prints."""
+        processo = self.apri(**variabili)
+        uscita, _ = processo.communicate(timeout=PAZIENZA)
+        self.assertEqual(processo.returncode, 0)
+        return uscita.decode().splitlines()
+
+    def test_opens_its_own_page_and_survives_the_window(self):
+        inizio = str(time.monotonic_ns())
+        riga, = self.righe(PELLAK_TIME_START=inizio)
+        self.assertRegex(riga, r"^STARTUP: pagina pronta in \d+ ms$")
+        righe = self.righe(PELLAK_SMOKE="1", PELLAK_TEST_REOPEN="1")
+        self.assertEqual(righe[-1], "REOPEN: sopravvissuto")
+        self.assertGreater(len(righe), 3)
+        self.assertEqual([r for r in righe[:-1] if not r.startswith("SMOKE: ")], [])
+
+    def test_the_page_scans_moves_and_restores(self):
+        self.file(".cache/thumbnails/large/a.png", 300_000)
+        esito = self.pagina("""
+          const fine = async () => { let s; do {
+            await new Promise((f) => setTimeout(f, 100));
+            s = await api('/api/state', {}); } while (s.busy); return s; };
+          await api('/api/scan', {section: 'all'});
+          const stato = await fine();
+          const voci = stato.sections.flatMap((s) => s.findings).filter((f) => f.total > 0);
+          const mossa = await api('/api/trash', {id: voci[0].id});
+          const registro = await api('/api/log', {});
+          const resa = await api('/api/restore', {op: registro.ops[0].id});
+          return [voci.length, voci[0].id, mossa.ok, registro.ops.length, resa.ok, resa.err];""")
+        self.assertIsNotNone(esito)
+        quante, finding, mosse, operazioni, resa, errore = json.loads(esito)
+        self.assertGreaterEqual(quante, 1)
+        self.assertEqual((mosse > 0, operazioni, errore), (True, 1, None), finding)
+        self.assertTrue(resa)
+        self.assertTrue((self.casa / ".cache/thumbnails/large/a.png").exists())
+
+    def test_hostile_names_stay_text(self):
+        nome = "<img src=x onerror='window.__colpita=1'>\n</script><b>"
+        grande = pathlib.Path(os.fsdecode(self.file("Documents/" + nome.replace("/", "∕"), 4096)))
+        os.truncate(grande, 600 << 20)
+        os.makedirs(self.casa / (nome.replace("/", "∕")))
+        esito = self.pagina("""
+          await api('/api/scan', {section: 'grandi'});
+          for (let i = 0; i < 100; i++) {
+            await new Promise((f) => setTimeout(f, 50));
+            if (!(await api('/api/state', {})).busy) break;
+          }
+          const viste = [...document.querySelectorAll('nav button, nav a, aside button, aside a')];
+          for (const vista of viste) {
+            vista.click();
+            await new Promise((f) => setTimeout(f, 150));
+          }
+          return [viste.length, document.images.length, window.__colpita ?? 0,
+                  [...document.querySelectorAll('b')].length];""")
+        viste, immagini, colpita, grassetti = json.loads(esito)
+        self.assertGreater(viste, 10)
+        self.assertEqual((immagini, colpita, grassetti), (0, 0, 0))
+
+    def test_a_second_start_shows_the_first_window(self):
+        primo = self.apri(PELLAK_JS="""
+          let vista = 'mai'; const prima = window.__pellakVisible;
+          window.__pellakVisible = (v) => { vista = v; prima(v); };
+          for (let i = 0; i < 200 && vista !== true; i++) {
+            await new Promise((f) => setTimeout(f, 50)); }
+          return vista;""")
+        self.attendi(lambda: self._pagine(primo.pid))
+        for _ in range(20):
+            secondo = self.apri()
+            secondo.communicate(timeout=PAZIENZA)
+            self.assertEqual(secondo.returncode, 0)
+            riga = riga_di(primo.stdout, 0.5)
+            if riga is not None:
+                break
+        self.assertEqual(riga, "true")
+        self.assertIsNone(primo.poll())
+
+    def test_a_dead_page_is_loaded_again(self):
+        processo = self.apri(PELLAK_JS="return document.title + ' ' + typeof api")
+        self.attendi(lambda: self._pagine(processo.pid))
+        time.sleep(1)
+        for pagina in self._pagine(processo.pid):
+            os.kill(pagina, signal.SIGKILL)
+        self.assertEqual(riga_di(processo.stdout), "Pellak Cleaner function")
+        self.assertIsNone(processo.poll())
+
+    @staticmethod
+    def _pagine(pid):
+        """The processes that show the page of the program."""
+        trovate = []
+        for cartella in pathlib.Path("/proc").glob("[0-9]*"):
+            try:
+                nome = (cartella / "comm").read_text()
+                genitore = (cartella / "stat").read_text().rpartition(")")[2].split()[1]
+            except OSError:
+                continue
+            if nome.startswith("WebKitWebProces") and genitore == str(pid):
+                trovate.append(int(cartella.name))
+        return trovate
+
+    def test_floods_and_enormous_replies(self):
+        """A page that floods the channel gets every answer; a reply of over 50 MB arrives."""
+        voce = {"path": "/h/" + "n" * 180, "size": 1, "mtime": 1}
+        self.supporto.mkdir(parents=True)
+        finding = {"id": "large", "name": "x", "mode": "report", "items": [voce] * 200_000}
+        (self.supporto / "risultati.json").write_text(
+            json.dumps({"grandi": {"ts": 1, "findings": [finding]}}))
+        prima = self.api("/api/state")
+        byte = len(json.dumps(prima))
+        esito = self.pagina("""
+          for (let i = 0; i < 20000; i++) {
+            webkit.messageHandlers.pellak.postMessage('x' + i);
+            webkit.messageHandlers.api.postMessage([i]);
+          }
+          const tutte = await Promise.all(
+            Array.from({length: 2000}, (_, i) => api('/api/voci', {id: 'large', da: i, quante: 1})));
+          const stato = await api('/api/state', {});
+          return [tutte.every((t, i) => t.da === i), JSON.stringify(stato).length];""")
+        ordine, lunghezza = json.loads(esito)
+        self.assertTrue(ordine)
+        self.assertGreater(byte, 50_000_000)
+        self.assertGreater(lunghezza, 50_000_000)
+
+    def test_the_periodic_check_tells_its_result(self):
+        self.file(".cache/thumbnails/large/a.png", 300_000)
+        self.api("/api/settings", {"auto_days": 1})
+        servizio = subprocess.Popen([NOTIFICHE], env=self.ambiente, stdin=subprocess.PIPE,
+                                    stdout=subprocess.PIPE)
+        self.addCleanup(self._ferma, servizio)
+        self.assertEqual(riga_di(servizio.stdout), "ready")
+        self.apri(PELLAK_CHECK_SECONDS="0.5")
+        self.assertRegex(
+            riga_di(servizio.stdout) or "",
+            r"^Pellak Cleaner: Controllo periodico completato: puoi liberare .+\. "
+            r"Apri Pellak Cleaner per decidere\.$")
+        self.assertTrue((self.supporto / "ultima-scansione-auto.txt").exists())
+
+    def test_without_a_bus_or_a_screen(self):
+        self.ambiente.pop("DBUS_SESSION_BUS_ADDRESS")
+        self.assertEqual(self.righe(PELLAK_TEST_REOPEN="1"), ["REOPEN: sopravvissuto"])
+        self.ambiente["DISPLAY"] = ":9"
+        _, errori = self.esegui(stato=1)
+        self.assertIn("nessuno schermo disponibile", errori)
+        self.ambiente.pop("DISPLAY")
+        self.ambiente["PELLAK_BENCH"] = "1"
+        uscita, _ = self.esegui()
+        self.assertTrue(uscita.startswith("BENCH: sezione                tempo      esito\n"))
+        self.assertEqual(uscita.count("\n"), 1 + 8 + 5)
+
+
+if __name__ == "__main__":
+    unittest.main()
