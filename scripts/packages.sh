@@ -23,6 +23,7 @@ DEBIAN_RUN=(
   zlib1g-dev
 )
 DEBIAN_TEST=(
+  chromium
   clang
   clang-format
   clang-tidy

@@ -4,22 +4,12 @@
 #include <chrono>
 #include <thread>
 
+#include "platform/macos/Bridging.h"
+
 namespace pellak::native {
 namespace {
 
 constexpr CGFloat kIconSide = 64;
-
-/// nil when the bytes are no valid UTF-8.
-NSString* textOf(std::string_view bytes) {
-  return [[NSString alloc] initWithBytes:bytes.data()
-                                  length:bytes.size()
-                                encoding:NSUTF8StringEncoding];
-}
-
-std::string bytesOf(NSString* text) {
-  const char* utf8 = text.UTF8String;
-  return utf8 == nullptr ? std::string() : std::string(utf8);
-}
 
 /// The bundle that a path names or lies in; nil when it is in none.
 NSBundle* bundleAround(NSString* path) {

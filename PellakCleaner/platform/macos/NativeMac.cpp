@@ -1,5 +1,6 @@
 #include <cstdint>
 #include <mach-o/dyld.h>
+#include <optional>
 #include <string>
 
 #include "platform/Native.h"
@@ -7,6 +8,7 @@
 #include "platform/macos/DirectoryListerMac.h"
 #include "platform/macos/FileManagerMac.h"
 #include "platform/macos/SoundPlayerMac.h"
+#include "platform/macos/SystemProbeMac.h"
 #include "platform/macos/TrashCanMac.h"
 #include "platform/posix/ClockPosix.h"
 #include "platform/posix/FilesPosix.h"
@@ -20,7 +22,8 @@ namespace {
 class NativeMac : public Native {
  public:
   Platform platform() override {
-    return {files_, clock_, lister_, launcher_, fileManager_, applicazioni_, trash_, suono_};
+    return {files_,        clock_, lister_, launcher_, fileManager_,
+            applicazioni_, trash_, suono_,  probe_};
   }
 
   FamigliaStrumenti famiglia() const override { return FamigliaStrumenti::macos; }
@@ -36,6 +39,8 @@ class NativeMac : public Native {
 
   std::string homeFolder() const override { return posix::homeFolder(); }
 
+  std::optional<LoginEntry> loginEntry(const std::string& /*home*/) const override { return {}; }
+
  private:
   posix::FilesPosix files_;
   posix::ClockPosix clock_;
@@ -45,6 +50,7 @@ class NativeMac : public Native {
   native::ApplicationsMac applicazioni_;
   native::TrashCanMac trash_;
   native::SoundPlayerMac suono_;
+  native::SystemProbeMac probe_;
 };
 
 }  // namespace

@@ -7,21 +7,16 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/macos/Bridging.h"
 #include "platform/posix/ErrnoError.h"
 
 namespace pellak::native {
 namespace {
 
-NSURL* urlOf(const std::string& percorso) {
-  const auto* bytes = reinterpret_cast<const UInt8*>(percorso.data());
-  return CFBridgingRelease(CFURLCreateFromFileSystemRepresentation(
-      kCFAllocatorDefault, bytes, static_cast<CFIndex>(percorso.size()), false));
-}
-
 /// The file manager's numbers and the POSIX ones below them in our kinds.
 Error errorOf(NSError* errore) {
   NSError* sotto = errore.userInfo[NSUnderlyingErrorKey];
-  const std::string testo = errore.localizedDescription.UTF8String ?: "";
+  const std::string testo = bytesOf(errore.localizedDescription);
   const bool cocoa = [errore.domain isEqualToString:NSCocoaErrorDomain];
   if (cocoa && (errore.code == 513 || errore.code == 257)) return {ErrorKind::denied, 0, testo};
   if (cocoa && errore.code == 4) return {ErrorKind::missing, 0, testo};
@@ -53,14 +48,14 @@ class BatchMac final : public TrashBatch {
       struct stat info {};
       if (::lstat(piano.percorso.c_str(), &info) != 0) return posix::errnoError(errno);
       if (info.st_ino != piano.ino) return posix::errnoError(EINVAL);
-      NSURL* url = urlOf(piano.percorso);
+      NSURL* url = fileUrlOf(piano.percorso);
       if (url == nil) return posix::errnoError(EINVAL);
       NSURL* dove = nil;
       NSError* errore = nil;
       if (![NSFileManager.defaultManager trashItemAtURL:url resultingItemURL:&dove error:&errore]) {
         return errorOf(errore);
       }
-      return std::string(dove == nil ? "" : dove.fileSystemRepresentation);
+      return pathOf(dove);
     }
   }
 
@@ -71,7 +66,7 @@ class BatchMac final : public TrashBatch {
       return ::lstat(piano.nelCestino.c_str(), &info) == 0 ? piano.nelCestino : std::string();
     }
     @autoreleasepool {
-      NSURL* sopra = urlOf(piano.percorso).URLByDeletingLastPathComponent;
+      NSURL* sopra = fileUrlOf(piano.percorso).URLByDeletingLastPathComponent;
       NSURL* cestino = [NSFileManager.defaultManager URLForDirectory:NSTrashDirectory
                                                             inDomain:NSUserDomainMask
                                                    appropriateForURL:sopra

@@ -1,0 +1,77 @@
+#import <AppKit/AppKit.h>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "platform/Desktop.h"
+#include "platform/macos/Bridging.h"
+#include "platform/macos/KeepAwakeMac.h"
+#include "platform/macos/RunningCopy.h"
+#include "platform/macos/appkit/DesktopHostMac.h"
+
+namespace pellak {
+namespace {
+
+/// Notices are shown by the system's script runner here, which needs no service of ours.
+class NoNotifier final : public Notifier {
+ public:
+  Result<void> notify(const std::string& /*titolo*/, const std::string& /*messaggio*/) override {
+    return Error{ErrorKind::missing, 0, "notices go through the script runner"};
+  }
+};
+
+/// The session that has a screen; a terminal from afar is in none.
+bool inScreenSession() {
+  const CFDictionaryRef session = CGSessionCopyCurrentDictionary();
+  if (session == nullptr) return false;
+  CFRelease(session);
+  return true;
+}
+
+/// One word for a shell, whatever it holds.
+std::string quoted(const std::string& text) {
+  constexpr std::string_view kSpecial = "\\\"$`";
+  std::string word = "\"";
+  for (const char sign : text) {
+    if (kSpecial.find(sign) != std::string_view::npos) word += '\\';
+    word += sign;
+  }
+  return word + "\"";
+}
+
+/// Empty for a program that lies in no application bundle.
+std::string ownBundle() {
+  NSString* path = NSBundle.mainBundle.bundlePath;
+  return [path.pathExtension isEqualToString:@"app"] ? std::string(path.fileSystemRepresentation)
+                                                     : std::string();
+}
+
+class DesktopMac final : public Desktop {
+ public:
+  DesktopHost& host() override { return host_; }
+  KeepAwake& keepAwake() override { return keepAwake_; }
+  Notifier& notifier() override { return notifier_; }
+
+  std::string startCommand(const std::string& executable) const override {
+    const std::string bundle = ownBundle();
+    return bundle.empty() ? "exec " + quoted(executable) : "open " + quoted(bundle);
+  }
+
+ private:
+  native::KeepAwakeMac keepAwake_;
+  NoNotifier notifier_;
+  native::DesktopHostMac host_;
+};
+
+}  // namespace
+
+Result<std::unique_ptr<Desktop>> openDesktop(const std::string& /*executable*/) {
+  @autoreleasepool {
+    if (!inScreenSession()) return Error{ErrorKind::missing, 0, "no screen"};
+    if (native::showRunningCopy()) return Error{ErrorKind::exists, 0, "already running"};
+    return std::unique_ptr<Desktop>(std::make_unique<DesktopMac>());
+  }
+}
+
+}  // namespace pellak
