@@ -66,7 +66,7 @@ class Finestra {
            const std::function<void(const std::string&)>& avviso)
       : desktop_(desktop),
         applicazione_(std::move(native), std::move(ambiente), avviso,
-                      [this](const Snapshot& stato) { sorveglianza_->concluso(stato); }) {
+                      [this](const Snapshot& stato) { controlloFinito(stato); }) {
     notifiche_.emplace(applicazione_.comandi(), desktop.notifier(), applicazione_.famiglia());
     sorveglianza_.emplace(applicazione_.engine(), applicazione_.impostazioni(),
                           applicazione_.platform().files, applicazione_.platform().clock,
@@ -108,6 +108,12 @@ class Finestra {
             [this] { cattura(); },
             variabile,
             riga};
+  }
+
+  /// On the engine's queue. The page did not ask for this scan and waits for no news.
+  void controlloFinito(const Snapshot& stato) {
+    desktop_.host().post([this] { desktop_.host().evaluate("window.poll && poll()"); });
+    sorveglianza_->concluso(stato);
   }
 
   bool avviaShell(const std::string& comando) {
