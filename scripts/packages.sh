@@ -14,6 +14,7 @@ DEBIAN_RUN=(
   libgdk-pixbuf-2.0-dev
   libglib2.0-dev
   libgtk-3-dev
+  librsvg2-bin
   librsvg2-common
   libssl-dev
   libwebkit2gtk-4.1-dev
@@ -23,11 +24,14 @@ DEBIAN_RUN=(
   zlib1g-dev
 )
 DEBIAN_TEST=(
+  appstream
   chromium
   clang
   clang-format
   clang-tidy
   dbus
+  desktop-file-utils
+  dpkg-dev
   libclang-rt-14-dev
   libgmock-dev
   libgtest-dev
@@ -36,9 +40,10 @@ DEBIAN_TEST=(
   shellcheck
   strace
   trash-cli
+  xauth
   xvfb
 )
-BREW_RUN=(boost ccache cli11 cmake fmt ninja node)
+BREW_RUN=(boost ccache cli11 cmake fmt librsvg ninja node)
 BREW_TEST=(clang-format googletest llvm python shellcheck)
 
 # install_packages run|test: makes sure that everything of that need is there. Installs only what
