@@ -33,6 +33,7 @@ DEBIAN_TEST=(
   desktop-file-utils
   dpkg-dev
   libclang-rt-14-dev
+  libglib2.0-bin
   libgmock-dev
   libgtest-dev
   python3

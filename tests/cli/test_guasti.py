@@ -26,6 +26,15 @@ class FileRotti(ConCasa):
         percorso.mkdir()
         self.esegui("scan", "sviluppo")
 
+    def test_without_a_resource_folder_the_rules_inside_the_program_serve(self):
+        self.file(".npm/_cacache/a", 30_000)
+        self.ambiente["PELLAK_RESOURCES"] = str(self.casa / "manca")
+        self.assertRegex(self.esegui("scan", "sviluppo")[0], r"Recuperabili \d")
+        self.ambiente["PELLAK_TOOLS"] = "macos"
+        self.file("Library/Caches/Homebrew/a.tar.gz", 30_000)
+        self.esegui("scan", "sviluppo")
+        self.assertIn("brew-cache", self.esegui("show")[0])
+
     def test_results_cut_in_half_start_from_scratch(self):
         self.file(".npm/_cacache/a", 30_000)
         self.esegui("scan", "sviluppo")

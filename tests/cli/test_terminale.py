@@ -3,10 +3,11 @@
 import json
 import os
 import signal
+import subprocess
 import time
 import unittest
 
-from programma import ConCasa, su_terminale
+from programma import PROGRAMMA, ConCasa, su_terminale
 
 
 class Scansione(ConCasa):
@@ -144,8 +145,6 @@ class RigaDiComando(ConCasa):
 
     def test_results_that_cannot_be_written_out_are_an_error(self):
         with open("/dev/full", "wb") as pieno:
-            import subprocess
-            from programma import PROGRAMMA
             esito = subprocess.run([PROGRAMMA, "scan", "privacy"], env=self.ambiente,
                                    stdout=pieno, stderr=subprocess.PIPE, timeout=60)
         self.assertEqual(esito.returncode, 1)

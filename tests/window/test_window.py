@@ -4,6 +4,7 @@ import json
 import os
 import pathlib
 import select
+import shutil
 import signal
 import subprocess
 import time
@@ -223,6 +224,28 @@ class Finestra(ConCasa):
         uscita, _ = self.esegui()
         self.assertTrue(uscita.startswith("BENCH: sezione                tempo      esito\n"))
         self.assertEqual(uscita.count("\n"), 1 + 8 + 5)
+
+
+
+class Accesso(ConCasa):
+    def test_the_login_entry_starts_this_very_program(self):
+        """Whatever its folder is called: a launcher of the desktop starts it."""
+        segno = self.casa / "avviato"
+        programma = self.casa / "un \"nome\" di $HOME \\ `a`"
+        shutil.copy(PROGRAMMA, programma)
+        voce = self.casa / ".config/autostart/com.pellaklab.cleaner.desktop"
+        for valore in (False, True):
+            subprocess.run([programma, "api", "/api/settings", json.dumps({"login_item": valore})],
+                           env=self.ambiente, check=True, capture_output=True, timeout=60)
+            self.assertEqual(voce.exists(), valore)
+        programma.write_text(f"#!/bin/sh\n: >'{segno}'\n")
+        subprocess.run(["gio", "launch", voce], env=self.ambiente, check=True, timeout=60)
+        limite = time.monotonic() + 60
+        while not segno.exists() and time.monotonic() < limite:
+            time.sleep(0.02)
+        self.assertTrue(segno.exists(), voce.read_text())
+        self.api("/api/settings", {"login_item": False})
+        self.assertFalse(voce.exists())
 
 
 if __name__ == "__main__":
