@@ -10,30 +10,28 @@ if(NOT RSVG_CONVERT_PROGRAM)
   message(FATAL_ERROR "rsvg-convert is missing: it renders the icons")
 endif()
 
-# pellak_render(<svg> <png> <size>)
+# pellak_render(<svg> <png> <size> [<css>])
 function(pellak_render svg png size)
+  set(style)
+  if(ARGN)
+    set(style --stylesheet ${ARGN})
+  endif()
   get_filename_component(folder ${png} DIRECTORY)
   add_custom_command(
     OUTPUT ${png}
     COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}
-    COMMAND ${RSVG_CONVERT_PROGRAM} --width ${size} --height ${size} --output ${png} ${svg}
-    DEPENDS ${svg}
+    COMMAND ${RSVG_CONVERT_PROGRAM} --width ${size} --height ${size} ${style} --output ${png} ${svg}
+    DEPENDS ${svg} ${ARGN}
     VERBATIM)
 endfunction()
 
-# A menu bar of macOS colours the glyph itself. Other panels show it as it is, light or dark as they
-# are: there it is light with a dark rim.
-set(glyph ${PELLAK_DRAWINGS}/menubar.svg)
+# A menu bar of macOS colours the glyph itself; other panels show it as it is.
+set(glyph_style)
 if(NOT APPLE)
-  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${glyph})
-  file(READ ${glyph} drawing)
-  string(REPLACE "fill=\"#000000\"" "fill=\"#f4f5f7\" stroke=\"#3b4048\" stroke-width=\"0.8\""
-                 drawing "${drawing}")
-  set(glyph ${CMAKE_BINARY_DIR}/icons/menubar.svg)
-  file(GENERATE OUTPUT ${glyph} CONTENT "${drawing}")
+  set(glyph_style ${PELLAK_DRAWINGS}/menubar-pannello.css)
 endif()
 set(engine ${CMAKE_BINARY_DIR}/resources/engine)
-pellak_render(${glyph} ${engine}/menubar.png 44)
+pellak_render(${PELLAK_DRAWINGS}/menubar.svg ${engine}/menubar.png 44 ${glyph_style})
 pellak_render(${PELLAK_DRAWINGS}/logo-dog-trasparente.svg ${engine}/logo-dog-trasparente.png 256)
 set(PELLAK_PICTURES ${engine}/menubar.png ${engine}/logo-dog-trasparente.png)
 

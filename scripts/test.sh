@@ -43,6 +43,7 @@ stage_tidy() {
   local log
   log=$(log_of tidy)
   quietly tidy-configure cmake --preset tidy
+  quietly tidy-generate cmake --build --preset tidy --target pellak_generated
   if ! run-clang-tidy -p build/tidy -quiet -j "$(jobs_here)" "^$PELLAK_ROOT/PellakCleaner/" \
     >"$log" 2>&1 </dev/null; then
     # A header's complaint comes once for each source that includes it.
