@@ -4,6 +4,7 @@
 #include <gtk/gtk.h>
 #include <utility>
 
+#include "platform/linux/GlibPtr.h"
 #include "platform/linux/SessionBus.h"
 #include "platform/linux/gtk/ColourSchemeGtk.h"
 #include "platform/linux/gtk/DialogsGtk.h"
@@ -30,6 +31,15 @@ void doWithoutBus() {
   g_setenv("GSETTINGS_BACKEND", "memory", 0);
 }
 
+/// A program that is not installed has its icons beside it.
+void findIcons() {
+  const GlibText program(g_file_read_link("/proc/self/exe", nullptr));
+  if (program == nullptr) return;
+  const GlibText folder(g_path_get_dirname(program.get()));
+  const GlibText icons(g_build_filename(folder.get(), "icons", nullptr));
+  gtk_icon_theme_append_search_path(gtk_icon_theme_get_default(), icons.get());
+}
+
 }  // namespace
 
 struct DesktopHostGtk::Parts {
@@ -50,6 +60,7 @@ Result<std::unique_ptr<DesktopHostGtk>> DesktopHostGtk::connect(SingleInstance& 
   }
   // GTK takes over the user's locale; our numbers are written and read with a point.
   std::setlocale(LC_NUMERIC, "C");
+  findIcons();
   gtk_window_set_default_icon_name("pellak-cleaner");
   return std::unique_ptr<DesktopHostGtk>(new DesktopHostGtk(istanza));
 }
