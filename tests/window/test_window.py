@@ -226,7 +226,6 @@ class Finestra(ConCasa):
         self.assertEqual(uscita.count("\n"), 1 + 8 + 5)
 
 
-
 class Accesso(ConCasa):
     def test_the_login_entry_starts_this_very_program(self):
         """Whatever its folder is called: a launcher of the desktop starts it."""

@@ -1,9 +1,11 @@
 import { api } from "./api";
 import { fallita } from "./rotte";
-import { permessi } from "./store";
+import { casa, permessi } from "./store";
 
-/** Reads anew which protected places can be read; what was known stays on a failure. */
+/** Reads anew which places can be read and how full the disk is; a failure leaves what was known. */
 export async function caricaPermessi(): Promise<void> {
   const risposta = await api("/api/perms");
-  if (!fallita(risposta)) permessi.value = risposta;
+  if (fallita(risposta)) return;
+  permessi.value = risposta;
+  if (risposta.casa) casa.value = risposta.casa;
 }

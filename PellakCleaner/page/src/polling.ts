@@ -1,7 +1,7 @@
 import { batch, effect, untracked } from "@preact/signals";
 import { api } from "./api";
 import { fallita } from "./rotte";
-import { accogliStato, casa, disco, occupato, visibile, vista } from "./store";
+import { accogliStato, occupato, visibile, vista } from "./store";
 
 const INTERVALLO = 500;
 
@@ -19,10 +19,7 @@ async function chiedi(): Promise<void> {
   batch(() => {
     ver = risposta.ver;
     occupato.value = risposta.busy;
-    if (risposta.disco) disco.value = risposta.disco;
-    if (!("sections" in risposta)) return;
-    if (risposta.casa) casa.value = risposta.casa;
-    accogliStato(risposta);
+    if ("sections" in risposta) accogliStato(risposta);
   });
 }
 

@@ -80,8 +80,6 @@ export interface RispostaStato {
   sections: Sezione[];
   busy: boolean;
   ver: number;
-  disco?: Disco;
-  casa?: string;
 }
 
 /** The short reply to a request that already knows this version. */
@@ -89,7 +87,6 @@ export interface RispostaInvariata {
   invariato: true;
   busy: boolean;
   ver: number;
-  disco?: Disco;
 }
 
 export interface RispostaRegistro {
@@ -124,6 +121,9 @@ export interface VoceMappa {
 export interface RispostaPermessi {
   luoghi: { nome: string; percorso: string; leggibile: boolean; fda_denied: boolean }[];
   fda_denied: boolean;
+  /** The home folder, and the room on its volume where the system tells it. */
+  casa?: string;
+  disco?: Disco;
 }
 
 export interface Impostazioni {

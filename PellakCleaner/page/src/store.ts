@@ -1,24 +1,18 @@
 import { computed, signal } from "@preact/signals";
-import type {
-  Disco,
-  Finding,
-  Impostazioni,
-  RispostaPermessi,
-  RispostaStato,
-  Sezione,
-} from "./rotte";
+import type { Finding, Impostazioni, RispostaPermessi, RispostaStato, Sezione } from "./rotte";
 
 /** Everything the views share. Views read signals; only the functions of this page write them. */
 
 export const sezioni = signal<Sezione[]>([]);
 export const occupato = signal(false);
-export const disco = signal<Disco | null>(null);
 /** Whether the first state has arrived. */
 export const pronto = signal(false);
 
 export const vista = signal("panoramica");
 
 export const permessi = signal<RispostaPermessi | null>(null);
+/** Nothing where the system does not tell. */
+export const disco = computed(() => permessi.value?.disco ?? null);
 export const impostazioni = signal<Impostazioni | null>(null);
 export const limiti = signal<Record<string, [number, number]>>({});
 /** The home folder; empty until a reply has told it. */

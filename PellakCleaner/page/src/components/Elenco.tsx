@@ -1,11 +1,11 @@
 import type { ComponentChildren } from "preact";
 import { useLayoutEffect, useRef, useState } from "preact/hooks";
+import { useRighe } from "./useRighe";
 import { useVirtuale } from "./useVirtuale";
 
 interface Proprieta<T> {
   etichetta: string;
   voci: readonly T[];
-  chiave: (voce: T) => string;
   altezza: number;
   /** The cells of one row; `attiva` tells whether Tab may stop in it. */
   riga: (voce: T, attiva: boolean) => ComponentChildren;
@@ -27,11 +27,15 @@ export function Elenco<T>(props: Proprieta<T>) {
   const [attiva, setAttiva] = useState(0);
   const daFocalizzare = useRef(false);
   const corrente = Math.min(attiva, Math.max(voci.length - 1, 0));
-  const { virtuale, radice, margine } = useVirtuale({
+  const { virtuale, radice } = useVirtuale({
     quante: voci.length,
     altezza: () => altezza,
     sempre: corrente,
   });
+  const righe = useRighe(
+    virtuale.getVirtualItems().map((posto) => posto.index),
+    corrente,
+  );
 
   useLayoutEffect(() => {
     if (!daFocalizzare.current) return;
@@ -75,24 +79,24 @@ export function Elenco<T>(props: Proprieta<T>) {
       onKeyDown={tasto}
       style={{ height: `${virtuale.getTotalSize()}px` }}
     >
-      {virtuale.getVirtualItems().map(({ index, start }) => {
-        const voce = voci[index];
+      {righe.map(({ indice, chiave }) => {
+        const voce = voci[indice];
         if (voce === undefined) return null;
         const scelta = props.scelta?.(voce);
         return (
           <div
-            key={props.chiave(voce)}
+            key={chiave}
             role="row"
             class="riga"
-            data-indice={index}
-            aria-rowindex={index + 1}
-            tabIndex={index === corrente ? 0 : -1}
+            data-indice={indice}
+            aria-rowindex={indice + 1}
+            tabIndex={indice === corrente ? 0 : -1}
             {...(scelta === undefined ? {} : { "aria-selected": scelta })}
-            onFocusIn={() => setAttiva(index)}
+            onFocusIn={() => setAttiva(indice)}
             onClick={() => (props.alterna ?? props.clic)?.(voce)}
-            style={{ height: `${altezza}px`, transform: `translateY(${start - margine}px)` }}
+            style={{ height: `${altezza}px`, top: `${indice * altezza}px` }}
           >
-            {props.riga(voce, index === corrente)}
+            {props.riga(voce, indice === corrente)}
           </div>
         );
       })}

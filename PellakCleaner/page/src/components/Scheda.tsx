@@ -25,11 +25,17 @@ export function Scheda(props: Proprieta) {
   const id = useId();
   // Many notes begin with these words themselves.
   const soloReport = finding.mode !== "delete" && !finding.note.startsWith("SOLO REPORT");
+  const note = Boolean(finding.note || finding.hint || azioni);
+  const classi = ["scheda", note && "scheda-annotata", casella && "scheda-scegli"];
   return (
-    <section class="scheda" data-finding={finding.id} aria-labelledby={id}>
+    <section
+      class={classi.filter(Boolean).join(" ")}
+      data-finding={finding.id}
+      aria-labelledby={id}
+    >
       <div class="scheda-testa">
         {casella}
-        <div class="scheda-titoli">
+        <div class={soloReport ? "scheda-titoli scheda-titoli-etichetta" : "scheda-titoli"}>
           <h2 id={id}>
             <button
               type="button"
@@ -48,7 +54,7 @@ export function Scheda(props: Proprieta) {
           {misurata && <span class="misura misura-forte">{finding.total_h}</span>}
         </p>
       </div>
-      {(finding.note || finding.hint || azioni) && (
+      {note && (
         <div class="scheda-note">
           {finding.note && <p>{mostrabile(finding.note)}</p>}
           {finding.hint && <p class="scheda-consiglio">{mostrabile(finding.hint)}</p>}

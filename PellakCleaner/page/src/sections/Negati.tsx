@@ -1,4 +1,4 @@
-import { TriangleAlert } from "lucide-preact";
+import { ChevronRight, TriangleAlert } from "lucide-preact";
 import { Percorso } from "../components/Percorso";
 import { Pulsante } from "../components/Pulsante";
 import type { Sezione } from "../rotte";
@@ -12,6 +12,7 @@ export function Negati({ sezione }: { sezione: Sezione }) {
       <TriangleAlert size={17} aria-hidden="true" />
       <details class="striscia-testo">
         <summary>
+          <ChevronRight size={15} aria-hidden="true" class="scheda-freccia" />
           {quanti(sezione.denied, "percorso non leggibile", "percorsi non leggibili")}
         </summary>
         <ul class="negati">

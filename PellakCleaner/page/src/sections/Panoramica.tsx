@@ -1,8 +1,18 @@
-import { LayoutDashboard, Play, ScanSearch, Square, Trash2, Undo2 } from "lucide-preact";
+import {
+  LayoutDashboard,
+  type LucideIcon,
+  Play,
+  ScanSearch,
+  Square,
+  Trash2,
+  TriangleAlert,
+  Undo2,
+} from "lucide-preact";
 import { useEffect } from "preact/hooks";
 import { Anello } from "../components/Anello";
 import { Pulsante } from "../components/Pulsante";
 import { Vista } from "../components/Vista";
+import { frecce } from "../components/frecce";
 import { caricaPermessi } from "../permessi";
 import type { Sezione } from "../rotte";
 import {
@@ -33,7 +43,7 @@ export const panoramica: DatiVista = {
 };
 
 function Panoramica() {
-  useEffect(() => void caricaPermessi(), []);
+  useEffect(() => void caricaPermessi(), [occupato.value]);
   if (!pronto.value) return <Vista titolo="Panoramica">{null}</Vista>;
   return (
     <Vista titolo="Panoramica" azioni={<Azioni />}>
@@ -63,6 +73,7 @@ function Azioni() {
 function StrisciaPermessi() {
   return (
     <section class="striscia striscia-attenzione" aria-label="Permessi mancanti">
+      <TriangleAlert size={17} aria-hidden="true" />
       <p class="striscia-testo">
         Alcune cartelle non sono leggibili: i risultati possono essere incompleti.
       </p>
@@ -77,24 +88,30 @@ function StrisciaPermessi() {
   );
 }
 
+const PASSI: readonly (readonly [LucideIcon, string, string])[] = [
+  [
+    ScanSearch,
+    "La scansione legge soltanto",
+    "Cerca lo spazio che si può liberare e non sposta niente.",
+  ],
+  [Trash2, "Scegli tu che cosa togliere", "Va nel Cestino, non viene mai eliminato."],
+  [Undo2, "Si torna sempre indietro", "Ogni spostamento è nel Registro e da lì si annulla."],
+];
+
 function Benvenuto() {
   return (
-    <section class="benvenuto" aria-label="Come funziona">
-      <ol>
-        <li>
-          <ScanSearch size={20} aria-hidden="true" />
-          La scansione cerca lo spazio che si può liberare. Legge soltanto: non sposta niente.
+    <ol class="scheda benvenuto" aria-label="Come funziona">
+      {PASSI.map(([Icona, titolo, testo]) => (
+        <li key={titolo}>
+          <span class="benvenuto-icona">
+            <Icona size={20} aria-hidden="true" />
+          </span>
+          <p>
+            <strong>{titolo}.</strong> {testo}
+          </p>
         </li>
-        <li>
-          <Trash2 size={20} aria-hidden="true" />
-          Scegli tu che cosa togliere. Va nel Cestino, non viene mai eliminato.
-        </li>
-        <li>
-          <Undo2 size={20} aria-hidden="true" />
-          Ogni spostamento è nel Registro, e da lì si rimette al suo posto.
-        </li>
-      </ol>
-    </section>
+      ))}
+    </ol>
   );
 }
 
@@ -170,7 +187,7 @@ function SpazioDisco() {
 
 function Sezioni() {
   return (
-    <ul class="sezioni">
+    <ul class="sezioni" onKeyDown={frecce}>
       {sezioni.value.map((s) => (
         <li key={s.id}>
           <RigaSezione sezione={s} />
@@ -196,7 +213,9 @@ function RigaSezione({ sezione }: { sezione: Sezione }) {
       {sezione.scanning ? (
         <Anello etichetta="scansione in corso" />
       ) : (
-        <span class="misura">{liberabili > 0 ? dimensione(liberabili) : "–"}</span>
+        <span class={liberabili > 0 ? "misura" : "misura tenue"}>
+          {liberabili > 0 ? dimensione(liberabili) : "–"}
+        </span>
       )}
     </button>
   );

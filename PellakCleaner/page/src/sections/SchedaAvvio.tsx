@@ -2,6 +2,7 @@ import { FolderOpen, Trash2 } from "lucide-preact";
 import { useMemo, useState } from "preact/hooks";
 import { api } from "../api";
 import { alLavoro, chiedi, mostra, spostaNelCestino } from "../cestino";
+import { frecce } from "../components/frecce";
 import { Interruttore } from "../components/Interruttore";
 import { Pulsante, PulsanteIcona } from "../components/Pulsante";
 import { Scheda } from "../components/Scheda";
@@ -43,7 +44,7 @@ export function SchedaAvvio({ finding, vaglio }: ProprietaScheda) {
       aperta={aperta || filtro !== ""}
       cambia={setAperta}
     >
-      <ul class="gruppi">
+      <ul class="gruppi" onKeyDown={frecce}>
         {porzione.map(({ gruppo, indice }) => (
           <UnElemento
             key={chiaveGruppo(gruppo)}

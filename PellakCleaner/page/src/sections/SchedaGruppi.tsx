@@ -2,6 +2,7 @@ import { ChevronRight, FolderOpen } from "lucide-preact";
 import { useMemo, useState } from "preact/hooks";
 import { mostra } from "../cestino";
 import { Casella } from "../components/Casella";
+import { frecce } from "../components/frecce";
 import { Percorso } from "../components/Percorso";
 import { Pulsante, PulsanteIcona } from "../components/Pulsante";
 import { Scheda } from "../components/Scheda";
@@ -44,7 +45,7 @@ export function SchedaGruppi({ finding, sola, vaglio, scelte, scegli }: Propriet
       }
     >
       {gruppi.length === 0 && <p class="elenco-vuoto">Nessuna voce con questo nome.</p>}
-      <ul class="gruppi">
+      <ul class="gruppi" onKeyDown={frecce}>
         {porzione.map((gruppo) => (
           <UnGruppo
             key={chiaveGruppo(gruppo)}

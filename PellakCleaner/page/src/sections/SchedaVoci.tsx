@@ -49,7 +49,6 @@ export function SchedaVoci({ finding, sola, vaglio, scelte, scegli }: ProprietaS
         <Elenco
           etichetta={mostrabile(finding.name)}
           voci={voci}
-          chiave={percorsoDi}
           altezza={ALTEZZA}
           riga={(voce, attiva) => (
             <RigaVoce

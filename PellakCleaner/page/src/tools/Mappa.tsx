@@ -157,7 +157,6 @@ function Lista({ dati, voci, entra }: ProprietaLista) {
       <Elenco
         etichetta="Contenuto della cartella"
         voci={voci}
-        chiave={(voce) => voce.nome}
         altezza={34}
         apri={entra}
         clic={entra}

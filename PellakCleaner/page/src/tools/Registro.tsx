@@ -4,6 +4,7 @@ import { useEffect, useState } from "preact/hooks";
 import { api } from "../api";
 import { mostraErrore } from "../avvisi";
 import { alLavoro, mostra, ripristina } from "../cestino";
+import { frecce } from "../components/frecce";
 import { Percorso } from "../components/Percorso";
 import { Pulsante, PulsanteIcona } from "../components/Pulsante";
 import { Ricerca } from "../components/Ricerca";
@@ -121,7 +122,7 @@ function Elementi({ op }: { op: Operazione }) {
   const { porzione, altre, mostraAltre } = usePorzione(op.items);
   return (
     <>
-      <ul class="gruppi">
+      <ul class="gruppi" onKeyDown={frecce}>
         {porzione.map((item, i) => (
           <UnElemento key={item.orig} op={op} indice={i} />
         ))}

@@ -8,6 +8,12 @@ import * as path from "node:path";
 
 export const OSTILE = '<img src=x onerror="window.violato=1">';
 export const OSTILE_SCRIPT = "<script>window.violato=1<\\script>";
+/** A line break and a turn of the reading direction, and how the page shows them. */
+export const STRANO = "riga\nnuova\u202ecod";
+export const STRANO_MOSTRATO = "riga\u240anuova\ufffdcod";
+/** Bytes that are no text. */
+const ROTTO = Buffer.from([0x72, 0x6f, 0xff, 0x74, 0xc3]);
+export const ROTTO_MOSTRATO = "ro\ufffdt\ufffd";
 
 const KIB = 1024;
 const MIB = 1024 * KIB;
@@ -34,6 +40,12 @@ export class Casa {
     return intero;
   }
 
+  /** A file whose name is no text. */
+  rotto(cartella: string, byte: number): void {
+    const nome = Buffer.concat([Buffer.from(`${path.join(this.home, cartella)}/`), ROTTO]);
+    fs.writeFileSync(nome, Buffer.alloc(byte, 120));
+  }
+
   vecchio(percorso: string, giorni: number): void {
     const quando = Date.now() / 1000 - giorni * 86_400;
     fs.utimesSync(percorso, quando, quando);
@@ -55,7 +67,8 @@ export function casaPiena(): Casa {
   casa.file(".npm/_cacache/index-v5/dati", 400 * KIB);
   casa.file(`.npm/_cacache/${OSTILE}/dati`, 900 * KIB);
   casa.file(`.npm/_cacache/${OSTILE_SCRIPT}`, 16 * KIB);
-  casa.file(".npm/_cacache/riga\nnuova\u202ecod", 12 * KIB);
+  casa.file(`.npm/_cacache/${STRANO}`, 12 * KIB);
+  casa.rotto(".npm/_cacache", 8 * KIB);
   casa.file(".npm/_npx/strumento", 220 * KIB);
   casa.file(".cache/yarn/v6/pacchetti", 1500 * KIB);
   casa.file(".cache/pip/wheels", 700 * KIB);
@@ -67,11 +80,12 @@ export function casaPiena(): Casa {
   casa.file(`Documenti/${OSTILE}.jpg`, 0, foto);
   const relazione = randomFillSync(Buffer.alloc(5 * MIB + 1));
   casa.file("Documenti/relazione.pdf", 0, relazione);
-  casa.file("Downloads/relazione.pdf", 0, relazione);
+  casa.file(`Documenti/${STRANO}.pdf`, 0, relazione);
+  casa.rotto("Documenti", 64 * KIB);
 
   casa.grande("Filmati/viaggio.mkv", 320);
   casa.grande("Filmati/compleanno.mp4", 210);
-  casa.vecchio(casa.grande(`Archivio/${OSTILE}.iso`, 260), 400);
+  casa.vecchio(casa.grande(`Archivio/${OSTILE}${STRANO}.iso`, 260), 400);
   casa.vecchio(casa.file("Downloads/installatore.iso", 3 * MIB), 200);
   return casa;
 }

@@ -8,7 +8,8 @@ import { fileURLToPath } from "node:url";
 import { type Browser, type Page, chromium } from "playwright-core";
 
 const QUI = path.dirname(fileURLToPath(import.meta.url));
-export const PAGINA = path.join(QUI, "../../dist/ui.html");
+/** The built page, as it was when the tests began. */
+export const PAGINA = fs.readFileSync(path.join(QUI, "../../dist/ui.html"), "utf8");
 const PROGRAMMA =
   process.env.PELLAK_PROGRAMMA ?? path.join(QUI, "../../../../build/release/pellak-cleaner");
 const CHROMIUM = process.env.PELLAK_CHROMIUM ?? "/usr/bin/chromium";
@@ -55,7 +56,7 @@ export class Finestra {
     const { larga = 1100, alta = 740, scuro = false } = opzioni;
     const server = createServer((_richiesta, risposta) => {
       risposta.setHeader("Content-Type", "text/html; charset=utf-8");
-      risposta.end(fs.readFileSync(PAGINA));
+      risposta.end(PAGINA);
     });
     await new Promise<void>((fatto) => server.listen(0, "127.0.0.1", fatto));
     const browser = await chromium.launch({
@@ -73,9 +74,14 @@ export class Finestra {
       env: { HOME: home, PATH: process.env.PATH ?? "", TZ: "UTC", LANG: "C.UTF-8" },
     });
     const finestra = new Finestra(page, browser, server, programma, opzioni.ritocco);
-    await finestra.collega();
-    await page.goto(`http://127.0.0.1:${(server.address() as AddressInfo).port}/`);
-    await page.locator(".cifra, .benvenuto").first().waitFor();
+    try {
+      await finestra.collega();
+      await page.goto(`http://127.0.0.1:${(server.address() as AddressInfo).port}/`);
+      await page.locator(".cifra, .benvenuto").first().waitFor();
+    } catch (errore) {
+      await finestra.chiudi();
+      throw errore;
+    }
     return finestra;
   }
 

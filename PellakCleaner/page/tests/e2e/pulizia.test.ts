@@ -2,7 +2,7 @@ import * as fs from "node:fs";
 import * as path from "node:path";
 import { afterEach, beforeEach, describe, expect, test } from "vitest";
 import type { RispostaRegistro } from "../../src/rotte";
-import { type Casa, OSTILE, casaPiena } from "./casa";
+import { type Casa, OSTILE, ROTTO_MOSTRATO, STRANO, casaPiena } from "./casa";
 import { Finestra } from "./finestra";
 
 /** Every file and folder below the home folder but what the program keeps for itself. */
@@ -22,9 +22,9 @@ describe("moving to the Trash and putting back", () => {
     await finestra.scansionaTutto();
   });
   afterEach(async () => {
-    expect(finestra.errori).toEqual([]);
     await finestra.chiudi();
     casa.togli();
+    expect(finestra.errori).toEqual([]);
   });
 
   const avviso = () => finestra.page.locator(".avviso-testo");
@@ -41,22 +41,25 @@ describe("moving to the Trash and putting back", () => {
     const prima = albero(casa);
     await finestra.vai("sviluppo");
     await page.locator('[data-finding="npm-cache"] .scheda-apri').click();
-    await page.getByRole("row", { name: /content-v2/ }).click();
+    const riga = page.getByRole("row", { name: /content-v2/ });
+    expect(await riga.locator(".percorso").textContent()).toBe("~/.npm/_cacache");
+    await riga.click();
     await page.getByLabel(`Seleziona ${OSTILE}`, { exact: true }).check();
+    await page.getByLabel(`Seleziona ${ROTTO_MOSTRATO}`, { exact: true }).check();
     await page.locator('[data-finding="pip-cache"] .casella').first().check();
-    expect(await page.locator(".selezione").innerText()).toContain("3 elementi selezionati");
+    expect(await page.locator(".selezione").innerText()).toContain("4 elementi selezionati");
 
     await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
     await page.keyboard.press("Escape");
     expect(albero(casa)).toEqual(prima);
 
     await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
-    const testo = await conferma(/Spostare 3 elementi/);
-    expect(testo).toMatch(/npm: cache: 2 elementi\s+3\.9 MiB/);
+    const testo = await conferma(/Spostare 4 elementi/);
+    expect(testo).toMatch(/npm: cache: 3 elementi\s+3\.9 MiB/);
     expect(testo).toMatch(/pip: cache: 1 elemento\s+700\.0 KiB/);
     expect(testo).toContain("Annulla");
     await avviso()
-      .getByText(/^3 elementi spostati nel Cestino, 4\.6 MiB\.$/)
+      .getByText(/^4 elementi spostati nel Cestino, 4\.6 MiB\.$/)
       .waitFor();
     const tolti = prima.filter((nome) => !albero(casa).includes(nome));
     expect(tolti).toEqual([
@@ -65,13 +68,14 @@ describe("moving to the Trash and putting back", () => {
       `.npm/_cacache/${OSTILE}/dati`,
       ".npm/_cacache/content-v2",
       ".npm/_cacache/content-v2/dati",
+      `.npm/_cacache/${ROTTO_MOSTRATO}`,
     ]);
     expect(await page.locator(".selezione").count()).toBe(0);
     expect(await page.locator('[data-finding="pip-cache"]').count()).toBe(0);
 
     await page.getByRole("button", { name: "Annulla" }).click();
     await avviso()
-      .getByText(/^3 elementi rimessi/)
+      .getByText(/^4 elementi rimessi/)
       .waitFor();
     expect(albero(casa)).toEqual(prima);
   });
@@ -102,14 +106,14 @@ describe("moving to the Trash and putting back", () => {
     expect(await fuoco()).toBe("Sposta nel Cestino");
     await premi("Enter");
     await avviso()
-      .getByText(/^6 elementi spostati/)
+      .getByText(/^7 elementi spostati/)
       .waitFor();
-    expect(await fuoco()).toContain("6 elementi spostati");
+    expect(await fuoco()).toContain("7 elementi spostati");
     await premi("Tab");
     expect(await fuoco()).toBe("Annulla");
     await premi("Enter");
     await avviso()
-      .getByText(/^6 elementi rimessi/)
+      .getByText(/^7 elementi rimessi/)
       .waitFor();
     await premi("Escape");
     expect(await page.locator(".avviso").count()).toBe(0);
@@ -121,9 +125,9 @@ describe("moving to the Trash and putting back", () => {
     await finestra.vai("sviluppo");
     await page.locator('[data-finding="npm-cache"] .casella').first().check();
     await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
-    await conferma(/Spostare 6 elementi/);
+    await conferma(/Spostare 7 elementi/);
     await avviso()
-      .getByText(/^6 elementi spostati/)
+      .getByText(/^7 elementi spostati/)
       .waitFor();
 
     await finestra.vai("registro");
@@ -199,7 +203,7 @@ describe("moving to the Trash and putting back", () => {
     expect(casa.esiste("Immagini/estate/mare.jpg")).toBe(true);
     expect(casa.esiste(`Documenti/${OSTILE}.jpg`)).toBe(false);
     expect(casa.esiste("Documenti/relazione.pdf")).toBe(true);
-    expect(casa.esiste("Downloads/relazione.pdf")).toBe(false);
+    expect(casa.esiste(`Documenti/${STRANO}.pdf`)).toBe(false);
     const { ops } = await finestra.api<RispostaRegistro>("/api/log");
     expect(ops).toHaveLength(2);
 

@@ -1,6 +1,8 @@
 import type { Finding, Gruppo, RispostaStato } from "../../src/rotte";
-import { OSTILE } from "./casa";
+import { OSTILE, STRANO } from "./casa";
 import type { Ritocco } from "./finestra";
+
+const NOME = OSTILE + STRANO;
 
 /** What no made-up home can make the program find: applications, startup items, refusals. */
 
@@ -60,13 +62,13 @@ const applicazioni = [
     total_h: "858.3 MiB",
     groups: [
       gruppo({
-        name: `Editor ${OSTILE}`,
-        bundle: `org.esempio.${OSTILE}`,
+        name: `Editor ${NOME}`,
+        bundle: `org.esempio.${NOME}`,
         size: 600_000_000,
         size_h: "572.2 MiB",
-        paths: [`/Applications/${OSTILE}.app`, `/home/tu/.config/${OSTILE}`],
+        paths: [`/Applications/${NOME}.app`, `/home/tu/.config/${NOME}`],
         pesi: [590_000_000, 10_000_000],
-        deboli: [`/home/tu/.cache/${OSTILE}`],
+        deboli: [`/home/tu/.cache/${NOME}`],
       }),
       gruppo({
         name: "Calcolo",
@@ -95,13 +97,13 @@ const avvio = [
         paths: ["/home/tu/.config/autostart/sincronia.desktop"],
       }),
       gruppo({
-        name: `org.esempio.${OSTILE}`,
-        desc: `esegue: ${OSTILE}`,
+        name: `org.esempio.${NOME}`,
+        desc: `esegue: ${NOME}`,
         spento: true,
         admin: true,
         size: 4096,
         size_h: "4.0 KiB",
-        paths: [`/home/tu/.config/autostart/${OSTILE}.desktop`],
+        paths: [`/home/tu/.config/autostart/${NOME}.desktop`],
       }),
     ],
   }),
@@ -117,11 +119,11 @@ const privacy = [
     hint: "Chiudi prima il browser: finché è aperto riscrive i suoi file.",
     groups: [
       gruppo({
-        name: `Navigatore ${OSTILE}`,
+        name: `Navigatore ${NOME}`,
         desc: "Cronologia, cookie, cache",
         size: 52_428_800,
         size_h: "50.0 MiB",
-        paths: [`/home/tu/.mozilla/${OSTILE}/cookies.sqlite`],
+        paths: [`/home/tu/.mozilla/${NOME}/cookies.sqlite`],
         pesi: [52_428_800],
       }),
     ],
@@ -145,16 +147,16 @@ export const conScena: Ritocco = (rotta, risposta) => {
   if (rotta === "/api/perms" && Array.isArray(risposta.luoghi)) {
     risposta.luoghi.push({
       nome: "Archivio di posta",
-      percorso: `~/${OSTILE}`,
+      percorso: `~/${NOME}`,
       leggibile: false,
       fda_denied: true,
     });
     risposta.fda_denied = true;
+    risposta.disco = { totale: 500_107_862_016, libero: 183_500_000_000 };
   }
   if (rotta !== "/api/state" || !Array.isArray(risposta.sections)) return;
   const stato = risposta as unknown as RispostaStato;
   const inPiu: Record<string, Finding[]> = { applicazioni, avvio, privacy };
-  stato.disco = { totale: 500_107_862_016, libero: 183_500_000_000 };
   for (const sezione of stato.sections) {
     const findings = sezione.scanned ? inPiu[sezione.id] : undefined;
     if (!findings) continue;
@@ -167,7 +169,7 @@ export const conScena: Ritocco = (rotta, risposta) => {
     if (sezione.id === "applicazioni") Object.assign(sezione, { apps_n: 2, apps_h: "858.3 MiB" });
     if (sezione.id === "privacy") {
       sezione.denied = 12;
-      sezione.denied_top = [{ cartella: `~/.config/${OSTILE}`, quanti: 12 }];
+      sezione.denied_top = [{ cartella: `~/.config/${NOME}`, quanti: 12 }];
     }
   }
 };

@@ -13,9 +13,9 @@ describe("map, settings, polling", () => {
     finestra = await Finestra.apri(casa.home);
   });
   afterEach(async () => {
-    expect(finestra.errori).toEqual([]);
     await finestra.chiudi();
     casa.togli();
+    expect(finestra.errori).toEqual([]);
   });
 
   test("the map fills in, goes in with Enter and click, out with Backspace", async () => {
