@@ -112,7 +112,7 @@ class AppDelegate final : public DesktopEvents {
   DesktopHost& host_;
   PaginaWeb pagina_;
   bool fdaPending_ = false;
-  int cadute_ = 0;              ///< how often the page's process has ended
+  int cadute_ = 0;  ///< how often the page's process has ended
   std::string titoloBarra_;
   LettureSistema letture_;
   Sveglio sveglio_;

@@ -37,8 +37,8 @@ void answer(const std::string& method, GDBusMethodInvocation* call) {
 int main() {
   const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
   const pellak::native::FakeBusService service(
-      address == nullptr ? "" : address, {"org.freedesktop.Notifications",
-                                          "/org/freedesktop/Notifications", kDescription, answer});
+      address == nullptr ? "" : address,
+      {"org.freedesktop.Notifications", "/org/freedesktop/Notifications", kDescription, answer});
   std::puts("ready");
   std::fflush(stdout);
   while (std::getchar() != EOF) {
