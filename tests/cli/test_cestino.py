@@ -47,8 +47,10 @@ class Ucciso(ConCestino):
         durata_via = self.cronometro(self.cestina)
         durata_ritorno = self.cronometro(self.ripristina)
         self.assertEqual(self.contenuti(), attesi)
-        a_meta = ripresi = 0
-        for _ in range(UCCISIONI):
+        a_meta = ripresi = giri = 0
+        # Where kills happen to miss the moments that matter, more of them follow.
+        while giri < UCCISIONI or (giri < 10 * UCCISIONI and not (a_meta and ripresi)):
+            giri += 1
             (self.supporto / "risultati.json").write_bytes(risultati)
             self.uccidi("/api/trash", {"id": FINDING}, durata_via)
             a_meta += self.verifica_a_meta(attesi)
