@@ -114,9 +114,8 @@ class Cestino {
 
   void scegli(Ritorno& ritorno, std::size_t indice) const;
   void restore(Ritorno& ritorno) const;
-  std::string destinazione(const std::string& orig,
+  std::string destinazione(const std::string& orig, Result<EntryAttributes> voce,
                            const std::unordered_set<std::string>& promesse) const;
-  bool giaTornato(const std::string& trash, const std::string& orig) const;
   bool stessoElemento(const std::string& percorso, const TrashPlan& piano) const;
 
   const AmbienteCestino ambiente_;

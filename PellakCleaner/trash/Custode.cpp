@@ -27,9 +27,8 @@ constexpr std::array<std::string_view, 15> kDiCasa = {
 }  // namespace
 
 bool Custode::ammesso(std::string_view percorso) const {
-  const std::string& home = store_.home();
-  if (percorso.empty() || standardizza(percorso, home) != percorso) return false;
-  if (percorso.rfind('/') == 0) return false;
+  const std::string_view home = store_.home();
+  if (!standard(percorso) || percorso.rfind('/') == 0) return false;
   if (dentroCartella(home, percorso)) return false;
   if (dentroCartella(percorso, store_.cartella())) return false;
   if (dentroCartella(store_.cartella(), percorso)) return false;
@@ -37,10 +36,10 @@ bool Custode::ammesso(std::string_view percorso) const {
     return dentroCartella(percorso, cartella);
   };
   if (std::any_of(kDelSistema.begin(), kDelSistema.end(), contiene)) return false;
-  const auto diCasa = [&](std::string_view nome) {
-    return percorso == home + "/" + std::string(nome);
-  };
-  if (std::any_of(kDiCasa.begin(), kDiCasa.end(), diCasa)) return false;
+  if (dentroCartella(percorso, home)) {
+    const std::string_view inCasa = percorso.substr(home == "/" ? 1 : home.size() + 1);
+    if (std::find(kDiCasa.begin(), kDiCasa.end(), inCasa) != kDiCasa.end()) return false;
+  }
   return !can_.insideTrash(percorso);
 }
 

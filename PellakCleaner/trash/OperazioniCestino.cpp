@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <set>
+#include <span>
 #include <unordered_set>
 #include <utility>
 
@@ -59,7 +60,7 @@ std::vector<std::size_t> tranne(const Group& gruppo, std::size_t tenuta) {
 }
 
 /// Takes paths out of a group; whether any was in it.
-bool togliPercorsi(Group& gruppo, const std::unordered_set<std::string>& via) {
+bool togliPercorsi(Group& gruppo, const std::unordered_set<std::string_view>& via) {
   const std::size_t prima = gruppo.paths.size();
   for (std::size_t i = prima; i-- > 0;) {
     if (!via.contains(gruppo.paths[i])) continue;
@@ -74,7 +75,7 @@ bool togliPercorsi(Group& gruppo, const std::unordered_set<std::string>& via) {
 }  // namespace
 
 Esito OperazioniCestino::sposta(std::string_view finding, const Cestino::Titolo& titolo,
-                                const std::vector<Lotto>& lotti) {
+                                std::span<const Lotto> lotti) {
   Esito esito = cestino_.trashWithSound(titolo, lotti);
   togliDaElenco(finding, esito.mosse);
   return esito;
@@ -82,7 +83,8 @@ Esito OperazioniCestino::sposta(std::string_view finding, const Cestino::Titolo&
 
 void OperazioniCestino::togliDaElenco(std::string_view finding, const std::vector<Mossa>& mosse) {
   if (mosse.empty()) return;
-  std::unordered_set<std::string> via;
+  std::unordered_set<std::string_view> via;
+  via.reserve(mosse.size());
   for (const Mossa& mossa : mosse) via.insert(mossa.orig);
   engine_.modificaFinding(finding, [&](Finding& voce) {
     std::erase_if(voce.items, [&](const Voce& v) { return via.contains(v.path); });
@@ -105,7 +107,7 @@ Esito OperazioniCestino::trash(std::string_view id,
     if (!solo || scelti.contains(voce.path)) lotto.voci.push_back({voce.path, voce.size});
   }
   if (lotto.voci.empty()) return rifiuto("nessun elemento trattabile");
-  return sposta(id, fisso("Categoria: " + finding->name), {lotto});
+  return sposta(id, fisso("Categoria: " + finding->name), std::span(&lotto, 1));
 }
 
 std::optional<Esito> OperazioniCestino::appAperta(const Finding& finding, const Group& gruppo,
@@ -134,7 +136,7 @@ Esito OperazioniCestino::trashGroup(std::string_view id, std::int64_t indice,
   if (auto aperta = appAperta(*finding, *gruppo, chiudiPrima)) return *aperta;
   Lotto lotto;
   aggiungiPercorsi(*gruppo, lotto.voci);
-  return sposta(id, fisso(titoloGruppo(*finding, *gruppo)), {lotto});
+  return sposta(id, fisso(titoloGruppo(*finding, *gruppo)), std::span(&lotto, 1));
 }
 
 Esito OperazioniCestino::trashSel(std::string_view id, std::vector<std::int64_t> gruppi,
@@ -161,7 +163,8 @@ Esito OperazioniCestino::trashSel(std::string_view id, std::vector<std::int64_t>
   }
   Esito esito;
   if (presi > 0) {
-    esito = sposta(id, fisso("Selezione multipla (" + std::to_string(presi) + " voci)"), {lotto});
+    esito = sposta(id, fisso("Selezione multipla (" + std::to_string(presi) + " voci)"),
+                   std::span(&lotto, 1));
   }
   esito.saltati = std::move(saltati);
   return esito;
@@ -197,7 +200,7 @@ Esito OperazioniCestino::scartaUno(std::string_view finding, const Group& gruppo
   const auto lotto = scarta(gruppo, tenuta, via, prima);
   if (!lotto) return rifiuto(kCambiato);
   const std::string nome(ultimoComponente(gruppo.paths[tenuta]));
-  Esito esito = sposta(finding, fisso("Duplicati: " + nome), {*lotto});
+  Esito esito = sposta(finding, fisso("Duplicati: " + nome), std::span(&*lotto, 1));
   esito.failed.insert(esito.failed.begin(), prima.failed.begin(), prima.failed.end());
   return esito;
 }

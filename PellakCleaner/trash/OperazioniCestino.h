@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -50,7 +51,7 @@ class OperazioniCestino {
 
  private:
   Esito sposta(std::string_view finding, const Cestino::Titolo& titolo,
-               const std::vector<Lotto>& lotti);
+               std::span<const Lotto> lotti);
   void togliDaElenco(std::string_view finding, const std::vector<Mossa>& mosse);
   std::optional<Esito> appAperta(const Finding& finding, const Group& gruppo, bool chiudi) const;
   std::optional<Lotto> scarta(const Group& gruppo, std::size_t tenuta,

@@ -31,6 +31,11 @@ std::string sopra(const std::string& percorso) {
   return barra == 0 || barra == std::string::npos ? "/" : percorso.substr(0, barra);
 }
 
+bool giaTornato(const EntryAttributes& dentro, const EntryAttributes& fuori) {
+  return dentro.type != EntryType::directory && fuori.type != EntryType::directory &&
+         dentro.size == fuori.size && dentro.mtime == fuori.mtime;
+}
+
 }  // namespace
 
 /// One operation on its way back.
@@ -92,12 +97,14 @@ void Cestino::scegli(Ritorno& ritorno, std::size_t indice) const {
   // What was put back once, or was emptied and its name given to a later item, is not there.
   const bool presente =
       !mossa.rip && !mossa.superata && !ritorno.batch->locate({orig, mossa.trash, 0, 0, 0}).empty();
-  const auto voce = ambiente_.lister.attributes(mossa.trash);
-  if (!presente || !voce) return ritorno.fallito(indice, kNonPiu);
+  const auto dentro = ambiente_.lister.attributes(mossa.trash);
+  if (!presente || !dentro) return ritorno.fallito(indice, kNonPiu);
+  auto fuori = ambiente_.lister.attributes(orig);
   // Nothing moves, so the item stays in the Trash and can still be put back.
-  if (giaTornato(mossa.trash, orig)) return ritorno.tornato(indice, orig);
-  const TrashPlan piano = {orig, mossa.trash, static_cast<std::uint64_t>(voce->dev), voce->ino, 0};
-  std::string dove = destinazione(orig, ritorno.promesse);
+  if (fuori && giaTornato(*dentro, *fuori)) return ritorno.tornato(indice, orig);
+  const TrashPlan piano = {orig, mossa.trash, static_cast<std::uint64_t>(dentro->dev), dentro->ino,
+                           0};
+  std::string dove = destinazione(orig, std::move(fuori), ritorno.promesse);
   ritorno.promesse.insert(dove);
   ritorno.intento.passi.push_back({piano, std::move(dove), indice});
 }
@@ -124,23 +131,15 @@ void Cestino::restore(Ritorno& ritorno) const {
   }
 }
 
-bool Cestino::giaTornato(const std::string& trash, const std::string& orig) const {
-  const auto dentro = ambiente_.lister.attributes(trash);
-  const auto fuori = ambiente_.lister.attributes(orig);
-  return dentro && fuori && dentro->type != EntryType::directory &&
-         fuori->type != EntryType::directory && dentro->size == fuori->size &&
-         dentro->mtime == fuori->mtime;
-}
-
-std::string Cestino::destinazione(const std::string& orig,
+/// A free name, `voce` being what the system says of `orig`.
+std::string Cestino::destinazione(const std::string& orig, Result<EntryAttributes> voce,
                                   const std::unordered_set<std::string>& promesse) const {
-  const auto preso = [&](const std::string& percorso) {
-    const auto voce = ambiente_.lister.attributes(percorso);
-    if (!voce && voce.error().kind == ErrorKind::denied) registraDiniego(percorso);
-    return voce.ok() || promesse.contains(percorso);
-  };
   std::string scelta = orig;
-  for (std::size_t numero = 1; preso(scelta); ++numero) scelta = conNumero(orig, numero);
+  for (std::size_t numero = 1; voce || promesse.contains(scelta); ++numero) {
+    scelta = conNumero(orig, numero);
+    voce = ambiente_.lister.attributes(scelta);
+  }
+  if (voce.error().kind == ErrorKind::denied) registraDiniego(scelta);
   return scelta;
 }
 

@@ -47,6 +47,14 @@ TEST(BytePath, StandardisesWithoutLeavingTheRoot) {
     EXPECT_EQ(standardizza(unusable, home), "") << unusable;
   }
   EXPECT_EQ(standardizza(std::string_view("/a\0b", 4), home), "");
+  for (const std::string_view path :
+       {std::string_view("/"), std::string_view("/a"), std::string_view("/a/b.c/..d/.e"),
+        std::string_view("/a/"), std::string_view("//a"), std::string_view("/a//b"),
+        std::string_view("/."), std::string_view("/a/./b"), std::string_view("/.."),
+        std::string_view("/a/.."), std::string_view("/a/../b"), std::string_view("/a\0b", 4)}) {
+    EXPECT_EQ(standard(path), standardizza(path, home) == path) << path;
+  }
+  for (const char* path : {"", "a/b", "~", "~/a"}) EXPECT_FALSE(standard(path)) << path;
 }
 
 TEST(BytePath, ShowsTheHomeAsTildeOnlyAtAComponentsEdge) {

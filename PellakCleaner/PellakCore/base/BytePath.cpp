@@ -107,6 +107,18 @@ std::string standardizza(std::string_view percorso, std::string_view home) {
   return pulito.empty() ? "/" : pulito;
 }
 
+bool standard(std::string_view percorso) {
+  if (!percorso.starts_with('/') || percorso.find('\0') != std::string_view::npos) return false;
+  if (percorso == "/") return true;
+  for (std::size_t barra = 0; barra != std::string_view::npos;) {
+    const std::size_t fine = percorso.find('/', barra + 1);
+    const std::string_view parte = percorso.substr(barra + 1, fine - barra - 1);
+    if (parte.empty() || parte == "." || parte == "..") return false;
+    barra = fine;
+  }
+  return true;
+}
+
 std::string_view ultimoComponente(std::string_view percorso) {
   while (percorso.size() > 1 && percorso.back() == '/') percorso.remove_suffix(1);
   if (percorso == "/") return percorso;

@@ -31,6 +31,9 @@ std::string percorsoMostrato(std::string_view percorso, std::string_view home);
 /// absolute or holds a NUL byte.
 std::string standardizza(std::string_view percorso, std::string_view home);
 
+/// Whether an absolute path is already as `standardizza` would return it. Allocates nothing.
+bool standard(std::string_view percorso);
+
 /// The last component of a path, without trailing slashes ("/" for the root).
 std::string_view ultimoComponente(std::string_view percorso);
 

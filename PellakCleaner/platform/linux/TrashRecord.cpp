@@ -1,6 +1,7 @@
 #include "platform/linux/TrashRecord.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <ctime>
@@ -52,6 +53,30 @@ int digit(char carattere) {
   return -1;
 }
 
+constexpr std::array<bool, 256> unreserved() {
+  std::array<bool, 256> liberi{};
+  for (const char carattere :
+       std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/")) {
+    liberi[static_cast<unsigned char>(carattere)] = true;
+  }
+  return liberi;
+}
+
+void appendEncoded(std::string& testo, std::string_view byte) {
+  constexpr std::array<bool, 256> kFree = unreserved();
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  for (const char carattere : byte) {
+    const auto valore = static_cast<unsigned char>(carattere);
+    if (kFree[valore]) {
+      testo += carattere;
+    } else {
+      testo += '%';
+      testo += kDigits[valore >> 4U];
+      testo += kDigits[valore & 15U];
+    }
+  }
+}
+
 }  // namespace
 
 std::string recordName(std::string_view nome) { return std::string(nome) + ".trashinfo"; }
@@ -74,7 +99,8 @@ Result<void> writeRecord(const TrashFolder& cestino, const std::string& nome,
   const Descriptor file(::openat(cestino.info.get(), scheda.c_str(),
                                  O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, kPrivate));
   if (!file) return errnoError(errno);
-  std::string testo = "[Trash Info]\nPath=" + percentEncoded(percorso);
+  std::string testo = "[Trash Info]\nPath=";
+  appendEncoded(testo, percorso);
   testo.append("\nDeletionDate=").append(data).append("\n");
   auto scritto = writeAll(file.get(), testo);
   if (!scritto) removeRecord(cestino, nome);
@@ -126,21 +152,8 @@ void removeRecords(const TrashFolder& cestino, const std::vector<std::string>& n
 }
 
 std::string percentEncoded(std::string_view byte) {
-  constexpr std::string_view kFree =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
   std::string testo;
-  testo.reserve(byte.size());
-  for (const char carattere : byte) {
-    if (kFree.find(carattere) != std::string_view::npos) {
-      testo += carattere;
-    } else {
-      const auto valore = static_cast<unsigned char>(carattere);
-      testo += '%';
-      testo += kDigits[valore >> 4U];
-      testo += kDigits[valore & 15U];
-    }
-  }
+  appendEncoded(testo, byte);
   return testo;
 }
 
