@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -30,6 +31,11 @@ class TrashBatch {
   /// no absolute path), failed (a Trash folder that can't be trusted).
   virtual Result<TrashPlan> plan(std::string_view percorso) = 0;
 
+  /// Tells which moves follow, in their order, so that their records may be made ahead of them:
+  /// with the intent to move on disk already. Those of moves that did not come about are gone after
+  /// `sync`.
+  virtual void announce(std::span<const TrashPlan* const> piani) = 0;
+
   /// Moves what was planned by one rename within its volume; content is never copied and nothing is
   /// ever replaced. Returns the place in the Trash. A final symbolic link is moved itself. Errors,
   /// the item being where it was: missing, denied, busy, full, readOnly, exists (the name in the
@@ -49,7 +55,8 @@ class TrashBatch {
   /// record without its item.
   virtual void abandon(const TrashPlan& piano) = 0;
 
-  /// Returns when all moves of this batch are on the disk. Errors: failed.
+  /// Returns when all moves of this batch are on the disk, and nothing is left of moves that were
+  /// only announced. Errors: failed.
   virtual Result<void> sync() = 0;
 };
 

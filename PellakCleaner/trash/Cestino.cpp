@@ -82,7 +82,12 @@ Esito Cestino::trashWithSound(const Titolo& titolo, std::span<const Lotto> lotti
 }
 
 void Cestino::prepara(Lavoro& lavoro, std::span<const Lotto> lotti) const {
+  std::size_t quanti = 0;
+  for (const Lotto& lotto : lotti) quanti += lotto.voci.size();
   std::unordered_set<std::string_view> visti;
+  visti.reserve(quanti);
+  lavoro.voci.reserve(quanti);
+  lavoro.intento.passi.reserve(quanti);
   for (std::size_t i = 0; i < lotti.size(); ++i) {
     for (const Candidato& voce : lotti[i].voci) {
       if (!visti.insert(voce.percorso).second) continue;
@@ -103,15 +108,26 @@ void Cestino::prepara(Lavoro& lavoro, std::span<const Lotto> lotti) const {
   }
 }
 
+void Cestino::annuncia(Lavoro& lavoro) {
+  std::vector<const TrashPlan*> piani;
+  piani.reserve(lavoro.voci.size());
+  for (std::size_t i = 0; i < lavoro.voci.size(); ++i) {
+    if (lavoro.voci[i].daFare) piani.push_back(&lavoro.intento.passi[i].piano);
+  }
+  lavoro.batch->announce(piani);
+}
+
 /// A failure means that nothing was moved: once something was, the intent of before is on disk.
 Result<void> Cestino::trashAll(Lavoro& lavoro, std::span<const Lotto> lotti) {
   std::vector<std::optional<bool>> ammessi(lotti.size());
+  lavoro.esito.mosse.reserve(lavoro.voci.size());
   bool restano = true;
   for (int tentativo = 0; restano && tentativo < kTentativi; ++tentativo) {
     if (auto scritto = intenti_.scrivi(lavoro.intento); !scritto) {
       if (lavoro.esito.mosse.empty()) return scritto;
       break;
     }
+    annuncia(lavoro);
     restano = false;
     for (std::size_t i = 0; i < lavoro.voci.size(); ++i) {
       if (!lavoro.voci[i].daFare) continue;
@@ -159,17 +175,21 @@ void Cestino::muoviUno(Lavoro& lavoro, std::size_t posto) {
 
 Esito Cestino::concludi(Lavoro& lavoro, const Titolo& titolo) {
   Esito& esito = lavoro.esito;
+  // Where nothing moved, too: records without items must go before the intent does.
+  const bool sincrono = lavoro.batch->sync().ok();
   if (!esito.mosse.empty()) {
-    if (!lavoro.batch->sync()) esito.avviso = kNonSincronizzato;
+    if (!sincrono) esito.avviso = kNonSincronizzato;
     if (ambiente_.suono) ambiente_.suono();
     Operazione fatta = lavoro.intento.operazione;
     fatta.azione = titolo(esito.mosse.size());
     fatta.tot = lavoro.liberati;
-    fatta.items = esito.mosse;
+    fatta.items = std::move(esito.mosse);
     esito.op = fatta.id;
     esito.tot = fatta.tot;
     // Without a record the intent stays: the next operation or start writes the record from it.
-    if (!registro_.logOperation(fatta)) {
+    const auto annotata = registro_.logOperation(fatta);
+    esito.mosse = std::move(fatta.items);
+    if (!annotata) {
       esito.avviso = kNonScritto;
       return std::move(esito);
     }

@@ -105,6 +105,7 @@ class Cestino {
   static Esito rifiutoDi(const Error& errore);
   void prepara(Lavoro& lavoro, std::span<const Lotto> lotti) const;
   Result<void> trashAll(Lavoro& lavoro, std::span<const Lotto> lotti);
+  static void annuncia(Lavoro& lavoro);
   static void muoviUno(Lavoro& lavoro, std::size_t posto);
   Esito concludi(Lavoro& lavoro, const Titolo& titolo);
 

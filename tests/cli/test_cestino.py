@@ -18,7 +18,7 @@ UCCISIONI = 20 if LENTO else 200
 
 
 class Ucciso(ConCestino):
-    VOCI = 40
+    VOCI = 150  # enough for records to be made ahead of the moves
 
     def uccidi(self, rotta, corpo, durata):
         processo = subprocess.Popen(

@@ -127,6 +127,23 @@ class AltroVolume(ConVolumi):
         self.assertEqual(self.contenuti("cose"), prima)
         self.assertCestinoCoerente(self.cose / f".Trash-{UTENTE}")
 
+    def test_a_volume_that_fills_up_in_the_middle_of_a_batch(self):
+        quanti = 300
+        self.monta(self.cose, "-t", "tmpfs", "-o", f"size=16m,nr_inodes={quanti + 155}", "tmpfs")
+        for i in range(quanti):
+            self.cosa(f"{i:03}", str(i))
+        self.scandisci()
+        prima = self.contenuti("cose")
+        risposta = self.cestina()
+        self.assertEqual({v["err"] for v in risposta["failed"]},
+                         {"spazio esaurito sul volume: elemento non spostato"})
+        self.assertEqual(risposta["ok"] + len(risposta["failed"]), quanti)
+        self.assertTrue(100 < risposta["ok"] < 200, risposta["ok"])
+        self.assertLessEqual(set(prima), set(self.contenuti("cose")))
+        self.assertCestinoCoerente(self.cose / f".Trash-{UTENTE}")
+        self.assertEqual(self.ripristina()["items"], risposta["ok"])
+        self.assertEqual(self.contenuti("cose"), prima)
+
     def test_a_volume_that_is_away_and_comes_again(self):
         self.tmpfs(self.cose)
         self.cosa("a", "a")

@@ -1,8 +1,10 @@
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <set>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -192,6 +194,100 @@ TEST_F(TrashCanLinuxTest, ManyRecordsGoTogether) {
   }
   ASSERT_TRUE(batch_->sync().ok());
   EXPECT_EQ(records(), 0U);
+}
+
+/// Batches whose records are made ahead of the moves.
+class AnnouncedMovesTest : public TrashCanLinuxTest {
+ protected:
+  /// Every other item has `lungo` more bytes in its path.
+  void planMany(int quanti, std::size_t lungo = 0) {
+    for (int i = 0; i < quanti; ++i) {
+      const std::string cartella = i % 2 == 0 ? "m/" : "m" + std::string(lungo, 'n') + "/";
+      piani_.push_back(plan(file(cartella + std::to_string(i))));
+    }
+  }
+
+  void announce() {
+    std::vector<const TrashPlan*> posti;
+    for (const TrashPlan& piano : piani_) posti.push_back(&piano);
+    batch_->announce(posti);
+  }
+
+  void expectOnlyRecordsOfItems() const {
+    std::size_t items = 0;
+    for (const auto& voce : fs::directory_iterator(trash_ + "/files")) {
+      ++items;
+      EXPECT_TRUE(fs::exists(trash_ + "/info/" + recordName(voce.path().filename().string())));
+    }
+    EXPECT_EQ(records(), items);
+  }
+
+  std::vector<TrashPlan> piani_;
+};
+
+TEST_F(AnnouncedMovesTest, RecordsOfMovesThatDidNotComeAboutGo) {
+  planMany(4500);
+  announce();
+  std::size_t mossi = 0;
+  for (std::size_t i = 0; i < piani_.size(); i += i % 3 + 1) {
+    if (i % 5 == 0) fs::rename(piani_[i].percorso, home_ / "altrove");
+    if (i % 10 == 0) scriviFile(piani_[i].percorso, "di un altro");
+    const auto mosso = batch_->move(piani_[i]);
+    EXPECT_EQ(mosso.ok(), i % 5 != 0) << i;
+    if (!mosso) continue;
+    ++mossi;
+    if (i % 50 == 1) {
+      EXPECT_EQ(can_.begin()->locate(piani_[i]), piani_[i].nelCestino);
+    }
+  }
+  ASSERT_TRUE(batch_->sync().ok());
+  EXPECT_EQ(records(), mossi);
+  expectOnlyRecordsOfItems();
+}
+
+TEST_F(AnnouncedMovesTest, ABatchThatIsGivenUpLeavesNothing) {
+  planMany(1000);
+  announce();
+  EXPECT_TRUE(batch_->move(piani_[0]).ok());
+  batch_.reset();
+  EXPECT_EQ(records(), 1U);
+  expectOnlyRecordsOfItems();
+}
+
+TEST_F(AnnouncedMovesTest, ANameTakenAfterThePlanStaysItsTakers) {
+  fs::create_directories(trash_ + "/files");
+  fs::create_directories(trash_ + "/info");
+  const TrashPlan piano = plan(file("m/7", "7"));
+  EXPECT_EQ(piano.nelCestino, trash_ + "/files/7");
+  scriviFile(trash_ + "/info/7.trashinfo", "di un altro");
+  piani_.push_back(piano);
+  planMany(200);
+  announce();
+  EXPECT_EQ(batch_->move(piano).error().kind, ErrorKind::exists);
+  for (std::size_t i = 1; i < piani_.size(); ++i) EXPECT_TRUE(batch_->move(piani_[i]).ok()) << i;
+  ASSERT_TRUE(batch_->sync().ok());
+  EXPECT_EQ(leggiFile(trash_ + "/info/7.trashinfo"), "di un altro");
+  EXPECT_EQ(records(), 201U);
+}
+
+TEST_F(AnnouncedMovesTest, AnItemWhoseRecordCannotBeWrittenStays) {
+  constexpr rlim_t kLongest = 300;  // bytes that fit into a file; half of the records take more
+  planMany(400, 240);
+  rlimit prima{};
+  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &prima), 0);
+  const rlimit stretto = {kLongest, prima.rlim_max};
+  const auto segnale = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &stretto), 0);
+  announce();
+  for (std::size_t i = 0; i < piani_.size(); ++i) {
+    EXPECT_EQ(batch_->move(piani_[i]).ok(), i % 2 == 0) << i;
+    EXPECT_EQ(fs::exists(piani_[i].percorso), i % 2 == 1) << i;
+  }
+  EXPECT_TRUE(batch_->sync().ok());
+  ::setrlimit(RLIMIT_FSIZE, &prima);
+  std::signal(SIGXFSZ, segnale);
+  EXPECT_EQ(records(), 200U);
+  expectOnlyRecordsOfItems();
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <memory>
+#include <optional>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -12,6 +13,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/RecordsAhead.h"
+#include "platform/linux/SyncAhead.h"
 #include "platform/linux/TrashFolder.h"
 #include "platform/linux/TrashRecord.h"
 #include "platform/linux/XdgFolders.h"
@@ -24,17 +27,40 @@ using posix::Descriptor;
 using posix::errnoError;
 
 constexpr std::size_t kNameMax = 255;
+constexpr std::size_t kWorthAThread = 100;
+constexpr std::size_t kMovesPerSync = 2000;
+constexpr std::string_view kVolumeTrash = "/.Trash";
+constexpr std::string_view kFiles = "/files";
 
+/// A folder, part of the path it was taken from, and a name in it.
 struct Split {
-  std::string cartella;
+  std::string_view cartella;
   std::string nome;
 };
 
 Split split(std::string_view percorso) {
   const std::size_t barra = percorso.rfind('/');
   if (barra == std::string_view::npos) return {};
-  return {barra == 0 ? "/" : std::string(percorso.substr(0, barra)),
-          std::string(percorso.substr(barra + 1))};
+  return {percorso.substr(0, barra == 0 ? 1 : barra), std::string(percorso.substr(barra + 1))};
+}
+
+/// Whether a folder `nome` ("/name") is on the path or its end.
+bool passesThrough(std::string_view percorso, std::string_view nome) {
+  for (std::size_t da = percorso.find(nome); da != std::string_view::npos;
+       da = percorso.find(nome, da + 1)) {
+    const std::size_t fine = da + nome.size();
+    if (fine == percorso.size() || percorso[fine] == '/') return true;
+  }
+  return false;
+}
+
+std::string ownVolumeTrash() {
+  return std::string(kVolumeTrash) + "-" + std::to_string(::getuid());
+}
+
+bool isInside(std::string_view percorso, std::string_view cartella) {
+  return percorso.starts_with(cartella) &&
+         (percorso.size() == cartella.size() || percorso[cartella.size()] == '/');
 }
 
 bool existsAt(int cartella, const std::string& nome) {
@@ -67,6 +93,7 @@ Result<void> renameExclusively(int da, const std::string& nome, int a, const std
 class BatchLinux final : public TrashBatch {
  public:
   Result<TrashPlan> plan(std::string_view percorso) override;
+  void announce(std::span<const TrashPlan* const> piani) override;
   Result<std::string> move(const TrashPlan& piano) override;
   std::string locate(const TrashPlan& piano) override;
   Result<void> putBack(std::string_view nelCestino, std::string_view destinazione) override;
@@ -81,13 +108,16 @@ class BatchLinux final : public TrashBatch {
     std::unordered_map<std::string, unsigned> contatori;  ///< last number tried for a taken name
     std::vector<std::string> tornate;                     ///< moved out, their records still there
     std::vector<FolderSize> arrivate;
+    std::size_t mosse = 0;
+    SyncAhead anticipo{cestino};
   };
 
-  Result<int> folder(const std::string& cartella);
-  Result<Aperto*> trashFor(const std::string& cartella, Volume volume);
+  Result<int> folder(std::string_view cartella);
+  Result<Aperto*> trashFor(std::string_view cartella, Volume volume);
   Result<Aperto*> homeTrash();
   Result<Aperto*> trashAt(const std::string& nelCestino);
   Aperto* keep(TrashFolder cestino);
+  static void countMove(Aperto& aperto);
   static std::string freeName(Aperto& aperto, const std::string& nome);
   static Result<void> undo(const Aperto& aperto, const std::string& nelCestino, int cartella,
                            const std::string& nome);
@@ -98,10 +128,11 @@ class BatchLinux final : public TrashBatch {
   Descriptor cartella_;
   Volume cartellaVolume_;
   std::vector<std::unique_ptr<Aperto>> aperti_;
+  std::optional<RecordsAhead> pronte_;  ///< after the folders it writes in
 };
 
 /// The folder of the item before is usually the one of the next.
-Result<int> BatchLinux::folder(const std::string& cartella) {
+Result<int> BatchLinux::folder(std::string_view cartella) {
   if (cartella_ && cartellaNome_ == cartella) return cartella_.get();
   auto aperta = openWithoutLinks(cartella, home_);
   if (!aperta) return aperta.error();
@@ -125,7 +156,7 @@ Result<BatchLinux::Aperto*> BatchLinux::homeTrash() {
   return keep(std::move(*casa));
 }
 
-Result<BatchLinux::Aperto*> BatchLinux::trashFor(const std::string& cartella, Volume volume) {
+Result<BatchLinux::Aperto*> BatchLinux::trashFor(std::string_view cartella, Volume volume) {
   for (const auto& aperto : aperti_) {
     if (aperto->cestino.volume == volume) return aperto.get();
   }
@@ -136,9 +167,13 @@ Result<BatchLinux::Aperto*> BatchLinux::trashFor(const std::string& cartella, Vo
 }
 
 Result<BatchLinux::Aperto*> BatchLinux::trashAt(const std::string& nelCestino) {
-  const std::string files = split(nelCestino).cartella;
+  const std::string_view files = std::string_view(nelCestino).substr(0, nelCestino.rfind('/'));
   for (const auto& aperto : aperti_) {
-    if (aperto->cestino.percorso + "/files" == files) return aperto.get();
+    const std::string& suo = aperto->cestino.percorso;
+    if (files.size() == suo.size() + kFiles.size() && files.starts_with(suo) &&
+        files.ends_with(kFiles)) {
+      return aperto.get();
+    }
   }
   auto cestino = openTrashHolding(nelCestino);
   if (!cestino) return cestino.error();
@@ -146,15 +181,21 @@ Result<BatchLinux::Aperto*> BatchLinux::trashAt(const std::string& nelCestino) {
 }
 
 std::string BatchLinux::freeName(Aperto& aperto, const std::string& nome) {
-  unsigned& numero = aperto.contatori[nome];
+  unsigned numero = 1;
   for (;;) {
-    ++numero;
     const std::string coda = numero == 1 ? std::string() : "." + std::to_string(numero);
     const std::size_t massimo = kNameMax - recordName({}).size() - coda.size();
     std::string scelto = nome.substr(0, massimo) + coda;
-    if (existsAt(aperto.cestino.info.get(), recordName(scelto))) continue;
-    if (existsAt(aperto.cestino.files.get(), scelto)) continue;
-    if (aperto.promessi.insert(scelto).second) return scelto;
+    const bool preso = aperto.promessi.contains(scelto) ||
+                       existsAt(aperto.cestino.info.get(), recordName(scelto)) ||
+                       existsAt(aperto.cestino.files.get(), scelto);
+    if (!preso) {
+      aperto.promessi.insert(scelto);
+      return scelto;
+    }
+    // Where many items share a name the numbers are not tried anew for each of them.
+    unsigned& provati = aperto.contatori.try_emplace(nome, 1).first->second;
+    numero = ++provati;
   }
 }
 
@@ -176,6 +217,19 @@ Result<TrashPlan> BatchLinux::plan(std::string_view percorso) {
   return piano;
 }
 
+void BatchLinux::announce(std::span<const TrashPlan* const> piani) {
+  pronte_.reset();
+  if (piani.size() < kWorthAThread) return;
+  std::vector<RecordsAhead::Record> schede;
+  schede.reserve(piani.size());
+  for (const TrashPlan* piano : piani) {
+    const auto aperto = trashAt(piano->nelCestino);
+    if (!aperto) continue;
+    schede.push_back({&(*aperto)->cestino, split(piano->nelCestino).nome, piano->percorso});
+  }
+  pronte_.emplace(std::move(schede), data_);
+}
+
 Result<std::string> BatchLinux::move(const TrashPlan& piano) {
   const Split da = split(piano.percorso);
   const auto cartella = folder(da.cartella);
@@ -189,9 +243,9 @@ Result<std::string> BatchLinux::move(const TrashPlan& piano) {
     return errnoError(errno);
   }
   if (info.st_dev != piano.dev || info.st_ino != piano.ino) return errnoError(EINVAL);
-  if (auto scritta = writeRecord(cestino, nome, piano.percorso, data_); !scritta) {
-    return scritta.error();
-  }
+  auto pronta = pronte_ ? pronte_->take(cestino, nome) : std::nullopt;
+  if (!pronta) pronta = writeRecord(cestino, nome, piano.percorso, data_);
+  if (!*pronta) return pronta->error();
   if (auto mosso = renameExclusively(*cartella, da.nome, cestino.files.get(), nome); !mosso) {
     removeRecord(cestino, nome);
     return mosso.error();
@@ -200,7 +254,13 @@ Result<std::string> BatchLinux::move(const TrashPlan& piano) {
     return errnoError(EINVAL);
   }
   if (S_ISDIR(info.st_mode)) (*aperto)->arrivate.push_back({nome, piano.size});
+  countMove(**aperto);
   return piano.nelCestino;
+}
+
+/// Every so many moves the commit of what is done begins while the next ones go on.
+void BatchLinux::countMove(Aperto& aperto) {
+  if (++aperto.mosse % kMovesPerSync == 0) aperto.anticipo.begin();
 }
 
 /// Something else was put at the path between the look and the rename: it goes back.
@@ -248,12 +308,14 @@ void BatchLinux::abandon(const TrashPlan& piano) {
 }
 
 Result<void> BatchLinux::sync() {
+  pronte_.reset();
   Result<void> esito;
   for (const auto& aperto : aperti_) {
     const auto tornate = std::exchange(aperto->tornate, {});
     if (!tornate.empty() || !aperto->arrivate.empty()) {
       recordDirectorySizes(aperto->cestino, std::exchange(aperto->arrivate, {}));
     }
+    if (auto prima = aperto->anticipo.finish(); !prima) esito = prima;
     if (::syncfs(aperto->cestino.files.get()) != 0) esito = errnoError(errno);
     removeRecords(aperto->cestino, tornate);
   }
@@ -265,13 +327,13 @@ Result<void> BatchLinux::sync() {
 std::unique_ptr<TrashBatch> TrashCanLinux::begin() { return std::make_unique<BatchLinux>(); }
 
 bool TrashCanLinux::insideTrash(std::string_view percorso) const {
-  const std::string intero = std::string(percorso) + "/";
-  const auto passaPer = [&](std::string_view cartella) {
-    return intero.find(cartella) != std::string::npos;
-  };
-  if (passaPer("/.Trash/") || passaPer("/.Trash-" + std::to_string(::getuid()) + "/")) return true;
-  const std::string casa = homeTrashPath() + "/";
-  return intero.starts_with(casa) || casa.starts_with(intero);
+  // Nearly no path has the beginning that both names share.
+  if (percorso.find(kVolumeTrash) != std::string_view::npos &&
+      (passesThrough(percorso, kVolumeTrash) || passesThrough(percorso, ownVolumeTrash()))) {
+    return true;
+  }
+  const std::string casa = homeTrashPath();
+  return isInside(percorso, casa) || isInside(casa, percorso);
 }
 
 }  // namespace pellak::native

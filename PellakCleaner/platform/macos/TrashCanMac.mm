@@ -43,6 +43,8 @@ class BatchMac final : public TrashBatch {
     return piano;
   }
 
+  void announce(std::span<const TrashPlan* const> /*piani*/) override {}
+
   Result<std::string> move(const TrashPlan& piano) override {
     @autoreleasepool {
       struct stat info {};
