@@ -10,7 +10,6 @@ rounds=${ROUNDS:-7}
 cold_rounds=${COLD_ROUNDS:-3}
 
 drop_caches() {
-  sync
   echo 3 >/proc/sys/vm/drop_caches
 }
 
@@ -33,7 +32,10 @@ time_one() {
   local before begin end cpu TIMEFORMAT='%U %S'
   before=$(busy)
   begin=$EPOCHREALTIME
-  cpu=$({ time "run_$1" >"$work/output" 2>/dev/null; } 2>&1)
+  if ! cpu=$({ time "run_$1" >"$work/output" 2>"$work/errors"; } 2>&1); then
+    printf 'run_%s failed: %s\n' "$1" "$(head -n 1 "$work/errors")" >&2
+    return 1
+  fi
   end=$EPOCHREALTIME
   echo $(((${end/./} - ${begin/./}) / 100)) >>"$work/t.$1"
   awk -v all="$(($(busy) - before))" -v own="$cpu" -v us="$((${end/./} - ${begin/./}))" \
@@ -52,6 +54,8 @@ compare() {
   if [[ $state == warm ]]; then "run_$1" >/dev/null; fi
   for ((round = 0; round < count; ++round)); do
     for name; do
+      # What the one before left to be written is not this one's to wait for.
+      sync
       if [[ $state == cold ]]; then drop_caches; fi
       wait_for_quiet
       time_one "$name"

@@ -20,6 +20,7 @@
 #include "trash/Custode.h"
 #include "trash/Intenti.h"
 #include "trash/Registro.h"
+#include "trash/Sguardi.h"
 
 namespace pellak::trash {
 
@@ -113,7 +114,7 @@ class Cestino {
   Result<void> riprendiMosse(const Intento& intento, TrashBatch& batch);
   Result<void> riprendiRipristino(const Intento& intento, TrashBatch& batch);
 
-  void scegli(Ritorno& ritorno, std::size_t indice) const;
+  void scegli(Ritorno& ritorno, std::size_t indice, Sguardo sguardo) const;
   void restore(Ritorno& ritorno) const;
   std::string destinazione(const std::string& orig, Result<EntryAttributes> voce,
                            const std::unordered_set<std::string>& promesse) const;

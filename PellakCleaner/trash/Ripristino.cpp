@@ -1,11 +1,13 @@
 // The way back out of the Trash.
 
+#include <span>
 #include <unordered_set>
 #include <utility>
 
 #include "PellakCore/Contatore.h"
 #include "PellakCore/base/BytePath.h"
 #include "trash/Cestino.h"
+#include "trash/Sguardi.h"
 
 namespace pellak::trash {
 namespace {
@@ -47,6 +49,13 @@ struct Cestino::Ritorno {
   std::vector<std::size_t> fatti;            ///< items that left the Trash
   Esito esito;
 
+  void aspetta(std::size_t quanti) {
+    intento.passi.reserve(quanti);
+    promesse.reserve(quanti);
+    fatti.reserve(quanti);
+    esito.mosse.reserve(quanti);
+    esito.tornati.reserve(quanti);
+  }
   void fallito(std::size_t indice, const char* perche) {
     const std::string& orig = operazione.items[indice].orig;
     esito.errors.push_back(std::string(ultimoComponente(orig)) + ": " + perche);
@@ -68,8 +77,13 @@ Esito Cestino::restore(std::string_view id, std::optional<std::int64_t> indice) 
   ritorno.batch = ambiente_.can.begin();
   ritorno.operazione = std::move(*operazione);
   ritorno.intento.ripristino = ritorno.operazione.id;
-  for (std::int64_t i = indice.value_or(0); i < (indice ? *indice + 1 : quanti); ++i) {
-    scegli(ritorno, static_cast<std::size_t>(i));
+  const auto primo = static_cast<std::size_t>(indice.value_or(0));
+  const std::span mosse = std::span(ritorno.operazione.items)
+                              .subspan(primo, indice ? 1 : ritorno.operazione.items.size());
+  auto sguardi = guarda(ambiente_.can, ambiente_.lister, ambiente_.store.home(), mosse);
+  ritorno.aspetta(mosse.size());
+  for (std::size_t i = 0; i < sguardi.size(); ++i) {
+    scegli(ritorno, primo + i, std::move(sguardi[i]));
   }
   if (!ritorno.intento.passi.empty()) {
     if (const auto scritto = intenti_.scrivi(ritorno.intento); !scritto) {
@@ -90,23 +104,20 @@ Esito Cestino::restore(std::string_view id, std::optional<std::int64_t> indice) 
 }
 
 /// Decides what becomes of one item: a reason why not, already back, or a step of the intent.
-void Cestino::scegli(Ritorno& ritorno, std::size_t indice) const {
+void Cestino::scegli(Ritorno& ritorno, std::size_t indice, Sguardo sguardo) const {
   const Mossa& mossa = ritorno.operazione.items[indice];
   if (mossa.trash.empty()) return ritorno.fallito(indice, kNonTracciato);
-  const std::string orig = espandiTilde(mossa.orig, ambiente_.store.home());
-  // What was put back once, or was emptied and its name given to a later item, is not there.
-  const bool presente =
-      !mossa.rip && !mossa.superata && !ritorno.batch->locate({orig, mossa.trash, 0, 0, 0}).empty();
-  const auto dentro = ambiente_.lister.attributes(mossa.trash);
-  if (!presente || !dentro) return ritorno.fallito(indice, kNonPiu);
-  auto fuori = ambiente_.lister.attributes(orig);
+  const auto& dentro = sguardo.dentro;
+  if (!sguardo.suo || !dentro) return ritorno.fallito(indice, kNonPiu);
   // Nothing moves, so the item stays in the Trash and can still be put back.
-  if (fuori && giaTornato(*dentro, *fuori)) return ritorno.tornato(indice, orig);
-  const TrashPlan piano = {orig, mossa.trash, static_cast<std::uint64_t>(dentro->dev), dentro->ino,
-                           0};
-  std::string dove = destinazione(orig, std::move(fuori), ritorno.promesse);
+  if (sguardo.fuori && giaTornato(*dentro, *sguardo.fuori)) {
+    return ritorno.tornato(indice, std::move(sguardo.orig));
+  }
+  std::string dove = destinazione(sguardo.orig, std::move(sguardo.fuori), ritorno.promesse);
   ritorno.promesse.insert(dove);
-  ritorno.intento.passi.push_back({piano, std::move(dove), indice});
+  TrashPlan piano = {std::move(sguardo.orig), mossa.trash, static_cast<std::uint64_t>(dentro->dev),
+                     dentro->ino, 0};
+  ritorno.intento.passi.push_back({std::move(piano), std::move(dove), indice});
 }
 
 void Cestino::restore(Ritorno& ritorno) const {

@@ -186,9 +186,11 @@ std::string BatchLinux::freeName(Aperto& aperto, const std::string& nome) {
     const std::string coda = numero == 1 ? std::string() : "." + std::to_string(numero);
     const std::size_t massimo = kNameMax - recordName({}).size() - coda.size();
     std::string scelto = nome.substr(0, massimo) + coda;
+    // A record without an item is rare, and making the new one finds it in time: at first one look
+    // is enough.
     const bool preso = aperto.promessi.contains(scelto) ||
-                       existsAt(aperto.cestino.info.get(), recordName(scelto)) ||
-                       existsAt(aperto.cestino.files.get(), scelto);
+                       existsAt(aperto.cestino.files.get(), scelto) ||
+                       (numero > 1 && existsAt(aperto.cestino.info.get(), recordName(scelto)));
     if (!preso) {
       aperto.promessi.insert(scelto);
       return scelto;
