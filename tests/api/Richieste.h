@@ -1,6 +1,5 @@
 #pragma once
 
-#include <gtest/gtest.h>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -8,13 +7,9 @@
 
 #include "PellakCore/base/Json.h"
 #include "api/Router.h"
-#include "fakes/CartellaTemporanea.h"
-#include "fakes/FakeApplications.h"
-#include "fakes/FakeClock.h"
+#include "fakes/ConMotore.h"
 #include "fakes/FakeDesktop.h"
 #include "fakes/FakeFileManager.h"
-#include "fakes/GuardedFiles.h"
-#include "fakes/MemoryLister.h"
 #include "fakes/ScriptedLauncher.h"
 #include "platform/FileReader.h"
 #include "platform/Native.h"
@@ -23,7 +18,7 @@
 namespace pellak::api {
 
 /// A router over a real engine on a home folder of its own; the desktop is made up.
-class Richieste : public testing::Test {
+class Richieste : public fakes::ConMotore {
  protected:
   /// What the duplicates section will find; before the first request.
   void trova(Finding finding) {
@@ -32,19 +27,7 @@ class Richieste : public testing::Test {
   }
 
   Engine& motore() {
-    if (!engine_) {
-      engine_ = std::make_unique<Engine>(AmbienteEngine{files,
-                                                        clock,
-                                                        lister,
-                                                        applicazioni,
-                                                        impostazioni,
-                                                        store,
-                                                        home / "regole.json",
-                                                        {},
-                                                        tabella,
-                                                        nullptr,
-                                                        nullptr});
-    }
+    if (!engine_) engine_ = crea();
     return *engine_;
   }
 
@@ -84,18 +67,10 @@ class Richieste : public testing::Test {
     motore().attendiFine();
   }
 
-  fakes::CartellaTemporanea home;
-  fakes::GuardedFiles files;
-  fakes::FakeClock clock;
-  fakes::MemoryLister lister;
-  fakes::FakeApplications applicazioni;
   fakes::FakeFileManager fileManager;
   fakes::ScriptedLauncher launcher;
   fakes::FakeProbe probe;
   FamigliaStrumenti famiglia = FamigliaStrumenti::linux;
-  Store store{home.percorso()};
-  Impostazioni impostazioni{files, store};
-  TabellaScanner tabella;
   int suoni = 0;
 
  private:

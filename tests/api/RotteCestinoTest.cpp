@@ -1,9 +1,7 @@
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <map>
-#include <sys/stat.h>
 
 #include "api/Richieste.h"
 

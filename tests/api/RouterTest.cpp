@@ -11,64 +11,24 @@ namespace {
 class RouterTest : public Richieste {};
 
 TEST_F(RouterTest, TheTableHoldsTheRoutesInTheirOrder) {
-  const std::vector<std::string_view> attese = {"/api/state",
-                                                "/api/log",
-                                                "/api/icon",
-                                                "/api/icons",
-                                                "/api/mappa",
-                                                "/api/brew_upgrade",
-                                                "/api/apri",
-                                                "/api/mostra",
-                                                "/api/update",
-                                                "/api/update/scarica",
-                                                "/api/update/installa",
-                                                "/api/update/stato",
-                                                "/api/app_upd_avvia",
-                                                "/api/app_upd_stato",
-                                                "/api/app_dl",
-                                                "/api/perms",
-                                                "/api/perms/fda",
-                                                "/api/perms/automation",
-                                                "/api/app_attiva",
-                                                "/api/chiudi_app",
-                                                "/api/manutenzione",
-                                                "/api/processi",
-                                                "/api/energia",
-                                                "/api/batteria/viva",
-                                                "/api/batteria",
-                                                "/api/rete",
-                                                "/api/rete/conn",
-                                                "/api/firewall",
-                                                "/api/firewall/applica",
-                                                "/api/processi/chiudi",
-                                                "/api/regolazioni",
-                                                "/api/settings",
-                                                "/api/scan",
-                                                "/api/stop",
-                                                "/api/trash",
-                                                "/api/avvio",
-                                                "/api/voci",
-                                                "/api/keep",
-                                                "/api/keep_all",
-                                                "/api/trash_sel",
-                                                "/api/trash_group",
-                                                "/api/dup_scarta",
-                                                "/api/reveal",
-                                                "/api/restore"};
-  std::vector<std::string_view> percorsi;
-  std::vector<std::string_view> lente;
-  std::vector<std::string_view> mutevoli;
+  std::string percorsi;
+  std::string lente;
+  std::string mutevoli;
   for (const Rotta& rotta : rotte()) {
-    percorsi.push_back(rotta.percorso);
-    if (Router::codaDi(rotta.percorso) == Coda::lenta) lente.push_back(rotta.percorso);
-    if (rotta.mutating) mutevoli.push_back(rotta.percorso);
+    const std::string nome(rotta.percorso.substr(rotta.percorso.find('/', 1)));
+    percorsi += nome;
+    if (Router::codaDi(rotta.percorso) == Coda::lenta) lente += nome;
+    if (rotta.mutating) mutevoli += nome;
   }
-  EXPECT_EQ(percorsi, attese);
-  EXPECT_EQ(lente, (std::vector<std::string_view>{"/api/manutenzione", "/api/energia",
-                                                  "/api/regolazioni"}));
-  EXPECT_EQ(mutevoli, (std::vector<std::string_view>{"/api/trash", "/api/keep", "/api/keep_all",
-                                                     "/api/trash_sel", "/api/trash_group",
-                                                     "/api/dup_scarta", "/api/restore"}));
+  EXPECT_EQ(percorsi,
+            "/state/log/icon/icons/mappa/brew_upgrade/apri/mostra/update/update/scarica"
+            "/update/installa/update/stato/app_upd_avvia/app_upd_stato/app_dl/perms/perms/fda"
+            "/perms/automation/app_attiva/chiudi_app/manutenzione/processi/energia/batteria/viva"
+            "/batteria/rete/rete/conn/firewall/firewall/applica/processi/chiudi/regolazioni"
+            "/settings/scan/stop/trash/avvio/voci/keep/keep_all/trash_sel/trash_group/dup_scarta"
+            "/reveal/restore");
+  EXPECT_EQ(lente, "/manutenzione/energia/regolazioni");
+  EXPECT_EQ(mutevoli, "/trash/keep/keep_all/trash_sel/trash_group/dup_scarta/restore");
 }
 
 TEST_F(RouterTest, UnknownRoutesAndNearMissesAreNotFound) {
@@ -98,32 +58,15 @@ std::string ovunque(const std::string& valore) {
 }
 
 TEST_F(RouterTest, EveryRouteAnswersEveryBodyWithAnObject) {
-  const std::string profondo = std::string(200, '[') + std::string(200, ']');
-  const std::vector<std::string> corpi = {
-      "{}",
-      "[]",
-      "[{\"path\":\"/\"}]",
-      "7",
-      "null",
-      "true",
-      "\"/api/state\"",
-      ovunque("null"),
-      ovunque("true"),
-      ovunque("-1"),
-      ovunque("9223372036854775807"),
-      ovunque("-9223372036854775808"),
-      ovunque("1e308"),
-      ovunque("0.5"),
-      ovunque("[]"),
-      ovunque("[null,1,\"x\",{}]"),
-      ovunque("{\"a\":1}"),
-      ovunque(profondo),
-      ovunque(R"("'; $(id) \" \\ \n\r\u0000\u2028\ud83d\ude00\uef80\uefff")"),
-      ovunque("\"../../../../..\""),
-      ovunque("\"~\""),
-      ovunque("\"all\""),
-      ovunque("\"" + std::string(1U << 20U, 'x') + "\""),
-      ovunque("\"/" + std::string(1U << 20U, '/') + "a\"")};
+  std::vector<std::string> corpi = {"{}", "[]", R"([{"path":"/"}])", "7", "null", "true", R"("x")"};
+  for (const std::string& valore : std::vector<std::string>{
+           "null", "true", "-1", "9223372036854775807", "-9223372036854775808", "1e308", "0.5",
+           "[]", R"([null,1,"x",{}])", R"({"a":1})", std::string(200, '[') + std::string(200, ']'),
+           R"("'; $(id) \" \\ \n\r\u0000\u2028\ud83d\ude00\uef80\uefff")", R"("../../../../..")",
+           R"("~")", R"("all")", "\"" + std::string(1U << 20U, 'x') + "\"",
+           "\"/" + std::string(1U << 20U, '/') + "a\""}) {
+    corpi.push_back(ovunque(valore));
+  }
   for (const std::string& corpo : corpi) {
     for (const Rotta& rotta : rotte()) {
       const Risposta risposta = rispondi(rotta.percorso, corpo);

@@ -53,26 +53,6 @@ def code_of(text):
     return TOKEN.sub(keep, text)
 
 
-def without_literals(line):
-    return re.sub(r'"(?:\\.|[^"\\])*"', '""', line)
-
-
-def logical_lines(code):
-    """(number, text) with lines that end in a backslash joined to the next."""
-    number, held, start = 0, "", 1
-    for line in code.split("\n"):
-        number += 1
-        if not held:
-            start = number
-        if line.endswith("\\"):
-            held += line[:-1] + " "
-            continue
-        yield start, held + line
-        held = ""
-    if held:
-        yield start, held
-
-
 class Check:
     def __init__(self, root):
         self.root = root
@@ -100,7 +80,7 @@ class Check:
         if room is None:
             self.complain(path, 0, "lies in no room of tests/architecture/rooms.py")
             return
-        for number, line in logical_lines(code_of(read(path))):
+        for number, line in enumerate(code_of(read(path)).split("\n"), 1):
             directive = DIRECTIVE.match(line)
             if directive and directive.group(1) in ("include", "import"):
                 self.check_include(path, number, inside, room, directive.group(2))
@@ -132,7 +112,7 @@ class Check:
         )
 
     def check_library(self, path, number, line):
-        line = without_literals(line)
+        line = re.sub(r'"(?:\\.|[^"\\])*"', '""', line)  # literals aside
         for pattern, name in rooms.MISSING_ON_MACOS:
             if pattern.search(line):
                 self.complain(path, number, f"{name} is not everywhere we build")

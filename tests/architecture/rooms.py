@@ -74,19 +74,8 @@ LIBRARIES = [
     ("zlib.h", {"shell"}),
 ]
 
-STANDARD_HEADERS = set(
-    """
-    algorithm any array atomic barrier bit bitset cassert cctype cerrno cfenv cfloat charconv
-    chrono cinttypes climits clocale cmath codecvt compare complex concepts condition_variable
-    coroutine csetjmp csignal cstdarg cstddef cstdint cstdio cstdlib cstring ctime cuchar cwchar
-    cwctype deque exception execution filesystem forward_list fstream functional future
-    initializer_list iomanip ios iosfwd iostream istream iterator latch limits list locale map
-    memory mutex new numbers numeric optional ostream queue random ranges ratio regex
-    scoped_allocator semaphore set shared_mutex source_location span sstream stack stdexcept
-    streambuf string string_view strstream system_error thread tuple type_traits typeindex typeinfo
-    unordered_map unordered_set utility valarray variant vector version
-    """.split()
-)
+# The standard library's own have neither an ending nor a folder.
+STANDARD_HEADER = re.compile(r"[a-z_]+")
 
 OS_MACRO = re.compile(
     r"\b(__APPLE__|__MACH__|__linux(__)?|__gnu_linux__|linux|__unix(__)?|unix|__ANDROID__"
@@ -141,7 +130,7 @@ def _tool_of(path):
 
 def may_use_header(room, header):
     """Whether a room may include a header in angle brackets; the reason when not."""
-    if header in STANDARD_HEADERS or room in BACK_ENDS:
+    if STANDARD_HEADER.fullmatch(header) or room in BACK_ENDS:
         return None
     for start, rooms in LIBRARIES:
         if header.startswith(start):

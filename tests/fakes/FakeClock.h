@@ -46,12 +46,6 @@ class FakeClock final : public Clock {
     steady_ += seconds;
   }
 
-  /// Somebody sets the wall clock; steady time is untouched.
-  void setWall(double seconds) {
-    const std::lock_guard hold(lock_);
-    wall_ = seconds;
-  }
-
  private:
   mutable std::mutex lock_;
   double wall_;

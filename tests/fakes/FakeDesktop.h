@@ -5,6 +5,8 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <set>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -179,10 +181,21 @@ class FakeProbe final : public SystemProbe {
 
 class FakeKeepAwake final : public KeepAwake {
  public:
-  std::optional<std::uint32_t> acquire(const std::string& /*motivo*/) override { return ++held; }
-  void release(std::uint32_t /*id*/) override { --held; }
+  std::optional<std::uint32_t> acquire(const std::string& motivo) override {
+    reason = motivo;
+    if (refuses) return {};
+    return *held.insert(++last_).first;
+  }
+  void release(std::uint32_t id) override {
+    if (held.erase(id) != 1) throw std::logic_error("not held");
+  }
 
-  std::uint32_t held = 0;
+  bool refuses = false;
+  std::string reason;  ///< the last one given
+  std::set<std::uint32_t> held;
+
+ private:
+  std::uint32_t last_ = 0;
 };
 
 }  // namespace pellak::fakes

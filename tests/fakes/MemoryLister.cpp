@@ -1,6 +1,5 @@
 #include "fakes/MemoryLister.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
@@ -38,7 +37,7 @@ class MemoryHandle final : public DirectoryHandle {
     }
     for (const auto& [name, child] : node_->children) append(into, name, child->attributes);
     --lister_.readsNow;
-    if (node_->readFails || !lister_.bulkWorks) return failed();
+    if (node_->readFails) return failed();
     return {};
   }
 
@@ -161,6 +160,9 @@ Result<std::shared_ptr<DirectoryHandle>> MemoryLister::open(std::string_view per
 }
 
 Result<EntryAttributes> MemoryLister::attributes(std::string_view percorso) {
+  if (perRecord) {
+    if (const auto esito = perRecord(std::string(percorso)); !esito) return esito.error();
+  }
   const std::shared_ptr<Node> node = find(percorso);
   if (!node) return missing();
   if (node->recordRefused) return denied();

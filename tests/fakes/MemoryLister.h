@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -27,8 +28,9 @@ class MemoryLister final : public DirectoryLister {
   bool carriesAttributes = false;  ///< the bulk read gives attributes too
   bool tellsTypes = true;          ///< otherwise entries are of unknown type
   bool certain = true;             ///< the answer to `emptyIsCertain`
-  bool bulkWorks = true;           ///< otherwise every bulk read fails
   std::size_t budget = 64;
+  /// Called for each record that is asked for by its path; an error is the answer. Any thread.
+  std::function<Result<void>(const std::string&)> perRecord;
 
   // Each adds the folders above it and returns the node, to be changed further.
   Node& folder(std::string_view percorso) { return add(percorso, EntryType::directory); }

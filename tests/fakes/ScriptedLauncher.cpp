@@ -1,9 +1,19 @@
 #include "fakes/ScriptedLauncher.h"
 
-#include <algorithm>
 #include <condition_variable>
 
 namespace pellak::fakes {
+
+namespace {
+
+/// The line a request is known by.
+std::string commandLine(const LaunchRequest& request) {
+  std::string riga = request.percorso;
+  for (const std::string& argomento : request.argomenti) riga += " " + argomento;
+  return riga;
+}
+
+}  // namespace
 
 struct ScriptedLauncher::Journal {
   explicit Journal(const Clock* usedClock) : clock(usedClock) {}
@@ -99,12 +109,6 @@ class ScriptedLauncher::Child final : public ChildProcess {
   std::optional<ExitStatus> fine_;
 };
 
-std::string commandLine(const LaunchRequest& request) {
-  std::string riga = request.percorso;
-  for (const std::string& argomento : request.argomenti) riga += " " + argomento;
-  return riga;
-}
-
 ScriptedLauncher::ScriptedLauncher(const Clock* clock)
     : journal_(std::make_shared<Journal>(clock)) {}
 
@@ -141,7 +145,7 @@ Result<std::unique_ptr<ChildProcess>> ScriptedLauncher::start(const LaunchReques
   const std::lock_guard hold(lock_);
   requests_.push_back(request);
   auto reply = pick(commandLine(request));
-  if (!reply || !reply->starts) return Error{ErrorKind::missing, 2, "not in the script"};
+  if (!reply) return Error{ErrorKind::missing, 2, "not in the script"};
   return std::unique_ptr<ChildProcess>(
       std::make_unique<Child>(std::move(*reply), request.flussi, journal_));
 }

@@ -4,7 +4,6 @@
 #include <mutex>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -18,7 +17,6 @@ struct ScriptedReply {
   std::string output = {};
   std::string error = {};
   ExitStatus fine = {};
-  bool starts = true;          ///< false: start() reports it missing
   double durata = 0.0;         ///< seconds on the launcher's clock until it ends by itself
   bool ignoraTermine = false;  ///< SIGTERM does not end it
   bool tieneAperto = false;    ///< a grandchild keeps the streams open: no end of file
@@ -63,8 +61,5 @@ class ScriptedLauncher final : public ProcessLauncher {
   std::optional<ScriptedReply> other_;
   std::vector<LaunchRequest> requests_;
 };
-
-/// The line a request is known by.
-std::string commandLine(const LaunchRequest& request);
 
 }  // namespace pellak::fakes

@@ -4,7 +4,6 @@
 #include <functional>
 #include <gio/gio.h>
 #include <mutex>
-#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>

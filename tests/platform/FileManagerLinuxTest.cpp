@@ -3,7 +3,8 @@
 
 #include "fakes/ScriptedLauncher.h"
 #include "platform/DesktopLinux.h"
-#include "platform/FakeFileManagerService.h"
+#include "platform/FakeBusService.h"
+#include "platform/PrivateBus.h"
 #include "platform/linux/FileManagerLinux.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/ProcessLauncherPosix.h"
@@ -13,36 +14,20 @@ namespace {
 
 using namespace std::chrono_literals;
 
+FakeService fileManager() {
+  FakeService service;
+  service.name = "org.freedesktop.FileManager1";
+  service.path = "/org/freedesktop/FileManager1";
+  service.description =
+      "<node><interface name='org.freedesktop.FileManager1'><method name='ShowItems'>"
+      "<arg type='as' direction='in'/><arg type='s' direction='in'/>"
+      "</method></interface></node>";
+  return service;
+}
+
 class FileManagerLinuxTest : public DesktopLinux {
  protected:
   FileManagerLinuxTest() { script("xdg-open", "exit 0"); }
-  ~FileManagerLinuxTest() override {
-    if (bus_ == nullptr) return;
-    bus_->kill();
-    bus_->wait();
-  }
-
-  /// A message bus of the test's own, where nothing is started on demand.
-  std::string startBus() {
-    const std::string address = "unix:path=" + (home / "bus");
-    fakes::scriviFile(home / "bus.conf",
-                      "<!DOCTYPE busconfig PUBLIC '-//freedesktop//DTD D-Bus Bus Configuration "
-                      "1.0//EN' 'http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd'>"
-                      "<busconfig><type>session</type><listen>" +
-                          address +
-                          "</listen><policy context='default'><allow send_destination='*'/>"
-                          "<allow receive_sender='*'/><allow own='*'/></policy></busconfig>");
-    LaunchRequest request;
-    request.percorso = "/usr/bin/dbus-daemon";
-    request.argomenti = {"--nofork", "--config-file=" + (home / "bus.conf")};
-    auto started = real.start(request);
-    if (!started) throw std::runtime_error("dbus-daemon");
-    bus_ = std::move(*started);
-    for (int i = 0; i < 500 && !std::filesystem::exists(home / "bus"); ++i) {
-      std::this_thread::sleep_for(10ms);
-    }
-    return address;
-  }
 
   /// What xdg-open was asked to open.
   std::vector<std::string> opened() const {
@@ -57,22 +42,23 @@ class FileManagerLinuxTest : public DesktopLinux {
   posix::ProcessLauncherPosix real;
   fakes::ScriptedLauncher launcher;
   FileManagerLinux manager{launcher};
-
- private:
-  std::unique_ptr<ChildProcess> bus_;
 };
 
 TEST_F(FileManagerLinuxTest, ShowsItemsThroughTheBusWhateverTheirNames) {
-  FakeFileManagerService service(startBus());
+  const PrivateBus bus;
+  set("XDG_RUNTIME_DIR", bus.folder());  // no address: the session's bus lies there
+  FakeBusService service(bus.address(), fileManager());
   const std::vector<std::string> items = {"/a b/\xff\xc3\xa9#?%41.txt", "/a\nb"};
   ASSERT_TRUE(manager.show(items).ok());
-  EXPECT_EQ(service.shown(),
-            (std::vector<std::string>{"file:///a%20b/%FF%C3%A9%23%3F%2541.txt", "file:///a%0Ab"}));
+  EXPECT_EQ(service.calls(),
+            std::vector<std::string>{"ShowItems(['file:///a%20b/%FF%C3%A9%23%3F%2541.txt', "
+                                     "'file:///a%0Ab'], '')"});
   EXPECT_TRUE(launcher.requests().empty());
 }
 
 TEST_F(FileManagerLinuxTest, OpensEachFolderOnceWhenNobodyAnswersOnTheBus) {
-  startBus();
+  const PrivateBus bus;
+  set("DBUS_SESSION_BUS_ADDRESS", bus.address());
   launcher.answerAll({});
   const std::vector<std::string> items = {"/x/a", "/x/b", "/c", "/y z/\xff"};
   ASSERT_TRUE(manager.show(items).ok());

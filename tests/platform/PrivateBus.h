@@ -41,6 +41,7 @@ class PrivateBus {
   PrivateBus& operator=(const PrivateBus&) = delete;
 
   std::string address() const { return "unix:path=" + (folder_ / "bus"); }
+  const std::string& folder() const { return folder_.percorso(); }
 
  private:
   fakes::CartellaTemporanea folder_;

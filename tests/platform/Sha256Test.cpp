@@ -1,4 +1,3 @@
-#include <array>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <random>

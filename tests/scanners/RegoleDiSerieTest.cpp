@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <fstream>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <iterator>
 #include <map>
 #include <set>

@@ -1,9 +1,6 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include "PellakCore/Config.h"
 #include "PellakCore/Regole.h"
-#include "PellakCore/base/Json.h"
 
 namespace pellak {
 namespace {
@@ -15,26 +12,6 @@ Regole lette(std::string_view testo) {
   const Result<Regole> regole = leggiRegole(testo);
   EXPECT_TRUE(regole.ok()) << testo;
   return regole ? regole.value() : Regole{};
-}
-
-TEST(RegoleTest, ReadsEveryKeyOfACategory) {
-  const Regole regole = lette(R"({"categories": [{
-      "id": "prova", "name": "Prova", "mode": "delete", "note": "Nota", "min_age_days": 2.5,
-      "children_of": "~/a", "folders": ["/b", "~/c"], "paths": ["~/d"], "glob": ["~/e/*.f"],
-      "section": "pulizia"}]})");
-  ASSERT_EQ(regole.categorie.size(), 1U);
-  const RegolaCategoria* regola = regole.cerca("prova");
-  ASSERT_NE(regola, nullptr);
-  EXPECT_EQ(regola->name, "Prova");
-  EXPECT_EQ(regola->mode, "delete");
-  EXPECT_EQ(regola->note, "Nota");
-  EXPECT_EQ(regola->minAgeDays, 2.5);
-  EXPECT_EQ(regola->childrenOf, "~/a");
-  EXPECT_THAT(regola->folders, ElementsAre("/b", "~/c"));
-  EXPECT_THAT(regola->paths, ElementsAre("~/d"));
-  EXPECT_THAT(regola->glob, ElementsAre("~/e/*.f"));
-  EXPECT_EQ(regola->section, "pulizia");
-  EXPECT_EQ(regole.cerca("altra"), nullptr);
 }
 
 TEST(RegoleTest, WrongTypesCountAsAbsentAndNothingBecomesDeletable) {
@@ -88,27 +65,6 @@ TEST(RegoleTest, OnlyAnObjectIsARulesDocument) {
     ASSERT_FALSE(regole.ok()) << testo;
     EXPECT_EQ(regole.error().kind, ErrorKind::invalid);
   }
-}
-
-TEST(RegoleTest, SettingsAreWrittenOver) {
-  const auto documento = JsonDocument::parse(
-      R"({"dup_min_mb": 12, "dup_exclude": ["/mio"], "large_min_mb": 70, "large_age_days": 40,
-          "installer_age_days": 0})");
-  ASSERT_TRUE(documento.ok());
-  const Regole regole =
-      conImpostazioni(lette(R"({"categories": [{"id": "old-installers", "min_age_days": 9},
-                               {"id": "app-logs", "min_age_days": 30}],
-                "duplicates": {"min_size_mb": 1, "roots": ["~"], "exclude_paths": ["/altro"]},
-                "large_old": {"min_size_mb": 1, "min_age_days": 1, "top": 3}})"),
-                      Config::daJson(documento->radice()));
-  EXPECT_EQ(regole.cerca("old-installers")->minAgeDays, 0);
-  EXPECT_EQ(regole.cerca("app-logs")->minAgeDays, 30);
-  EXPECT_EQ(regole.duplicati.minSizeMb, 12);
-  EXPECT_THAT(regole.duplicati.excludePaths, ElementsAre("/mio"));
-  EXPECT_THAT(regole.duplicati.roots, ElementsAre("~"));
-  EXPECT_EQ(regole.grandi.minSizeMb, 70);
-  EXPECT_EQ(regole.grandi.minAgeDays, 40);
-  EXPECT_EQ(regole.grandi.top, 3);
 }
 
 }  // namespace

@@ -173,7 +173,7 @@ TEST_F(AppDelegateTest, TheMenuFollowsKeepAwakeAndSettings) {
   EXPECT_TRUE(sveglio(host.statusMenu).spunta);
   host.pass(7200);
   EXPECT_EQ(sveglio(host.statusMenu).titolo, "Tieni sveglio il Mac");
-  EXPECT_EQ(keepAwake.held, 0U);
+  EXPECT_TRUE(keepAwake.held.empty());
 
   const auto titoli = [&] {
     std::vector<std::string> trovati;

@@ -1,14 +1,8 @@
 #include <filesystem>
 #include <future>
-#include <gtest/gtest.h>
 #include <thread>
 
-#include "PellakCore/base/Json.h"
-#include "fakes/CartellaTemporanea.h"
-#include "fakes/FakeApplications.h"
-#include "fakes/FakeClock.h"
-#include "fakes/GuardedFiles.h"
-#include "fakes/MemoryLister.h"
+#include "fakes/ConMotore.h"
 #include "fakes/ScriptedLauncher.h"
 #include "shell/Notifiche.h"
 #include "shell/Sorveglianza.h"
@@ -16,10 +10,9 @@
 namespace pellak::shell {
 namespace {
 
-class SorveglianzaTest : public testing::Test {
+class SorveglianzaTest : public fakes::ConMotore {
  protected:
-  SorveglianzaTest() {
-    TabellaScanner tabella;
+  SorveglianzaTest() : ConMotore(1'000'000.5) {
     tabella.speciali["duplicates"] = {"Ricerca", [this](const ScanContext&) {
                                         ++scansioni;
                                         if (durante) durante();
@@ -30,18 +23,7 @@ class SorveglianzaTest : public testing::Test {
                                         finding.groups[0].paths = {"/a", "/b"};
                                         return std::vector<Finding>{finding};
                                       }};
-    engine = std::make_unique<Engine>(
-        AmbienteEngine{files,
-                       clock,
-                       lister,
-                       applicazioni,
-                       impostazioni,
-                       store,
-                       home / "regole",
-                       {},
-                       tabella,
-                       nullptr,
-                       [this](const Snapshot& stato) { sorveglianza->concluso(stato); }});
+    engine = crea(nullptr, [this](const Snapshot& stato) { sorveglianza->concluso(stato); });
     sorveglianza = std::make_unique<Sorveglianza>(
         *engine, impostazioni, files, clock,
         [this](const std::string& messaggio, const std::string& titolo) {
@@ -60,13 +42,6 @@ class SorveglianzaTest : public testing::Test {
     return scansioni - prima;
   }
 
-  fakes::CartellaTemporanea home;
-  fakes::GuardedFiles files;
-  fakes::FakeClock clock{1'000'000.5};
-  fakes::MemoryLister lister;
-  fakes::FakeApplications applicazioni;
-  Store store{home.percorso()};
-  Impostazioni impostazioni{files, store};
   std::vector<std::string> notifiche;
   std::function<void()> durante;
   std::atomic<int> scansioni{0};

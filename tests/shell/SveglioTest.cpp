@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <set>
 
 #include "fakes/FakeDesktop.h"
 #include "shell/Sveglio.h"
@@ -7,28 +6,13 @@
 namespace pellak::shell {
 namespace {
 
-class Sistema final : public KeepAwake {
- public:
-  std::optional<std::uint32_t> acquire(const std::string& motivo) override {
-    EXPECT_EQ(motivo, "Pellak Cleaner: tieni sveglio il Mac");
-    if (rifiuta) return {};
-    attive.insert(++ultima);
-    return ultima;
-  }
-  void release(std::uint32_t id) override { EXPECT_EQ(attive.erase(id), 1U); }
-
-  bool rifiuta = false;
-  std::set<std::uint32_t> attive;
-  std::uint32_t ultima = 0;
-};
-
 class SveglioTest : public testing::Test {
  protected:
   std::string titolo() const { return sveglio.titolo().testo; }
 
   fakes::FakeClock clock;
   fakes::FakeDesktop loop{clock};
-  Sistema sistema;
+  fakes::FakeKeepAwake sistema;
   int cambi = 0;
   Sveglio sveglio{sistema, loop, clock, [this] { ++cambi; }};
 };
@@ -36,22 +20,23 @@ class SveglioTest : public testing::Test {
 TEST_F(SveglioTest, CountsDownAndEndsByItself) {
   EXPECT_EQ(sveglio.titolo(), (TitoloSveglio{"Tieni sveglio il Mac", false}));
   sveglio.avvia(Sveglio::kMezzOra);
+  EXPECT_EQ(sistema.reason, "Pellak Cleaner: tieni sveglio il Mac");
   EXPECT_EQ(sveglio.titolo(), (TitoloSveglio{"Tieni sveglio: attivo — 30 min rimasti", true}));
   loop.pass(89);
   EXPECT_EQ(titolo(), "Tieni sveglio: attivo — 29 min rimasti");
   loop.pass(1800 - 89 - 5);
   EXPECT_EQ(titolo(), "Tieni sveglio: attivo — 1 min rimasti");
-  EXPECT_EQ(sistema.attive.size(), 1U);
+  EXPECT_EQ(sistema.held.size(), 1U);
   loop.pass(5);
   EXPECT_FALSE(sveglio.attivo());
-  EXPECT_TRUE(sistema.attive.empty());
+  EXPECT_TRUE(sistema.held.empty());
   EXPECT_EQ(cambi, 2);
 }
 
 TEST_F(SveglioTest, AnotherChoiceReplacesTheRequestAndTheTimer) {
   sveglio.avvia(Sveglio::kMezzOra);
   sveglio.avvia(Sveglio::kDueOre);
-  EXPECT_EQ(sistema.attive.size(), 1U);
+  EXPECT_EQ(sistema.held.size(), 1U);
   loop.pass(1800);
   EXPECT_EQ(titolo(), "Tieni sveglio: attivo — 90 min rimasti");
   sveglio.avvia({});
@@ -62,12 +47,12 @@ TEST_F(SveglioTest, AnotherChoiceReplacesTheRequestAndTheTimer) {
   const int prima = cambi;
   sveglio.ferma();
   EXPECT_EQ(cambi, prima) << "nothing to end";
-  EXPECT_TRUE(sistema.attive.empty());
+  EXPECT_TRUE(sistema.held.empty());
   EXPECT_TRUE(loop.timers.empty());
 }
 
 TEST_F(SveglioTest, StaysOffWhenTheSystemRefuses) {
-  sistema.rifiuta = true;
+  sistema.refuses = true;
   sveglio.avvia(Sveglio::kMezzOra);
   EXPECT_EQ(sveglio.titolo(), (TitoloSveglio{"Tieni sveglio il Mac", false}));
   EXPECT_TRUE(loop.timers.empty());
@@ -76,12 +61,12 @@ TEST_F(SveglioTest, StaysOffWhenTheSystemRefuses) {
 TEST(SveglioEnd, GivesTheRequestBack) {
   fakes::FakeClock clock;
   fakes::FakeDesktop loop(clock);
-  Sistema sistema;
+  fakes::FakeKeepAwake sistema;
   {
     Sveglio sveglio(sistema, loop, clock, [] {});
     sveglio.avvia(Sveglio::kMezzOra);
   }
-  EXPECT_TRUE(sistema.attive.empty() && loop.timers.empty());
+  EXPECT_TRUE(sistema.held.empty() && loop.timers.empty());
 }
 
 }  // namespace

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <fcntl.h>
 #include <filesystem>
 #include <functional>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <sys/stat.h>
