@@ -57,9 +57,15 @@ TEST_F(RotteStatoTest, OneScanAtATimeOfSectionsThatExist) {
             R"(200 {"err":"sezione inesistente"})");
   EXPECT_EQ(chiedi("/api/scan", R"({"section":""})"), R"(200 {"err":"sezione inesistente"})");
   EXPECT_FALSE(motore().snapshot()->busy);
-  EXPECT_EQ(chiedi("/api/scan", R"({"section":"duplicati"})"), R"(200 {"ok":true})");
+  EXPECT_EQ(chiedi("/api/scan"), R"(200 {"ok":true})");
   cominciata.get_future().wait();
+  const auto stato = motore().snapshot();
+  EXPECT_TRUE(stato->busy);
+  const RiassuntoSezione& duplicati = stato->sezioni.at(2);
+  EXPECT_TRUE(duplicati.scanning && !duplicati.queued && stato->sezioni.at(3).queued);
+  EXPECT_EQ(duplicati.status, "Ricerca");
   EXPECT_EQ(chiedi("/api/scan"), R"(200 {"err":"scansione già in corso"})");
+  EXPECT_EQ(motore().snapshot(), stato) << "a refused start changes nothing";
   EXPECT_EQ(chiedi("/api/stop"), R"(200 {"ok":true})");
   via.set_value();
   motore().attendiFine();

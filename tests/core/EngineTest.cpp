@@ -1,5 +1,4 @@
 #include <filesystem>
-#include <future>
 #include <stdexcept>
 
 #include "PellakCore/Catalogo.h"
@@ -38,6 +37,11 @@ class EngineTest : public fakes::ConMotore {
                             }};
   }
 
+  static void scandisci(Engine& engine, const std::string& quale) {
+    ASSERT_TRUE(engine.start(quale));
+    engine.attendiFine();
+  }
+
   static const RiassuntoSezione& sezione(const Snapshot& stato, const std::string& id) {
     for (const RiassuntoSezione& riassunto : stato.sezioni) {
       if (riassunto.id == id) return riassunto;
@@ -48,7 +52,6 @@ class EngineTest : public fakes::ConMotore {
 
 TEST_F(EngineTest, ScansAllSectionsInOrderAndKeepsTheResults) {
   std::vector<std::string> ordine;
-  std::vector<std::string> stati;
   tabella.regole = [&](const ScanContext&, const RegolaCategoria& regola) {
     ordine.push_back(regola.id);
     return finding(regola.id, regola.id == "brew-cache" ? 0 : 2048);
@@ -61,8 +64,7 @@ TEST_F(EngineTest, ScansAllSectionsInOrderAndKeepsTheResults) {
   {
     const auto engine = crea();
     EXPECT_FALSE(engine->snapshot()->busy);
-    ASSERT_TRUE(engine->start("all"));
-    engine->attendiFine();
+    scandisci(*engine, "all");
     const auto stato = engine->snapshot();
     EXPECT_FALSE(stato->busy);
     EXPECT_EQ(sezione(*stato, "sviluppo").status, "Recuperabili 6.0 KiB.");
@@ -82,30 +84,6 @@ TEST_F(EngineTest, ScansAllSectionsInOrderAndKeepsTheResults) {
   EXPECT_EQ(riaperto->findings().size(), 20U);
 }
 
-TEST_F(EngineTest, WhileAScanRunsASecondIsRefusedAndTheLockIsFree) {
-  std::promise<void> dentro;
-  std::promise<void> avanti;
-  speciale("large-old", [&](const ScanContext&) {
-    dentro.set_value();
-    avanti.get_future().wait();
-  });
-  const auto engine = crea();
-  ASSERT_TRUE(engine->start("all"));
-  dentro.get_future().wait();
-  const auto stato = engine->snapshot();
-  EXPECT_FALSE(engine->start("all"));
-  EXPECT_FALSE(engine->start("privacy"));
-  EXPECT_EQ(engine->snapshot(), stato) << "a refused start changes nothing";
-  EXPECT_TRUE(stato->busy);
-  EXPECT_TRUE(sezione(*stato, "grandi").scanning);
-  EXPECT_EQ(sezione(*stato, "grandi").status, "Stato di large-old");
-  EXPECT_TRUE(sezione(*stato, "pulizia").queued);
-  EXPECT_FALSE(sezione(*stato, "duplicati").queued);
-  avanti.set_value();
-  engine->attendiFine();
-  EXPECT_FALSE(engine->snapshot()->busy);
-}
-
 TEST_F(EngineTest, StopEndsTheRunningSectionAndLeavesTheRestUntouched) {
   speciale("apps");
   std::unique_ptr<Engine> engine;
@@ -114,16 +92,14 @@ TEST_F(EngineTest, StopEndsTheRunningSectionAndLeavesTheRestUntouched) {
     if (contesto.stop()) throw ScanCancelled();
   });
   engine = crea();
-  engine->start("all");
-  engine->attendiFine();
+  scandisci(*engine, "all");
   const auto stato = engine->snapshot();
   EXPECT_FALSE(stato->busy);
   EXPECT_EQ(sezione(*stato, "applicazioni").status, "Recuperabili 1.0 KiB.");
   EXPECT_EQ(sezione(*stato, "duplicati").status, "Scansione interrotta.");
   EXPECT_EQ(sezione(*stato, "grandi").status, "");
   EXPECT_FALSE(sezione(*stato, "grandi").queued);
-  EXPECT_TRUE(engine->start("applicazioni")) << "a stopped engine takes the next scan";
-  engine->attendiFine();
+  scandisci(*engine, "applicazioni");
 }
 
 TEST_F(EngineTest, RefusalsTurnAnEmptySectionIntoAWarning) {
@@ -132,15 +108,13 @@ TEST_F(EngineTest, RefusalsTurnAnEmptySectionIntoAWarning) {
                                         return std::vector<Finding>{finding("recent-items", 0)};
                                       }};
   const auto engine = crea();
-  engine->start("privacy");
-  engine->attendiFine();
+  scandisci(*engine, "privacy");
   EXPECT_EQ(sezione(*engine->snapshot(), "privacy").status,
             "ATTENZIONE: 3 percorsi non leggibili. Probabile mancanza di permessi, non disco "
             "pulito.");
   EXPECT_NE(engine->snapshot()->testo.str().find(R"([{"cartella":"/x/y/z","quanti":3}])"),
             std::string::npos);
-  engine->start("avvio");
-  engine->attendiFine();
+  scandisci(*engine, "avvio");
   EXPECT_EQ(sezione(*engine->snapshot(), "avvio").status, "Niente da segnalare.");
 }
 
@@ -154,11 +128,9 @@ TEST_F(EngineTest, AFailingCategoryKeepsWhatItHadFoundAndOnlyThat) {
     return finding(regola.id, secondo ? 0 : 1024);
   };
   const auto engine = crea();
-  engine->start("sviluppo");
-  engine->attendiFine();
+  scandisci(*engine, "sviluppo");
   secondo = true;
-  engine->start("sviluppo");
-  engine->attendiFine();
+  scandisci(*engine, "sviluppo");
   EXPECT_EQ(sezione(*engine->snapshot(), "sviluppo").status, "Errore: disco in fiamme");
   const auto rimasti = engine->findings("sviluppo");
   ASSERT_EQ(rimasti.size(), 2U);
@@ -172,11 +144,9 @@ TEST_F(EngineTest, WithoutRulesTheOldFindingsStayAndTheStatusSaysWhy) {
   };
   speciale("docker-disk");
   const auto engine = crea();
-  engine->start("sviluppo");
-  engine->attendiFine();
+  scandisci(*engine, "sviluppo");
   std::filesystem::remove(regole);
-  engine->start("sviluppo");
-  engine->attendiFine();
+  scandisci(*engine, "sviluppo");
   EXPECT_EQ(sezione(*engine->snapshot(), "sviluppo").status,
             "Errore: file delle regole illeggibile");
   EXPECT_EQ(engine->findings("sviluppo").size(), 4U);
@@ -188,8 +158,7 @@ TEST_F(EngineTest, ASaveTakesOverWhatAnotherProcessScannedSince) {
   const auto questo = crea();
   {
     const auto altro = crea();
-    altro->start("privacy");
-    altro->attendiFine();
+    scandisci(*altro, "privacy");
   }
   questo->save();
   EXPECT_EQ(questo->findings("privacy").size(), 1U);
@@ -204,10 +173,8 @@ TEST_F(EngineTest, AProgressLineIsNeverSavedAsAResult) {
     durante = fakes::leggiFile(store.risultati());
   });
   engine = crea();
-  engine->start("avvio");
-  engine->attendiFine();
-  engine->start("avvio");
-  engine->attendiFine();
+  scandisci(*engine, "avvio");
+  scandisci(*engine, "avvio");
   EXPECT_NE(durante.find("Recuperabili 1.0 KiB."), std::string::npos);
   EXPECT_EQ(durante.find("Stato di"), std::string::npos);
 }
@@ -245,8 +212,7 @@ TEST_F(EngineTest, ResultsThatCannotBeSavedAreSaidAndStayInMemory) {
   speciale("startup-user");
   std::string avviso;
   const auto engine = crea([&](const std::string& testo) { avviso = testo; });
-  engine->start("avvio");
-  engine->attendiFine();
+  scandisci(*engine, "avvio");
   EXPECT_EQ(engine->findings("avvio").size(), 1U);
   EXPECT_TRUE(avviso.starts_with("risultati non salvati: ")) << avviso;
 }

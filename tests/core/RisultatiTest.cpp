@@ -27,21 +27,21 @@ Sezioni piene() {
   finding.hint = "h";
   finding.unmeasured = true;
   finding.items = {{"/h/strano\n\xFF\xEE\xBE\x80", 1024, 1'600'000'000}};
-  Group gruppo;
-  gruppo.size = 7;
-  gruppo.hash = "ab";
-  gruppo.paths = {"/x", "/y"};
-  gruppo.name = "Nome";
-  gruppo.bundle = "b";
-  gruppo.prog = "p";
-  gruppo.url = "u";
-  gruppo.desc = "d";
-  gruppo.label = "l";
-  gruppo.dominio = "system";
-  gruppo.pesi = {3, 4};
-  gruppo.deboli = {"/y"};
-  gruppo.spento = true;
-  finding.groups = {gruppo};
+  // Every member, in order.
+  finding.groups = {{7,
+                     "ab",
+                     {"/x", "/y"},
+                     "Nome",
+                     "b",
+                     "p",
+                     "u",
+                     "d",
+                     {3, 4},
+                     {5, 6},
+                     {"/y"},
+                     "l",
+                     "system",
+                     true}};
   sviluppo.findings = {finding};
   return sezioni;
 }

@@ -107,13 +107,6 @@ std::uint32_t modeOf(EntryType type) {
 
 }  // namespace
 
-std::shared_ptr<Node> MemoryLister::makeRoot() {
-  auto root = std::make_shared<Node>();
-  root->attributes.type = EntryType::directory;
-  root->attributes.mode = modeOf(EntryType::directory);
-  return root;
-}
-
 std::shared_ptr<Node> MemoryLister::find(std::string_view percorso) const {
   std::shared_ptr<Node> node = root_;
   while (node && !percorso.empty()) {

@@ -21,7 +21,7 @@ class MemoryLister final : public DirectoryLister {
     bool refused = false;        ///< opening it is denied
     bool recordRefused = false;  ///< reading its record is denied
     bool readFails = false;      ///< the bulk read gives entries and then an error
-    std::map<std::string, std::shared_ptr<Node>, std::less<>> children;
+    std::map<std::string, std::shared_ptr<Node>, std::less<>> children = {};
   };
 
   /// How listings answer, set before they begin.
@@ -57,10 +57,9 @@ class MemoryLister final : public DirectoryLister {
   Node& add(std::string_view percorso, EntryType type);
   std::shared_ptr<Node> find(std::string_view percorso) const;
 
-  std::shared_ptr<Node> root_ = makeRoot();
+  std::shared_ptr<Node> root_ =
+      std::make_shared<Node>(Node{.attributes = {.type = EntryType::directory, .mode = 0040755}});
   std::uint64_t lastIno_ = 1;
-
-  static std::shared_ptr<Node> makeRoot();
 };
 
 }  // namespace pellak::fakes

@@ -116,13 +116,7 @@ ScriptedLauncher::~ScriptedLauncher() = default;
 
 void ScriptedLauncher::answer(std::string riga, ScriptedReply reply) {
   const std::lock_guard hold(lock_);
-  for (auto& [known, replies] : answers_) {
-    if (known == riga) {
-      replies.push_back(std::move(reply));
-      return;
-    }
-  }
-  answers_.push_back({std::move(riga), {std::move(reply)}});
+  answers_[std::move(riga)].push_back(std::move(reply));
 }
 
 void ScriptedLauncher::answerAll(ScriptedReply reply) {
@@ -131,13 +125,12 @@ void ScriptedLauncher::answerAll(ScriptedReply reply) {
 }
 
 std::optional<ScriptedReply> ScriptedLauncher::pick(const std::string& riga) {
-  for (auto& [known, replies] : answers_) {
-    if (known != riga) continue;
-    ScriptedReply reply = replies.front();
-    if (replies.size() > 1) replies.erase(replies.begin());
-    return reply;
-  }
-  return other_;
+  const auto known = answers_.find(riga);
+  if (known == answers_.end()) return other_;
+  std::vector<ScriptedReply>& replies = known->second;
+  ScriptedReply reply = replies.front();
+  if (replies.size() > 1) replies.erase(replies.begin());
+  return reply;
 }
 
 Result<std::unique_ptr<ChildProcess>> ScriptedLauncher::start(const LaunchRequest& request) {

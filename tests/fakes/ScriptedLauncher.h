@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -57,7 +58,7 @@ class ScriptedLauncher final : public ProcessLauncher {
 
   const std::shared_ptr<Journal> journal_;
   mutable std::mutex lock_;
-  std::vector<std::pair<std::string, std::vector<ScriptedReply>>> answers_;
+  std::map<std::string, std::vector<ScriptedReply>> answers_;
   std::optional<ScriptedReply> other_;
   std::vector<LaunchRequest> requests_;
 };

@@ -1,9 +1,8 @@
 // Arbitrary text through the JSON entry: every value read leniently, written again and compared.
-#include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <map>
 #include <utility>
-#include <vector>
 
 #include "PellakCore/base/BytePath.h"
 #include "PellakCore/base/Json.h"
@@ -54,18 +53,12 @@ void rewrite(Json valore, JsonWriter& writer);
 void rewriteObject(Json oggetto, JsonWriter& writer) {
   // Names that differ only in how they are encoded stand for the same bytes; as with any repeated
   // name the last value counts.
-  std::vector<std::pair<std::string, Json>> membri;
+  std::map<std::string, Json> membri;
   std::size_t quanti = 0;
   oggetto.perOgniMembro([&](const std::string& nome, Json membro) {
     ++quanti;
     checkText(nome);
-    const auto gia = std::find_if(membri.begin(), membri.end(),
-                                  [&](const auto& altro) { return altro.first == nome; });
-    if (gia == membri.end()) {
-      membri.emplace_back(nome, membro);
-    } else {
-      gia->second = membro;
-    }
+    membri.insert_or_assign(nome, membro);
   });
   require(quanti == oggetto.quanti());
   writer.beginObject();

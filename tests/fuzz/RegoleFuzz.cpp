@@ -6,6 +6,7 @@
 #include "PellakCore/Config.h"
 #include "PellakCore/base/Json.h"
 #include "fakes/FakeClock.h"
+#include "fakes/MemoryLister.h"
 #include "scanners/regole/ScannerRegole.h"
 
 namespace {
@@ -19,56 +20,27 @@ void require(bool condition) {
   if (!condition) std::abort();
 }
 
-/// Any folder holds an installer and a folder "x", which holds a file.
+/// Any folder holds an installer and a folder "x", which holds an installer.
 class DiscoFinto final : public DirectoryLister {
  public:
+  DiscoFinto() {
+    for (const char* file : {"/d/Setup.DMG", "/d/x/Setup.DMG"}) albero_.file(file, 4096);
+  }
+
   Result<std::shared_ptr<DirectoryHandle>> open(std::string_view percorso) override {
     require(!percorso.empty() && percorso.front() == '/');
-    if (percorso.size() >= 2 && percorso.substr(percorso.size() - 2) == "/x") {
-      return std::shared_ptr<DirectoryHandle>(std::make_shared<Cartella>(false));
-    }
-    return std::shared_ptr<DirectoryHandle>(std::make_shared<Cartella>(true));
+    return albero_.open(percorso.ends_with("/x") ? "/d/x" : "/d");
   }
   Result<EntryAttributes> attributes(std::string_view percorso) override {
     require(!percorso.empty() && percorso.front() == '/');
     if (percorso.size() % 7 == 6) return Error{ErrorKind::denied, 13, "no"};
-    return record(percorso.find('.') != std::string_view::npos);
+    return albero_.attributes(percorso.find('.') == std::string_view::npos ? "/d" : "/d/Setup.DMG");
   }
   bool emptyIsCertain() const override { return true; }
   std::size_t descriptorBudget() const override { return 8; }
 
  private:
-  static EntryAttributes record(bool regular) {
-    EntryAttributes attributi;
-    attributi.type = regular ? EntryType::regular : EntryType::directory;
-    attributi.mode = regular ? 0100644 : 040755;
-    attributi.size = attributi.alloc = regular ? 4096 : 0;
-    attributi.mtime = 1'600'000'000;
-    return attributi;
-  }
-
-  class Cartella final : public DirectoryHandle {
-   public:
-    explicit Cartella(bool conSotto) : conSotto_(conSotto) {}
-    Result<void> read(EntryBatch& into) override {
-      into.entries.push_back({"Setup.DMG", EntryType::regular});
-      if (conSotto_) into.entries.push_back({"x", EntryType::directory});
-      return {};
-    }
-    Result<std::vector<std::string>> names() override {
-      return conSotto_ ? std::vector<std::string>{"Setup.DMG", "x"}
-                       : std::vector<std::string>{"Setup.DMG"};
-    }
-    Result<EntryAttributes> attributes(const char* name) const override {
-      return record(std::string_view(name) != "x");
-    }
-    Result<std::shared_ptr<DirectoryHandle>> open(const char*) const override {
-      return std::shared_ptr<DirectoryHandle>(std::make_shared<Cartella>(false));
-    }
-
-   private:
-    const bool conSotto_;
-  };
+  fakes::MemoryLister albero_;
 };
 
 void check(const Finding& finding, const RegolaCategoria& regola) {

@@ -4,7 +4,6 @@
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
-#include <functional>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/wait.h>
@@ -65,14 +64,6 @@ std::vector<int> openDescriptors() {
 bool noChildren() {
   siginfo_t ignored{};
   return ::waitid(P_ALL, 0, &ignored, WEXITED | WNOHANG | WNOWAIT) < 0 && errno == ECHILD;
-}
-
-bool soon(const std::function<bool()>& condition) {
-  for (int i = 0; i < 1000; ++i) {
-    if (condition()) return true;
-    std::this_thread::sleep_for(10ms);
-  }
-  return false;
 }
 
 TEST(ProcessLauncherTest, ArgumentsArriveAsTheyAre) {
@@ -248,7 +239,8 @@ TEST(ProcessLauncherTest, AbandonedChildGoesOnAndIsCollectedAtItsEnd) {
   EXPECT_LT(std::chrono::steady_clock::now() - begun, 250ms);
   EXPECT_FALSE(noChildren());
   EXPECT_EQ(openDescriptors(), before);
-  EXPECT_TRUE(soon(noChildren));
+  for (int i = 0; i < 1000 && !noChildren(); ++i) std::this_thread::sleep_for(10ms);
+  EXPECT_TRUE(noChildren());
 }
 
 TEST(ProcessLauncherTest, ManyThreadsStartingAtOnceLeakNothing) {

@@ -2,14 +2,13 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
+#include <fmt/format.h>
 #include <fstream>
 #include <functional>
 #include <gmock/gmock.h>
-#include <iomanip>
 #include <map>
 #include <mutex>
 #include <random>
-#include <sstream>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -131,11 +130,7 @@ std::string casuale(std::size_t lunghezza, unsigned seme) {
 std::string sha256(const std::string& testo) {
   const auto sha = creaTwinSha256();
   sha->update(0, std::as_bytes(std::span(testo)));
-  std::ostringstream cifre;
-  for (const std::uint8_t byte : sha->finish(0)) {
-    cifre << std::hex << std::setw(2) << std::setfill('0') << int{byte};
-  }
-  return cifre.str();
+  return fmt::format("{:02x}", fmt::join(sha->finish(0), ""));
 }
 
 TEST_F(DuplicatiTest, TellsTheFindingAsAPersonSeesIt) {
