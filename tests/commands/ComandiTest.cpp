@@ -1,11 +1,16 @@
 #include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <limits>
 #include <string>
+#include <sys/stat.h>
+#include <vector>
 
 #include "commands/Apici.h"
 #include "commands/Comandi.h"
-#include "fakes/CartellaTemporanea.h"
 #include "fakes/FakeClock.h"
 #include "fakes/ScriptedLauncher.h"
 #include "platform/posix/ClockPosix.h"
@@ -43,14 +48,21 @@ class ComandiTest : public testing::Test {
 /// Real programs, and a stand-in for pkexec where a test writes one.
 class ComandiRealTest : public testing::Test {
  protected:
+  void SetUp() override {
+    std::string pattern = testing::TempDir() + "comandi-XXXXXX";
+    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+    folder = pattern;
+  }
+  void TearDown() override { std::filesystem::remove_all(folder); }
+
   StrumentiAdmin pkexecThatRuns(const std::string& script) {
-    const std::string path = folder / "pkexec";
-    fakes::scriviFile(path, "#!/bin/sh\n" + script + "\n");
-    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    const std::string path = folder + "/pkexec";
+    std::ofstream(path) << "#!/bin/sh\n" << script << "\n";
+    ::chmod(path.c_str(), 0700);
     return {"/no/osascript", path};
   }
 
-  fakes::CartellaTemporanea folder;
+  std::string folder;
   posix::ProcessLauncherPosix launcher;
   posix::ClockPosix clock;
   Comandi comandi{launcher, clock, FamigliaStrumenti::linux};
@@ -256,6 +268,29 @@ TEST_F(ComandiRealTest, ShellReadsMuchOfBothStreams) {
       60);
   EXPECT_TRUE(esito.ok) << esito.errore;
   EXPECT_EQ(esito.uscita, std::string(5'000'000, 'o'));
+}
+
+TEST_F(ComandiRealTest, CommandThatIgnoresTermIsKilledAtTheGrace) {
+  FakeClock quick(0.0, 5ms);
+  Comandi soonOver(launcher, quick, FamigliaStrumenti::linux);
+  const EsitoShell esito =
+      soonOver.eseguiShell("trap '' TERM; echo $$; while :; do sleep 0.05; done", false, 20);
+  EXPECT_EQ(esito.errore, limitSentence("0"));
+  const int pid = std::atoi(esito.uscita.c_str());
+  ASSERT_GT(pid, 0);
+  for (int i = 0; i < 500 && std::filesystem::exists("/proc/" + std::to_string(pid)); ++i) {
+    posix::ClockPosix().sleepFor(0.01);
+  }
+  EXPECT_FALSE(std::filesystem::exists("/proc/" + std::to_string(pid)));
+}
+
+TEST_F(ComandiRealTest, ProcessLeftBehindDoesNotHoldTheCaller) {
+  FakeClock quick(0.0, 10ms);
+  Comandi soonOver(launcher, quick, FamigliaStrumenti::linux);
+  const auto begun = std::chrono::steady_clock::now();
+  const EsitoShell esito = soonOver.eseguiShell("sleep 8 & echo fatto", false, 60);
+  EXPECT_TRUE(esito.ok);
+  EXPECT_LT(std::chrono::steady_clock::now() - begun, 7s);
 }
 
 TEST_F(ComandiRealTest, StandInForPkexecRunsTheLineOrRefuses) {

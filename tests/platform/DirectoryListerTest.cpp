@@ -5,6 +5,8 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <map>
+#include <mutex>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
@@ -20,6 +22,27 @@ namespace {
 using fakes::CartellaTemporanea;
 using fakes::scriviFile;
 using testing::ElementsAre;
+using testing::Pair;
+
+/// Until the end of the scope the process is a user without privileges, unless it is one anyway.
+class WithoutPrivileges {
+ public:
+  WithoutPrivileges() {
+    if (!root_) return;
+    EXPECT_EQ(::setegid(65534), 0);
+    EXPECT_EQ(::seteuid(65534), 0);
+  }
+  ~WithoutPrivileges() {
+    if (!root_) return;
+    EXPECT_EQ(::seteuid(0), 0);
+    EXPECT_EQ(::setegid(0), 0);
+  }
+  WithoutPrivileges(const WithoutPrivileges&) = delete;
+  WithoutPrivileges& operator=(const WithoutPrivileges&) = delete;
+
+ private:
+  const bool root_ = ::geteuid() == 0;
+};
 
 /// Lowers the number of descriptors that the process may have for a scope.
 class FewDescriptors {
@@ -47,6 +70,8 @@ class DirectoryListerTest : public testing::Test {
     return found;
   }
 
+  std::map<std::string, int> refusals() { return std::exchange(refusals_, {}); }
+
   static int descriptorsOpen() {
     int count = 0;
     DIR* stream = ::opendir("/proc/self/fd");
@@ -57,7 +82,12 @@ class DirectoryListerTest : public testing::Test {
 
   CartellaTemporanea folder_;
   native::DirectoryListerLinux lister_;
-  walker::Ambiente ambiente_{lister_, {}};
+  std::mutex lock_;
+  std::map<std::string, int> refusals_;
+  walker::Ambiente ambiente_{lister_, [this](std::string_view p) {
+                               const std::lock_guard hold(lock_);
+                               ++refusals_[std::string(p)];
+                             }};
 };
 
 /// A chain of folders below `top`, each with a file "f" and a branch, whose path is longer than
@@ -101,6 +131,32 @@ TEST_F(DirectoryListerTest, RefusesPathsThatCannotBeMeant) {
   }
   EXPECT_FALSE(lister_.open('/' + std::string(300, 'x')).ok());
   EXPECT_FALSE(lister_.open('/' + std::string(9000, 'x')).ok());
+}
+
+TEST_F(DirectoryListerTest, CountsWhatAnUnprivilegedUserMayNotRead) {
+  const std::string shut = folder_ / "shut";
+  const std::string noSearch = folder_ / "nosearch";
+  scriviFile(shut + "/in", "x");
+  scriviFile(noSearch + "/in", "x");
+  scriviFile(folder_ / "free", "x");
+  ASSERT_EQ(::chmod(folder_.percorso().c_str(), 0755), 0);
+  ASSERT_EQ(::chmod(shut.c_str(), 0000), 0);
+  ASSERT_EQ(::chmod(noSearch.c_str(), 0444), 0);
+  {
+    const WithoutPrivileges scope;
+    EXPECT_THAT(files(folder_.percorso()), ElementsAre(folder_ / "free"));
+    EXPECT_THAT(refusals(), ElementsAre(Pair(noSearch + "/in", 1), Pair(shut, 2)));
+    EXPECT_EQ(walker::treeSize(ambiente_, folder_.percorso()),
+              walker::treeSize(ambiente_, folder_ / "free"));
+    EXPECT_THAT(refusals(), ElementsAre(Pair(noSearch + "/in", 1), Pair(shut, 2)));
+    EXPECT_FALSE(walker::bulkList(ambiente_, shut));
+    EXPECT_FALSE(walker::nameList(ambiente_, shut));
+    EXPECT_FALSE(walker::statNoFollow(ambiente_, shut + "/in"));
+    EXPECT_EQ(walker::nameList(ambiente_, noSearch), std::vector<std::string>{"in"});
+    EXPECT_THAT(refusals(), ElementsAre(Pair(shut, 2), Pair(shut + "/in", 1)));
+  }
+  ASSERT_EQ(::chmod(shut.c_str(), 0755), 0);
+  ASSERT_EQ(::chmod(noSearch.c_str(), 0755), 0);
 }
 
 TEST_F(DirectoryListerTest, MakesDoWithFewDescriptors) {

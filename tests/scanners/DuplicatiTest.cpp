@@ -1,14 +1,18 @@
 #include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
-#include <fmt/format.h>
 #include <fstream>
 #include <functional>
 #include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <iomanip>
 #include <map>
 #include <mutex>
 #include <random>
+#include <set>
+#include <sstream>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -130,7 +134,11 @@ std::string casuale(std::size_t lunghezza, unsigned seme) {
 std::string sha256(const std::string& testo) {
   const auto sha = creaTwinSha256();
   sha->update(0, std::as_bytes(std::span(testo)));
-  return fmt::format("{:02x}", fmt::join(sha->finish(0), ""));
+  std::ostringstream cifre;
+  for (const std::uint8_t byte : sha->finish(0)) {
+    cifre << std::hex << std::setw(2) << std::setfill('0') << int{byte};
+  }
+  return cifre.str();
 }
 
 TEST_F(DuplicatiTest, TellsTheFindingAsAPersonSeesIt) {
@@ -431,6 +439,63 @@ TEST_F(DuplicatiTest, AGreatStopIsQuickInAHugeFile) {
   };
   EXPECT_THROW(gruppi(), ScanCancelled);
   for (const auto& [percorso, letti] : lettore_.letti()) EXPECT_LT(letti, 20 * kMiB) << percorso;
+}
+
+/// The sets of files on disk (by inode) that rmlint finds.
+std::set<std::set<ino_t>> insiemiDiRmlint(const std::string& cartella, const std::string& elenco) {
+  const std::string comando =
+      "rmlint -T df --hidden --no-hardlinked -a sha256 --size 1 -o fdupes:" + elenco + " '" +
+      cartella + "' >/dev/null 2>&1";
+  EXPECT_EQ(std::system(comando.c_str()), 0);
+  std::set<std::set<ino_t>> insiemi;
+  std::set<ino_t> insieme;
+  std::istringstream righe(fakes::leggiFile(elenco) + "\n\n");
+  for (std::string riga; std::getline(righe, riga);) {
+    struct stat stato {};
+    if (::lstat(riga.c_str(), &stato) == 0) insieme.insert(stato.st_ino);
+    if (riga.empty() && !insieme.empty()) insiemi.insert(std::exchange(insieme, {}));
+  }
+  return insiemi;
+}
+
+TEST_F(DuplicatiTest, FindsTheSetsThatRmlintFinds) {
+  if (std::system("rmlint --version >/dev/null 2>&1") != 0) GTEST_SKIP() << "rmlint not installed";
+  std::mt19937 random(11);
+  std::vector<std::string> testi;
+  std::vector<std::string> nomi;
+  for (int i = 0; i < 400; ++i) {
+    const std::string nome = "c" + std::to_string(random() % 9) + "/s" +
+                             std::to_string(random() % 5) + "/" + std::to_string(i);
+    std::filesystem::create_directories(std::filesystem::path(casa_ / nome).parent_path());
+    nomi.push_back(nome);
+    if (!testi.empty() && random() % 10 == 0) {
+      collega(nomi[random() % (nomi.size() - 1)], nome);
+      continue;
+    }
+    if (testi.empty() || random() % 3 == 0) {
+      testi.push_back(casuale(1 + random() % 200'000, static_cast<unsigned>(i)));
+    } else if (random() % 3 == 0) {
+      std::string altro = testi[random() % testi.size()];
+      altro[random() % altro.size()] ^= 1;
+      testi.push_back(altro);
+    }
+    scrivi(nome, testi[random() % testi.size()]);
+  }
+  const fakes::CartellaTemporanea altrove;
+  const auto attesi = insiemiDiRmlint(casa_.percorso(), altrove / "elenco");
+  std::set<std::set<ino_t>> nostri;
+  for (const Group& gruppo : scan().groups) {
+    std::set<ino_t> insieme;
+    for (const std::string& percorso : gruppo.paths) {
+      struct stat stato {};
+      ASSERT_EQ(::lstat(percorso.c_str(), &stato), 0);
+      insieme.insert(stato.st_ino);
+    }
+    EXPECT_EQ(insieme.size(), gruppo.paths.size());
+    nostri.insert(insieme);
+  }
+  EXPECT_GT(nostri.size(), 30U);
+  EXPECT_EQ(nostri, attesi);
 }
 
 }  // namespace
