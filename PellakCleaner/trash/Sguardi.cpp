@@ -1,11 +1,7 @@
 #include "trash/Sguardi.h"
 
-#include <algorithm>
-#include <future>
-#include <system_error>
-#include <thread>
-
 #include "PellakCore/base/BytePath.h"
+#include "PellakCore/base/InShares.h"
 
 namespace pellak::trash {
 namespace {
@@ -31,27 +27,12 @@ Sguardo guardaUno(TrashBatch& batch, DirectoryLister& lister, const std::string&
 std::vector<Sguardo> guarda(TrashCan& can, DirectoryLister& lister, const std::string& home,
                             std::span<const Mossa> mosse) {
   std::vector<Sguardo> sguardi(mosse.size());
-  const auto parte = [&](std::size_t inizio, std::size_t fine) {
+  inShares(mosse.size(), kPerCorsia, kMaxCorsie, [&](std::size_t inizio, std::size_t fine) {
     const auto batch = can.begin();
     for (std::size_t i = inizio; i < fine; ++i) {
       sguardi[i] = guardaUno(*batch, lister, home, mosse[i]);
     }
-  };
-  const std::size_t corsie = std::clamp<std::size_t>(
-      std::min<std::size_t>(mosse.size() / kPerCorsia, std::thread::hardware_concurrency()), 1,
-      kMaxCorsie);
-  const std::size_t quota = mosse.size() / corsie;
-  std::vector<std::future<void>> altre;  // joined when they go, also on the way of an exception
-  std::size_t inizio = 0;
-  try {
-    for (; altre.size() + 1 < corsie; inizio += quota) {
-      altre.push_back(std::async(std::launch::async, parte, inizio, inizio + quota));
-    }
-  } catch (const std::system_error&) {
-    // No more threads to be had: the rest is done here.
-  }
-  parte(inizio, mosse.size());
-  for (std::future<void>& altra : altre) altra.get();
+  });
   return sguardi;
 }
 

@@ -1,10 +1,8 @@
 #include <algorithm>
-#include <future>
 #include <optional>
-#include <system_error>
-#include <thread>
 #include <utility>
 
+#include "PellakCore/base/InShares.h"
 #include "scanners/walker/FolderReader.h"
 #include "scanners/walker/StatRecord.h"
 #include "scanners/walker/Walker.h"
@@ -29,27 +27,6 @@ void describe(const Ambiente& ambiente, const Listing& listing, const PathOf& pe
   }
 }
 
-void describeAll(const Ambiente& ambiente, const Listing& listing, const PathOf& percorso,
-                 std::vector<BulkEntry>& found) {
-  const std::size_t count = found.size();
-  const std::size_t threads = std::clamp<std::size_t>(
-      std::min<std::size_t>(count / kShare, std::thread::hardware_concurrency()), 1, kMaxListings);
-  const std::size_t share = count / threads;
-  std::vector<std::future<void>> others;  // joined when they go, also on the way of an exception
-  std::size_t begin = 0;
-  try {
-    for (; others.size() + 1 < threads; begin += share) {
-      others.push_back(std::async(std::launch::async, [&, begin] {
-        describe(ambiente, listing, percorso, begin, begin + share, found);
-      }));
-    }
-  } catch (const std::system_error&) {
-    // No more threads to be had: the rest is done here.
-  }
-  describe(ambiente, listing, percorso, begin, count, found);
-  for (std::future<void>& other : others) other.get();
-}
-
 }  // namespace
 
 Result<std::vector<BulkEntry>> listFolder(const Ambiente& ambiente, std::string_view percorso) {
@@ -63,7 +40,9 @@ Result<std::vector<BulkEntry>> listFolder(const Ambiente& ambiente, std::string_
   Listing listing;
   if (!readFolder(ambiente, open, path, listing)) return why;
   std::vector<BulkEntry> found(listing.batch.entries.size());
-  describeAll(ambiente, listing, path, found);
+  inShares(found.size(), kShare, kMaxListings, [&](std::size_t begin, std::size_t end) {
+    describe(ambiente, listing, path, begin, end, found);
+  });
   std::erase_if(found, [](const BulkEntry& entry) { return entry.name.empty(); });
   return found;
 }
