@@ -1,4 +1,6 @@
+#include <cerrno>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
@@ -6,12 +8,30 @@
 #include <set>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 #include <vector>
 
 #include "fakes/CartellaTemporanea.h"
 #include "platform/linux/TrashCanLinux.h"
 #include "platform/linux/TrashRecord.h"
+
+namespace {
+
+/// Whether volumes are as those of some servers: without the promise not to replace.
+bool withoutPromise = false;
+
+}  // namespace
+
+/// In place of the system's.
+extern "C" int renameat2(int from, const char* name, int to, const char* next,
+                         unsigned flags) noexcept {
+  if (withoutPromise && flags != 0) {
+    errno = EINVAL;
+    return -1;
+  }
+  return static_cast<int>(::syscall(SYS_renameat2, from, name, to, next, flags));
+}
 
 namespace pellak::native {
 namespace {
@@ -194,6 +214,25 @@ TEST_F(TrashCanLinuxTest, ManyRecordsGoTogether) {
   }
   ASSERT_TRUE(batch_->sync().ok());
   EXPECT_EQ(records(), 0U);
+}
+
+TEST_F(TrashCanLinuxTest, NothingIsReplacedWhereTheVolumePromisesNothing) {
+  withoutPromise = true;
+  const TrashPlan primo = plan(file("a/nota", "prima"));
+  const TrashPlan preso = plan(file("b/nota", "seconda"));
+  ASSERT_NE(primo.nelCestino, preso.nelCestino);
+  EXPECT_TRUE(batch_->move(primo).ok());
+  scriviFile(preso.nelCestino, "di un altro");
+  EXPECT_EQ(batch_->move(preso).error().kind, ErrorKind::exists);
+  EXPECT_EQ(leggiFile(preso.percorso), "seconda");
+  EXPECT_EQ(leggiFile(preso.nelCestino), "di un altro");
+  EXPECT_EQ(batch_->putBack(primo.nelCestino, preso.percorso).error().kind, ErrorKind::exists);
+  EXPECT_EQ(leggiFile(preso.percorso), "seconda");
+  EXPECT_TRUE(batch_->putBack(primo.nelCestino, primo.percorso).ok());
+  EXPECT_EQ(leggiFile(primo.percorso), "prima");
+  EXPECT_TRUE(batch_->sync().ok());
+  EXPECT_EQ(records(), 0U);
+  withoutPromise = false;
 }
 
 /// Batches whose records are made ahead of the moves.
