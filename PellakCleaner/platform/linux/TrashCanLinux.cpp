@@ -14,7 +14,6 @@
 #include <vector>
 
 #include "platform/linux/RecordsAhead.h"
-#include "platform/linux/SyncAhead.h"
 #include "platform/linux/TrashFolder.h"
 #include "platform/linux/TrashRecord.h"
 #include "platform/linux/XdgFolders.h"
@@ -28,7 +27,6 @@ using posix::errnoError;
 
 constexpr std::size_t kNameMax = 255;
 constexpr std::size_t kWorthAThread = 100;
-constexpr std::size_t kMovesPerSync = 2000;
 constexpr std::string_view kVolumeTrash = "/.Trash";
 constexpr std::string_view kFiles = "/files";
 
@@ -108,8 +106,6 @@ class BatchLinux final : public TrashBatch {
     std::unordered_map<std::string, unsigned> contatori;  ///< last number tried for a taken name
     std::vector<std::string> tornate;                     ///< moved out, their records still there
     std::vector<FolderSize> arrivate;
-    std::size_t mosse = 0;
-    SyncAhead anticipo{cestino};
   };
 
   Result<int> folder(std::string_view cartella);
@@ -117,7 +113,6 @@ class BatchLinux final : public TrashBatch {
   Result<Aperto*> homeTrash();
   Result<Aperto*> trashAt(const std::string& nelCestino);
   Aperto* keep(TrashFolder cestino);
-  static void countMove(Aperto& aperto);
   static std::string freeName(Aperto& aperto, const std::string& nome);
   static Result<void> undo(const Aperto& aperto, const std::string& nelCestino, int cartella,
                            const std::string& nome);
@@ -256,13 +251,7 @@ Result<std::string> BatchLinux::move(const TrashPlan& piano) {
     return errnoError(EINVAL);
   }
   if (S_ISDIR(info.st_mode)) (*aperto)->arrivate.push_back({nome, piano.size});
-  countMove(**aperto);
   return piano.nelCestino;
-}
-
-/// Every so many moves the commit of what is done begins while the next ones go on.
-void BatchLinux::countMove(Aperto& aperto) {
-  if (++aperto.mosse % kMovesPerSync == 0) aperto.anticipo.begin();
 }
 
 /// Something else was put at the path between the look and the rename: it goes back.
@@ -317,7 +306,6 @@ Result<void> BatchLinux::sync() {
     if (!tornate.empty() || !aperto->arrivate.empty()) {
       recordDirectorySizes(aperto->cestino, std::exchange(aperto->arrivate, {}));
     }
-    if (auto prima = aperto->anticipo.finish(); !prima) esito = prima;
     if (::syncfs(aperto->cestino.files.get()) != 0) esito = errnoError(errno);
     removeRecords(aperto->cestino, tornate);
   }
