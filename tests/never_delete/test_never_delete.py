@@ -72,6 +72,20 @@ class Controllo(unittest.TestCase):
                 b'unlink(0x7ffe) = -1 EFAULT (Bad address)'):
             self.assertEqual(len(self.lamentele(riga)), 1, riga)
 
+    def test_a_call_that_a_kill_came_before_can_t_be_read(self):
+        uccisa = b"2 +++ killed by SIGKILL +++\n"
+        for righe, lamentele in (
+                (b"2 ???()                = ?\n" + uccisa, 0),
+                (b"2 ???( <unfinished ...>\n2 <... ??? resumed>) = ?\n" + uccisa, 0),
+                (b"2 unlinkat(7, 0x7ffe, 0) = ? <unavailable>\n" + uccisa, 0),
+                (b'2 unlink("/h/a") = ?\n' + uccisa, 1),
+                (b"2 ???() = ?\n3 +++ killed by SIGKILL +++\n2 +++ exited with 0 +++\n", 1),
+                (b"2 ???() = ?\n2 openat(AT_FDCWD</h>, \"a\", O_RDONLY) = ?\n" + uccisa, 1),
+                (b"2 unlinkat(7, 0x7ffe, 0 <unfinished ...>\n2 <... unlinkat resumed>) = 0\n" +
+                 uccisa, 1)):
+            tracciato = Tracciato(righe + self.FINE, Proprio(b"/h"))
+            self.assertEqual(len(tracciato.lamentele), lamentele, righe)
+
     def test_what_is_the_program_s_own_is_not(self):
         for riga in (
                 b'openat(AT_FDCWD</h>, "/h/a", O_RDONLY|O_CLOEXEC) = 5</h/a>',

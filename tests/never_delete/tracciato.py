@@ -3,7 +3,8 @@ have deleted, emptied or overwritten something that is not the program's own.
 
 Allowed everywhere: a rename that can't replace anything, into a Trash or out of one. Everything
 else that removes or writes must be about our own files or the Trash's books. What can't be
-understood is a complaint.
+understood is a complaint, unless the thread was killed while it stood before that call: the tracer
+finds nothing left to read then, and the kernel never makes the call.
 """
 
 import os
@@ -12,7 +13,11 @@ import re
 CHIAMATE = ("open,openat,openat2,creat,truncate,ftruncate,fallocate,unlink,unlinkat,rmdir,rename,"
             "renameat,renameat2,open_by_handle_at,io_uring_setup")
 
-RIGA = re.compile(rb"^\d+ +(?:(\w+)\((.*)|\+\+\+ .*|--- .*|<\.\.\. \w+ resumed>.*)$", re.DOTALL)
+RIGA = re.compile(rb"^\d+ +(?:(\w+)\((.*)|\+\+\+ .*|--- .*|<\.\.\. [\w?]+ resumed>.*)$",
+                  re.DOTALL)
+UCCISA = re.compile(rb"\d+ +\+\+\+ killed by SIGKILL \+\+\+")
+RIPRESA = re.compile(rb"\d+ +<\.\.\. .*")
+SENZA_ESITO = re.compile(rb".*(?:= \?(?: <unavailable>)?|<unfinished \.\.\.>)", re.DOTALL)
 ARGOMENTO = re.compile(
     rb'\s*(?:"((?:[^"\\]|\\.)*)"|(AT_FDCWD|-?\d+)(?:<((?:[^>\\]|\\.)*)>)?|([^,()"<>]*?))'
     rb'\s*(,|\)|<unfinished \.\.\.>)', re.DOTALL)
@@ -123,6 +128,21 @@ def _lamentela(chiamata, proprio):
     return None if nome == b"syncfs" else "can't be judged"
 
 
+def _mai_fatte(righe):
+    """The places of the lines of calls before which their thread was killed."""
+    trovate, uccise = set(), set()
+    for posto in range(len(righe) - 1, -1, -1):
+        riga = righe[posto]
+        filo = riga.partition(b" ")[0]
+        if UCCISA.fullmatch(riga):
+            uccise.add(filo)
+        elif filo in uccise and not (RIPRESA.fullmatch(riga) and SENZA_ESITO.fullmatch(riga)):
+            uccise.remove(filo)
+            if SENZA_ESITO.fullmatch(riga):
+                trovate.add(posto)
+    return trovate
+
+
 class Tracciato:
     """The complaints about one trace, and how much it shows."""
 
@@ -132,10 +152,12 @@ class Tracciato:
         fine = re.search(rb"^%b +\+\+\+ (.*) \+\+\+$" % pid, testo, re.MULTILINE)
         self.finito = fine is not None
         self.ucciso = self.finito and fine.group(1).startswith(b"killed by SIGKILL")
-        for riga in testo.splitlines():
-            self._giudica(riga, proprio)
+        righe = testo.splitlines()
+        mai_fatte = _mai_fatte(righe)
+        for posto, riga in enumerate(righe):
+            self._giudica(riga, proprio, posto in mai_fatte)
 
-    def _giudica(self, riga, proprio):
+    def _giudica(self, riga, proprio, mai_fatta):
         trovata = RIGA.match(riga)
         if trovata and trovata.group(1) is None:
             return
@@ -143,6 +165,8 @@ class Tracciato:
             chiamata = Chiamata(*trovata.groups())
             perche = _lamentela(chiamata, proprio)
         except (AttributeError, ValueError) as errore:
+            if mai_fatta:
+                return
             perche, chiamata = f"can't be understood ({errore})", None
         if perche:
             self.lamentele.append(f"{perche}: {os.fsdecode(riga)}")
