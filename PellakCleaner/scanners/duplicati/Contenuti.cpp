@@ -1,6 +1,7 @@
 #include "scanners/duplicati/Contenuti.h"
 
 #include <algorithm>
+#include <span>
 #include <tuple>
 
 namespace pellak::scanners {
@@ -79,6 +80,19 @@ void tieniUguali(std::vector<Contenuto>& contenuti) {
   });
   toglieSoli(contenuti, uguali);
   contenuti.shrink_to_fit();  // mostly little is left, and the groups need room
+}
+
+void lasciaAltri(std::vector<Candidato>& candidati, std::vector<Contenuto>& contenuti) {
+  std::size_t quanti = 0;
+  for (const Contenuto& contenuto : contenuti) quanti += contenuto.quanti;
+  std::vector<Candidato> tenuti;
+  tenuti.reserve(quanti);
+  for (Contenuto& contenuto : contenuti) {
+    const auto suoi = std::span(candidati).subspan(contenuto.primo, contenuto.quanti);
+    contenuto.primo = static_cast<std::uint32_t>(tenuti.size());
+    tenuti.insert(tenuti.end(), suoi.begin(), suoi.end());
+  }
+  candidati.swap(tenuti);
 }
 
 std::size_t fineUguali(const std::vector<Contenuto>& contenuti, std::size_t da) {

@@ -37,6 +37,9 @@ std::vector<Contenuto> raggruppaPerFile(std::vector<Candidato>& candidati, const
 /// is known of it. The others are sorted: equal ones adjacent, larger ones first.
 void tieniUguali(std::vector<Contenuto>& contenuti);
 
+/// Frees the candidates of files that `tieniUguali` dropped.
+void lasciaAltri(std::vector<Candidato>& candidati, std::vector<Contenuto>& contenuti);
+
 /// Where the run of files equal to the one at `da` ends, in a list as `tieniUguali` leaves it.
 std::size_t fineUguali(const std::vector<Contenuto>& contenuti, std::size_t da);
 

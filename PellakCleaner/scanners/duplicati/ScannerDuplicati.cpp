@@ -129,6 +129,7 @@ Finding scanDuplicati(const ScanContext& ctx, FileReader& reader) {
   Lettura lettura(ctx, reader, testi, candidati);
   lettura.campioni(contenuti);
   tieniUguali(contenuti);
+  lasciaAltri(candidati, contenuti);
   lettura.interi(contenuti);
   tieniUguali(contenuti);
   finding.groups = gruppi(contenuti, candidati, testi);
