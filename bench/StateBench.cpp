@@ -8,9 +8,14 @@
 #include "fakes/CartellaTemporanea.h"
 #include "fakes/FakeApplications.h"
 #include "fakes/FakeClock.h"
+#include "fakes/FakeDesktop.h"
 #include "fakes/FakeFileManager.h"
 #include "fakes/MemoryLister.h"
+#include "fakes/ScriptedLauncher.h"
+#include "platform/FileReader.h"
+#include "platform/Native.h"
 #include "platform/posix/FilesPosix.h"
+#include "trash/OperazioniCestino.h"
 
 namespace pellak {
 namespace {
@@ -67,8 +72,15 @@ struct Banco {
                  tabella(),
                  nullptr,
                  nullptr}};
-  api::Router router{{engine, impostazioni, fileManager, applicazioni, files,
-                      FamigliaStrumenti::linux, home.percorso()}};
+  const std::unique_ptr<Native> native = creaNative();
+  const std::unique_ptr<FileReader> reader = creaFileReader();
+  trash::Cestino cestino{{files, *reader, lister, clock, native->platform().trash, store, nullptr}};
+  trash::OperazioniCestino operazioni{engine, cestino, applicazioni, *reader};
+  fakes::ScriptedLauncher launcher;
+  Comandi comandi{launcher, clock, FamigliaStrumenti::linux};
+  fakes::FakeProbe probe;
+  api::Router router{{engine, impostazioni, fileManager, applicazioni, files, comandi, probe,
+                      FamigliaStrumenti::linux, operazioni, home.percorso()}};
 };
 
 void RepeatedState(benchmark::State& state) {

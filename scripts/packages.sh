@@ -32,6 +32,7 @@ DEBIAN_TEST=(
   dbus
   desktop-file-utils
   dpkg-dev
+  libbenchmark-dev
   libclang-rt-14-dev
   libglib2.0-bin
   libgmock-dev
@@ -45,7 +46,7 @@ DEBIAN_TEST=(
   xvfb
 )
 BREW_RUN=(boost ccache cli11 cmake fmt librsvg ninja node)
-BREW_TEST=(clang-format googletest llvm python shellcheck)
+BREW_TEST=(clang-format google-benchmark googletest llvm python shellcheck)
 
 # install_packages run|test: makes sure that everything of that need is there. Installs only what
 # is missing, and only where no question has to be asked that nobody can answer.

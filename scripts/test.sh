@@ -13,7 +13,7 @@
 #   tsan      the tests under ThreadSanitizer
 #   fuzz      every fuzz target for a few seconds over its kept corpus
 #   debug     the tests in a debug build (only when named)
-#   release   the tests in the build people run
+#   release   the tests in the build people run, and the measuring programs built
 set -euo pipefail
 # shellcheck source=scripts/common.sh
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
@@ -73,7 +73,7 @@ stage_asan() { tested asan; }
 stage_tsan() { tested tsan; }
 stage_fuzz() { tested fuzz; }
 stage_debug() { tested debug -DPELLAK_TESTS=ON; }
-stage_release() { tested release -DPELLAK_TESTS=ON; }
+stage_release() { tested release -DPELLAK_TESTS=ON -DPELLAK_BENCH=ON; }
 
 # on_plain_addresses PRESET COMMAND...: the sanitizers of older compilers can't start where the
 # kernel spreads addresses widely, so theirs are not spread where that can be asked for.
