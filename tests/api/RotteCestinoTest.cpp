@@ -175,31 +175,5 @@ TEST_F(RotteCestinoTest, WhatTheHomeAndTheTrashAreMadeOfIsRefused) {
   EXPECT_FALSE(fs::exists(store.registro()));
 }
 
-TEST_F(RotteCestinoTest, ATrashThatIsALinkIsNotUsed) {
-  fs::create_directories(home / ".local/share");
-  fs::create_directories(home / "altrove");
-  fs::create_symlink(home / "altrove", home / ".local/share/Trash");
-  fakes::scriviFile(home / "dati/a", "x");
-  trova(categoria({home / "dati/a"}));
-  scandisci("duplicati");
-  EXPECT_EQ(chiedi("/api/trash", R"({"id":"duplicates"})").substr(0, 11), "200 {\"ok\":0");
-  EXPECT_TRUE(fs::is_empty(home / "altrove"));
-  EXPECT_EQ(fakes::leggiFile(home / "dati/a"), "x");
-}
-
-TEST_F(RotteCestinoTest, ATornLineIsSkippedAndKept) {
-  fakes::scriviFile(store.registro(),
-                    "{\"id\":\"UNO\",\"azione\":\"A\",\"items\":[]}\n{\"id\":\"DU");
-  fakes::scriviFile(home / "dati/a", "x");
-  trova(categoria({home / "dati/a"}));
-  scandisci("duplicati");
-  chiedi("/api/trash", R"({"id":"duplicates"})");
-  const std::string log = chiedi("/api/log");
-  EXPECT_NE(log.find("Categoria: Prova"), std::string::npos);
-  EXPECT_NE(log.find("UNO"), std::string::npos);
-  EXPECT_NE(fakes::leggiFile(store.registro()).find("\n{\"id\":\"DU\n"), std::string::npos);
-  EXPECT_EQ(chiedi("/api/restore", R"({"op":"DU"})"), R"(404 {"err":"operazione non trovata"})");
-}
-
 }  // namespace
 }  // namespace pellak::api

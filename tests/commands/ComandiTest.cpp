@@ -270,29 +270,6 @@ TEST_F(ComandiRealTest, ShellReadsMuchOfBothStreams) {
   EXPECT_EQ(esito.uscita, std::string(5'000'000, 'o'));
 }
 
-TEST_F(ComandiRealTest, CommandThatIgnoresTermIsKilledAtTheGrace) {
-  FakeClock quick(0.0, 5ms);
-  Comandi soonOver(launcher, quick, FamigliaStrumenti::linux);
-  const EsitoShell esito =
-      soonOver.eseguiShell("trap '' TERM; echo $$; while :; do sleep 0.05; done", false, 20);
-  EXPECT_EQ(esito.errore, limitSentence("0"));
-  const int pid = std::atoi(esito.uscita.c_str());
-  ASSERT_GT(pid, 0);
-  for (int i = 0; i < 500 && std::filesystem::exists("/proc/" + std::to_string(pid)); ++i) {
-    posix::ClockPosix().sleepFor(0.01);
-  }
-  EXPECT_FALSE(std::filesystem::exists("/proc/" + std::to_string(pid)));
-}
-
-TEST_F(ComandiRealTest, ProcessLeftBehindDoesNotHoldTheCaller) {
-  FakeClock quick(0.0, 10ms);
-  Comandi soonOver(launcher, quick, FamigliaStrumenti::linux);
-  const auto begun = std::chrono::steady_clock::now();
-  const EsitoShell esito = soonOver.eseguiShell("sleep 8 & echo fatto", false, 60);
-  EXPECT_TRUE(esito.ok);
-  EXPECT_LT(std::chrono::steady_clock::now() - begun, 7s);
-}
-
 TEST_F(ComandiRealTest, StandInForPkexecRunsTheLineOrRefuses) {
   const auto with = [this](const std::string& script) {
     return Comandi(launcher, clock, FamigliaStrumenti::linux, pkexecThatRuns(script));
