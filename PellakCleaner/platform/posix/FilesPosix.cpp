@@ -218,9 +218,11 @@ std::string FilesPosix::stamp(std::string_view percorso) {
   struct stat info {};
   if (::stat(std::string(percorso).c_str(), &info) != 0) return {};
   std::error_code ignorato;
-  const auto scritto = std::filesystem::last_write_time(percorso, ignorato);
+  const auto scritto = std::filesystem::last_write_time(percorso, ignorato).time_since_epoch();
+  // The library's own count may be wider than any number that can be printed.
+  const auto quando = std::chrono::duration_cast<std::chrono::nanoseconds>(scritto).count();
   return std::to_string(info.st_dev) + ":" + std::to_string(info.st_ino) + ":" +
-         std::to_string(info.st_size) + ":" + std::to_string(scritto.time_since_epoch().count());
+         std::to_string(info.st_size) + ":" + std::to_string(quando);
 }
 
 bool FilesPosix::exists(std::string_view percorso) {
