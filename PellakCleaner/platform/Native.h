@@ -10,6 +10,7 @@
 #include "platform/FileManager.h"
 #include "platform/Files.h"
 #include "platform/LoginEntry.h"
+#include "platform/Mounts.h"
 #include "platform/ProcessLauncher.h"
 #include "platform/SoundPlayer.h"
 #include "platform/SystemProbe.h"
@@ -30,6 +31,7 @@ struct Platform {
   TrashCan& trash;
   SoundPlayer& suono;
   SystemProbe& probe;
+  Mounts& mounts;
 };
 
 /// Owns the back ends. Making one starts nothing, and opens nothing but the standard streams that

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "fakes/CartellaTemporanea.h"
+#include "platform/linux/MountsLinux.h"
 #include "platform/linux/SystemProbeLinux.h"
 
 namespace pellak::native {
@@ -40,6 +41,25 @@ TEST_F(SystemProbeLinuxTest, ReadsCountersOfCoresAndRealInterfaces) {
   EXPECT_EQ(probe.load(), 0.52);
   EXPECT_EQ(probe.memory()->used, 600 * 1024);
   EXPECT_EQ(probe.memory()->total, 1000 * 1024);
+}
+
+TEST_F(SystemProbeLinuxTest, ReadsTheTableOfMounts) {
+  file("mountinfo",
+       "1 0 8:1 / / rw shared:1 - ext4 /dev/sda1 rw\n"
+       "30 1 0:40 / /h/due\\040parole\\134x rw shared:9 master:2 - nfs4 server:/a rw\n"
+       "31 1 0:41 / /h/a rw - autofs systemd-1 rw\n32 31 8:2 /sub /h/a rw - btrfs /dev/sdb rw\n"
+       "33 1 0:42 / /h/c rw - fuse.sshfs x@y: rw\nboh\n34 1 0:43 / /h/d rw -\n");
+  const auto mounts = MountsLinux(root / "mountinfo").list();
+  ASSERT_TRUE(mounts.ok());
+  std::string found;
+  for (const Mount& mount : *mounts) {
+    found += mount.path + "," + mount.type + "," + std::to_string(mount.id) +
+             (mount.remote ? ",remote;" : ";");
+  }
+  EXPECT_EQ(found,
+            "/,ext4,1;/h/due parole\\x,nfs4,30,remote;/h/a,btrfs,32;/h/c,fuse.sshfs,33,remote;");
+  EXPECT_FALSE(MountsLinux(root / "manca").list().ok());
+  EXPECT_EQ(MountsLinux().list()->front().path.front(), '/');
 }
 
 TEST_F(SystemProbeLinuxTest, TakesTheComputersOwnBattery) {

@@ -7,6 +7,7 @@
 #include "platform/linux/AutostartEntry.h"
 #include "platform/linux/DirectoryListerLinux.h"
 #include "platform/linux/FileManagerLinux.h"
+#include "platform/linux/MountsLinux.h"
 #include "platform/linux/SoundPlayerLinux.h"
 #include "platform/linux/SystemProbeLinux.h"
 #include "platform/linux/TrashCanLinux.h"
@@ -23,7 +24,7 @@ class NativeLinux : public Native {
  public:
   Platform platform() override {
     return {files_,        clock_, lister_, launcher_, fileManager_,
-            applicazioni_, trash_, suono_,  probe_};
+            applicazioni_, trash_, suono_,  probe_,    mounts_};
   }
 
   FamigliaStrumenti famiglia() const override { return FamigliaStrumenti::linux; }
@@ -51,6 +52,7 @@ class NativeLinux : public Native {
   native::TrashCanLinux trash_;
   native::SoundPlayerLinux suono_{launcher_};
   native::SystemProbeLinux probe_;
+  native::MountsLinux mounts_;
 };
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "platform/macos/ApplicationsMac.h"
 #include "platform/macos/DirectoryListerMac.h"
 #include "platform/macos/FileManagerMac.h"
+#include "platform/macos/MountsMac.h"
 #include "platform/macos/SoundPlayerMac.h"
 #include "platform/macos/SystemProbeMac.h"
 #include "platform/macos/TrashCanMac.h"
@@ -23,7 +24,7 @@ class NativeMac : public Native {
  public:
   Platform platform() override {
     return {files_,        clock_, lister_, launcher_, fileManager_,
-            applicazioni_, trash_, suono_,  probe_};
+            applicazioni_, trash_, suono_,  probe_,    mounts_};
   }
 
   FamigliaStrumenti famiglia() const override { return FamigliaStrumenti::macos; }
@@ -51,6 +52,7 @@ class NativeMac : public Native {
   native::TrashCanMac trash_;
   native::SoundPlayerMac suono_;
   native::SystemProbeMac probe_;
+  native::MountsMac mounts_;
 };
 
 }  // namespace
