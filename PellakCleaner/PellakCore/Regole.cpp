@@ -22,6 +22,7 @@ RegolaCategoria leggiCategoria(Json voce) {
   regola.section = voce.testo("section");
   regola.folders = voce.testi("folders");
   regola.paths = voce.testi("paths");
+  regola.except = voce.testi("except");
   return regola;
 }
 

@@ -25,6 +25,7 @@ struct RegolaCategoria {
   std::string section;               ///< joins this section after the catalogue's own categories
   std::vector<std::string> folders;  ///< further folders like `childrenOf`
   std::vector<std::string> paths;    ///< files or folders that are candidates themselves
+  std::vector<std::string> except;   ///< names, "*" for any run of bytes, that are no candidates
 };
 
 /// The rules file's "duplicates". The exclusions serve the large and old files too.

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "PellakCore/Config.h"
+#include "PellakCore/base/BytePath.h"
 #include "PellakCore/base/Json.h"
 #include "fakes/FakeClock.h"
 #include "fakes/MemoryLister.h"
@@ -48,6 +49,9 @@ void check(const Finding& finding, const RegolaCategoria& regola) {
   std::set<std::string_view> visti;
   for (std::size_t i = 0; i < finding.items.size(); ++i) {
     const Voce& voce = finding.items[i];
+    for (const std::string& nome : regola.except) {
+      require(nome != "*" && nome != ultimoComponente(voce.path));
+    }
     require(voce.size > 0 && voce.path.front() == '/' && visti.insert(voce.path).second);
     require(i == 0 || finding.items[i - 1].size >= voce.size);
   }
@@ -80,6 +84,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     shorten(regola.folders, kPlaces);
     shorten(regola.paths, kPlaces);
     shorten(regola.glob, kPlaces);
+    shorten(regola.except, kPlaces);
     check(scanners::scanRegola(ctx, regola), regola);
   }
   return 0;

@@ -18,9 +18,10 @@ TEST(RegoleTest, WrongTypesCountAsAbsentAndNothingBecomesDeletable) {
   const Regole regole = lette(R"({"categories": [
       {"id": 1, "name": null, "mode": true, "note": [], "min_age_days": "30",
        "children_of": ["~/a"], "folders": "~/b", "paths": {"p": "~/c"}, "glob": "~/d/*.e",
-       "section": 7},
+       "section": 7, "except": "x"},
       "testo", 3, null, ["lista"],
-      {"glob": ["~/a/*.b", 5, null, ["~/c/*.d"], "~/e/*.f"], "min_age_days": true}]})");
+      {"glob": ["~/a/*.b", 5, null, ["~/c/*.d"], "~/e/*.f"], "min_age_days": true,
+       "except": ["f", 1, "g*"]}]})");
   ASSERT_EQ(regole.categorie.size(), 2U);
   const RegolaCategoria& prima = regole.categorie[0];
   EXPECT_EQ(prima.id + prima.name + prima.note + prima.childrenOf + prima.section, "");
@@ -29,6 +30,8 @@ TEST(RegoleTest, WrongTypesCountAsAbsentAndNothingBecomesDeletable) {
   EXPECT_THAT(prima.folders, IsEmpty());
   EXPECT_THAT(prima.paths, IsEmpty());
   EXPECT_THAT(prima.glob, IsEmpty());
+  EXPECT_THAT(prima.except, IsEmpty());
+  EXPECT_THAT(regole.categorie[1].except, ElementsAre("f", "g*"));
   EXPECT_THAT(regole.categorie[1].glob, ElementsAre("~/a/*.b", "~/e/*.f"));
   EXPECT_EQ(regole.categorie[1].minAgeDays, 0);
 }

@@ -126,6 +126,22 @@ TEST_F(ScannerRegoleTest, EverythingOfAnEntryJoinsInOrderAndOnce) {
               ElementsAre("/casa/anna/b/due.log", "/casa/anna/a/uno.log", "/casa/anna/c"));
 }
 
+TEST_F(ScannerRegoleTest, ExceptedNamesAreLeftAloneWhicheverKeyFindsThem) {
+  for (const char* nome : {"fuzz", "mcp-a", "a-mcp-b", "MCP-x", "aXbXc", "aXb", "b.log"}) {
+    file(std::string("/casa/anna/c/") + nome + "/dato", 1);
+  }
+  RegolaCategoria regola;
+  regola.childrenOf = "~/c";
+  regola.except = {"FUZZ", "mcp-*", "a*x*c", "", "/c", "b.*og*"};
+  EXPECT_THAT(percorsi(regola), UnorderedElementsAre("/casa/anna/c/a-mcp-b", "/casa/anna/c/aXb"));
+  regola.childrenOf.clear();
+  regola.paths = {"~/c/fuzz", "~/c"};
+  regola.glob = {"~/c/*.log"};
+  EXPECT_THAT(percorsi(regola), ElementsAre("/casa/anna/c"));
+  regola.except = {"**"};
+  EXPECT_THAT(percorsi(regola), IsEmpty());
+}
+
 TEST_F(ScannerRegoleTest, TheAgeLimitKeepsWhatLiesExactlyOnIt) {
   file("/casa/anna/c/sul-limite", 1, 30 * kGiorno);
   file("/casa/anna/c/un-secondo-dopo", 1, 30 * kGiorno - 1);

@@ -27,14 +27,46 @@ std::string figlio(const std::string& cartella, std::string_view nome) {
   return percorso;
 }
 
+char minuscola(char lettera) {
+  return lettera >= 'A' && lettera <= 'Z' ? static_cast<char>(lettera + ('a' - 'A')) : lettera;
+}
+
 /// Whether the name, its ASCII letters in lower case, ends with the suffix as written.
 bool finisceCon(std::string_view nome, std::string_view suffisso) {
   if (nome.size() < suffisso.size()) return false;
   const std::string_view coda = nome.substr(nome.size() - suffisso.size());
-  return std::equal(coda.begin(), coda.end(), suffisso.begin(), [](char lettera, char voluta) {
-    const bool maiuscola = lettera >= 'A' && lettera <= 'Z';
-    return (maiuscola ? static_cast<char>(lettera + ('a' - 'A')) : lettera) == voluta;
-  });
+  return std::equal(coda.begin(), coda.end(), suffisso.begin(),
+                    [](char lettera, char voluta) { return minuscola(lettera) == voluta; });
+}
+
+/// Whether the whole name matches the pattern, in which "*" stands for any run of bytes. ASCII
+/// letters match in either case: what is to be kept back must not slip through by its spelling.
+bool corrisponde(std::string_view nome, std::string_view modello) {
+  std::size_t n = 0;
+  std::size_t m = 0;
+  std::size_t ripresa = std::string_view::npos;  // after the last "*" met
+  std::size_t coperti = 0;                       // where the name goes on after what it took
+  while (n < nome.size()) {
+    if (m < modello.size() && modello[m] == '*') {
+      ripresa = ++m;
+      coperti = n;
+    } else if (m < modello.size() && minuscola(nome[n]) == minuscola(modello[m])) {
+      ++n;
+      ++m;
+    } else if (ripresa != std::string_view::npos) {
+      m = ripresa;
+      n = ++coperti;
+    } else {
+      return false;
+    }
+  }
+  return modello.find_first_not_of('*', m) == std::string_view::npos;
+}
+
+bool esclusa(const RegolaCategoria& regola, std::string_view percorso) {
+  const std::string_view nome = ultimoComponente(percorso);
+  return std::any_of(regola.except.begin(), regola.except.end(),
+                     [&](const std::string& modello) { return corrisponde(nome, modello); });
 }
 
 /// The paths an entry names, in the order of the rules, some perhaps twice.
@@ -96,15 +128,15 @@ struct Tenuti {
   std::vector<double> mtime;
 };
 
-Tenuti filtra(const walker::Ambiente& ambiente, const ScanContext& ctx, double minAgeDays,
-              const std::vector<std::string>& candidati) {
-  const bool conEta = minAgeDays > 0;
-  const double limite = ctx.clock.now() - minAgeDays * kSecondsPerDay;
+Tenuti filtra(const walker::Ambiente& ambiente, const ScanContext& ctx,
+              const RegolaCategoria& regola, const std::vector<std::string>& candidati) {
+  const bool conEta = regola.minAgeDays > 0;
+  const double limite = ctx.clock.now() - regola.minAgeDays * kSecondsPerDay;
   std::unordered_set<std::string_view> visti;
   Tenuti tenuti;
   for (const std::string& candidato : candidati) {
     if (ctx.stop && ctx.stop()) throw ScanCancelled();
-    if (!visti.insert(candidato).second) continue;
+    if (!visti.insert(candidato).second || esclusa(regola, candidato)) continue;
     const auto stato = walker::statNoFollow(ambiente, candidato);
     if (!stato) continue;
     const auto mtime = static_cast<double>(stato->st_mtime);
@@ -138,8 +170,7 @@ Finding scanRegola(const ScanContext& ctx, const RegolaCategoria& regola) {
   const walker::Ambiente ambiente{
       ctx.lister, [&ctx](std::string_view percorso) { ctx.contatore.add(percorso); }};
   const Raccolta raccolta = raccogli(ambiente, ctx.home, regola);
-  finding.items =
-      misura(ambiente, ctx, filtra(ambiente, ctx, regola.minAgeDays, raccolta.trovati()));
+  finding.items = misura(ambiente, ctx, filtra(ambiente, ctx, regola, raccolta.trovati()));
   return finding;
 }
 

@@ -9,7 +9,8 @@ namespace pellak::scanners {
 /// rules).
 ///
 /// Candidates are the children of `childrenOf`, of `folders`, then `paths`, then what `glob`
-/// matches; one that several of them name counts once. Symbolic links are neither listed nor
+/// matches, without those whose name `except` matches; one that several of them name counts once.
+/// Symbolic links are neither listed nor
 /// entered, and a folder that is one contributes nothing. What takes no room is left out. A
 /// place that does not begin with "/" once "~" is expanded is ignored.
 ///
