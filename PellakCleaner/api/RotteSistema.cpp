@@ -24,6 +24,7 @@ Risposta perms(Servizi& servizi, Json) {
   uscita.key("fda_denied").boolean(std::any_of(luoghi.begin(), luoghi.end(), [](const auto& luogo) {
     return luogo.negato;
   }));
+  uscita.key("sistema").text(servizi.famiglia == FamigliaStrumenti::macos ? "macos" : "linux");
   uscita.key("casa").text(servizi.home);
   if (const auto disco = servizi.probe.disk(servizi.home)) {
     uscita.key("disco").beginObject();

@@ -100,6 +100,7 @@ class Finestra {
             desktop_.host(),
             desktop_.keepAwake(),
             platform.probe,
+            applicazione_.famiglia(),
             applicazione_.home(),
             applicazione_.risorse(),
             kVersione,

@@ -35,7 +35,8 @@ AppDelegate::AppDelegate(AmbienteShell ambiente)
       host_(ambiente_.host),
       pagina_(host_),
       letture_(ambiente_.probe, ambiente_.clock, ambiente_.home),
-      sveglio_(ambiente_.keepAwake, host_, ambiente_.clock, [this] { mostraMenu(); }) {
+      sveglio_(ambiente_.keepAwake, host_, ambiente_.clock, testiSistema(ambiente_.famiglia),
+               [this] { mostraMenu(); }) {
   bridge_.emplace(ambiente_.router, pagina_, [this](const std::string& testo) { parola(testo); });
 }
 
@@ -215,7 +216,7 @@ void AppDelegate::menuChosen(MenuAction azione) {
 
 void AppDelegate::showAbout() {
   host_.showAbout({kNome, "Versione " + ambiente_.versione,
-                   "Pulizia onesta per macOS:\ntutto nel Cestino, sempre reversibile.",
+                   testiSistema(ambiente_.famiglia).informazioni,
                    ambiente_.risorse + "/engine/logo-dog-trasparente.png",
                    std::string("mailto:") + kSupporto + "?subject=" + "Pellak%20Cleaner%20" +
                        ambiente_.versione});

@@ -16,6 +16,7 @@
 #include "platform/Files.h"
 #include "platform/KeepAwake.h"
 #include "platform/SystemProbe.h"
+#include "platform/ToolFamily.h"
 #include "shell/Bridge.h"
 #include "shell/LettureSistema.h"
 #include "shell/PaginaWeb.h"
@@ -33,6 +34,7 @@ struct AmbienteShell {
   DesktopHost& host;
   KeepAwake& keepAwake;
   SystemProbe& probe;
+  FamigliaStrumenti famiglia;
   std::string home;
   std::string risorse;  ///< the resource folder, which holds "engine"
   std::string versione;

@@ -7,14 +7,17 @@
 namespace pellak::shell {
 namespace {
 
-constexpr const char* kMotivo = "Pellak Cleaner: tieni sveglio il Mac";
 constexpr double kMinuto = 60;
 
 }  // namespace
 
-Sveglio::Sveglio(KeepAwake& sistema, MainLoop& loop, const Clock& clock,
+Sveglio::Sveglio(KeepAwake& sistema, MainLoop& loop, const Clock& clock, const TestiSistema& testi,
                  std::function<void()> cambiato)
-    : sistema_(sistema), loop_(loop), clock_(clock), cambiato_(std::move(cambiato)) {}
+    : sistema_(sistema),
+      loop_(loop),
+      clock_(clock),
+      testi_(testi),
+      cambiato_(std::move(cambiato)) {}
 
 Sveglio::~Sveglio() {
   if (sveglioTimer_) loop_.cancel(*sveglioTimer_);
@@ -23,7 +26,7 @@ Sveglio::~Sveglio() {
 
 void Sveglio::avvia(std::optional<double> durata) {
   ferma();
-  sveglioID_ = sistema_.acquire(kMotivo);
+  sveglioID_ = sistema_.acquire(testi_.motivoSveglio);
   if (!sveglioID_) return;
   if (durata) {
     sveglioScade_ = clock_.now() + *durata;
@@ -43,7 +46,7 @@ void Sveglio::ferma() {
 }
 
 TitoloSveglio Sveglio::titolo() const {
-  if (!attivo()) return {"Tieni sveglio il Mac", false};
+  if (!attivo()) return {testi_.tieniSveglio, false};
   if (!sveglioScade_) return {"Tieni sveglio: attivo", true};
   const double minuti = std::max(1.0, (*sveglioScade_ - clock_.now()) / kMinuto);
   return {"Tieni sveglio: attivo — " + std::to_string(std::lround(minuti)) + " min rimasti", true};

@@ -8,6 +8,7 @@
 #include "platform/Clock.h"
 #include "platform/KeepAwake.h"
 #include "platform/MainLoop.h"
+#include "shell/TestiSistema.h"
 
 namespace pellak::shell {
 
@@ -27,7 +28,8 @@ class Sveglio {
   static constexpr double kDueOre = 7200;
 
   /// `cambiato` is told after every change. All outlive this object.
-  Sveglio(KeepAwake& sistema, MainLoop& loop, const Clock& clock, std::function<void()> cambiato);
+  Sveglio(KeepAwake& sistema, MainLoop& loop, const Clock& clock, const TestiSistema& testi,
+          std::function<void()> cambiato);
   ~Sveglio();
   Sveglio(const Sveglio&) = delete;
   Sveglio& operator=(const Sveglio&) = delete;
@@ -45,6 +47,7 @@ class Sveglio {
   KeepAwake& sistema_;
   MainLoop& loop_;
   const Clock& clock_;
+  const TestiSistema testi_;
   const std::function<void()> cambiato_;
   std::optional<std::uint32_t> sveglioID_;
   std::optional<double> sveglioScade_;  ///< seconds since 1970

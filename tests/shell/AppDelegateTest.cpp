@@ -15,8 +15,8 @@ class AppDelegateTest : public api::Richieste {
     if (!app_) {
       router_ = std::make_unique<api::Router>(router());
       app_ = std::make_unique<AppDelegate>(AmbienteShell{
-          motore(), impostazioni, *router_, files, clock, host, keepAwake, probe, home.percorso(),
-          "/risorse", "1.2", [this] { return pagina; },
+          motore(), impostazioni, *router_, files, clock, host, keepAwake, probe,
+          FamigliaStrumenti::linux, home.percorso(), "/risorse", "1.2", [this] { return pagina; },
           [this] {
             ++riavvii;
             return riavviabile;
@@ -166,13 +166,13 @@ TEST_F(AppDelegateTest, DialogsOfThePageAreAnsweredByTheFirstButton) {
 
 TEST_F(AppDelegateTest, TheMenuFollowsKeepAwakeAndSettings) {
   avviata();
-  EXPECT_EQ(sveglio(host.statusMenu).titolo, "Tieni sveglio il Mac");
+  EXPECT_EQ(sveglio(host.statusMenu).titolo, "Tieni sveglio il computer");
   EXPECT_EQ(sveglio(host.statusMenu).sotto.at(2).titolo, "Finché non lo spengo io");
   app().menuChosen(MenuAction::awakeTwoHours);
   EXPECT_EQ(sveglio(host.statusMenu).titolo, "Tieni sveglio: attivo — 120 min rimasti");
   EXPECT_TRUE(sveglio(host.statusMenu).spunta);
   host.pass(7200);
-  EXPECT_EQ(sveglio(host.statusMenu).titolo, "Tieni sveglio il Mac");
+  EXPECT_EQ(sveglio(host.statusMenu).titolo, "Tieni sveglio il computer");
   EXPECT_TRUE(keepAwake.held.empty());
 
   const auto titoli = [&] {

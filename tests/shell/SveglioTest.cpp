@@ -14,7 +14,8 @@ class SveglioTest : public testing::Test {
   fakes::FakeDesktop loop{clock};
   fakes::FakeKeepAwake sistema;
   int cambi = 0;
-  Sveglio sveglio{sistema, loop, clock, [this] { ++cambi; }};
+  Sveglio sveglio{sistema, loop, clock, testiSistema(FamigliaStrumenti::macos),
+                  [this] { ++cambi; }};
 };
 
 TEST_F(SveglioTest, CountsDownAndEndsByItself) {
@@ -63,7 +64,7 @@ TEST(SveglioEnd, GivesTheRequestBack) {
   fakes::FakeDesktop loop(clock);
   fakes::FakeKeepAwake sistema;
   {
-    Sveglio sveglio(sistema, loop, clock, [] {});
+    Sveglio sveglio(sistema, loop, clock, testiSistema(FamigliaStrumenti::linux), [] {});
     sveglio.avvia(Sveglio::kMezzOra);
   }
   EXPECT_TRUE(sistema.held.empty() && loop.timers.empty());

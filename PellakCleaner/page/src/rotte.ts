@@ -121,6 +121,7 @@ export interface VoceMappa {
 export interface RispostaPermessi {
   luoghi: { nome: string; percorso: string; leggibile: boolean; fda_denied: boolean }[];
   fda_denied: boolean;
+  sistema?: "macos" | "linux";
   /** The home folder, and the room on its volume where the system tells it. */
   casa?: string;
   disco?: Disco;

@@ -13,6 +13,8 @@ export const vista = signal("panoramica");
 export const permessi = signal<RispostaPermessi | null>(null);
 /** Nothing where the system does not tell. */
 export const disco = computed(() => permessi.value?.disco ?? null);
+/** Whose words the texts use; the native side tells. */
+export const suMac = computed(() => permessi.value?.sistema === "macos");
 export const impostazioni = signal<Impostazioni | null>(null);
 export const limiti = signal<Record<string, [number, number]>>({});
 /** The home folder; empty until a reply has told it. */

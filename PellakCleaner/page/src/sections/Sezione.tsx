@@ -14,6 +14,7 @@ import type { Finding, Sezione as DatiSezione } from "../rotte";
 import { cercaSezione, occupato, pronto, statoMostrato } from "../store";
 import { quando } from "../testo";
 import { Negati } from "./Negati";
+import { descrizione } from "./descrizioni";
 import { SchedaAvvio } from "./SchedaAvvio";
 import { SchedaDuplicati } from "./SchedaDuplicati";
 import { SchedaGruppi } from "./SchedaGruppi";
@@ -70,7 +71,7 @@ export function Sezione({ id }: { id: string }) {
       }
     >
       <p class="descrizione">
-        {sezione.desc}
+        {descrizione(sezione)}
         {sezione.last_scan > 0 && (
           <span class="descrizione-quando">Ultima scansione: {quando(sezione.last_scan)}.</span>
         )}

@@ -8,7 +8,7 @@ import { Vista } from "../components/Vista";
 import { conferma } from "../dialogo";
 import { caricaPermessi } from "../permessi";
 import type { RispostaPermessi } from "../rotte";
-import { permessi } from "../store";
+import { permessi, suMac } from "../store";
 import { mostrabile } from "../testo";
 import type { Vista as DatiVista } from "../vista";
 
@@ -19,8 +19,6 @@ export const permessiVista: DatiVista = {
   Icona: ShieldCheck,
   Contenuto: Permessi,
 };
-
-const suMac = /Mac/.test(navigator.userAgent);
 
 async function apriImpostazioniDiSistema(): Promise<void> {
   if (await chiedi(api("/api/perms/fda"), "Impostazioni di sistema")) invia("fdaPending");
@@ -85,7 +83,7 @@ function Luoghi({ dati }: { dati: RispostaPermessi }) {
 }
 
 function Rimedio() {
-  if (!suMac) {
+  if (!suMac.value) {
     return (
       <section class="scheda testo">
         <h2>Che cosa fare</h2>
