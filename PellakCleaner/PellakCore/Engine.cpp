@@ -279,6 +279,20 @@ bool Engine::modificaFinding(std::string_view id, const std::function<void(Findi
   return false;
 }
 
+void Engine::togli(std::string_view finding, const std::unordered_set<std::string_view>& via) {
+  {
+    const MutexLock hold(lock_);
+    const bool scansione = std::any_of(state_.begin(), state_.end(),
+                                       [](const auto& voce) { return voce.second.scanning; });
+    for (const std::string_view percorso : via) {
+      if (scansione) spariti_.aggiungi(percorso);
+    }
+  }
+  modificaFinding(finding, [&](Finding& voce) {
+    pellak::togli(voce, [&](std::string_view percorso) { return via.contains(percorso); });
+  });
+}
+
 std::string Engine::icona(std::string_view chiave) {
   const bool nuova = icone_.nota(chiave).empty();
   std::string url = icone_.icona(chiave);

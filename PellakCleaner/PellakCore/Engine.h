@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "PellakCore/IconCache.h"
@@ -19,6 +20,7 @@
 #include "PellakCore/Risultati.h"
 #include "PellakCore/ScanContext.h"
 #include "PellakCore/Snapshot.h"
+#include "PellakCore/Spariti.h"
 #include "PellakCore/StatoTesto.h"
 #include "PellakCore/Store.h"
 #include "PellakCore/base/BackgroundPool.h"
@@ -133,6 +135,10 @@ class Engine {
   /// there is no such finding. `modifica` must not call the engine.
   bool modificaFinding(std::string_view id, const std::function<void(Finding&)>& modifica);
 
+  /// Takes entries that are gone out of a finding. While a section is being scanned they are kept
+  /// in mind: what that scan found before they went is not published.
+  void togli(std::string_view finding, const std::unordered_set<std::string_view>& via);
+
   /// The icon of an application as a data URL; empty when there is none.
   std::string icona(std::string_view chiave);
 
@@ -185,6 +191,8 @@ class Engine {
   std::atomic<bool> risultatiGuasti_{false};
   Mutex lock_;
   Sezioni state_ PELLAK_GUARDED_BY(lock_);
+  /// What went while the section that is being scanned was.
+  Spariti spariti_ PELLAK_GUARDED_BY(lock_);
   std::deque<std::string> queue_ PELLAK_GUARDED_BY(lock_);
   bool autoPending_ PELLAK_GUARDED_BY(lock_) = false;
   std::int64_t stateVer_ PELLAK_GUARDED_BY(lock_) = 1;

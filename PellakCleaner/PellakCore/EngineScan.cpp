@@ -31,6 +31,7 @@ bool Engine::prossimaSezione(std::string& id) {
   queue_.pop_front();
   Sec& sezione = state_.find(id)->second;
   sezione.scanning = true;
+  spariti_.svuota();
   sezione.esito = std::move(sezione.status);
   sezione.status = "Scansione in corso...";
   touchLocked();
@@ -130,6 +131,7 @@ void Engine::tieniVecchi(const Meta& meta, const std::function<bool(const Findin
 void Engine::pubblica(const std::string& id, Esito esito, const Contatore& contatore) {
   const MutexLock hold(lock_);
   Sec& sezione = state_.find(id)->second;
+  for (Finding& finding : esito.findings) pellak::togli(finding, spariti_);
   sezione.findings = std::move(esito.findings);
   ++sezione.findingsVer;
   sezione.scanned = true;

@@ -12,6 +12,52 @@ namespace {
 
 using trash::Esito;
 
+/// Reads the keys of a request that moves something. Elsewhere a value of another type counts as
+/// absent; here that would move more than was meant, so it spoils the request. Numbers need no
+/// care: -1 names no group and no item.
+class Severo {
+ public:
+  explicit Severo(Json corpo) : corpo_(corpo) {}
+
+  std::string testo(std::string_view chiave, std::string_view altrimenti = {}) {
+    const Json valore = corpo_[chiave];
+    if (!valore.presente()) return std::string(altrimenti);
+    auto testo = valore.testo();
+    valida_ = valida_ && testo.has_value();
+    return testo.value_or(std::string());
+  }
+
+  bool booleano(std::string_view chiave) {
+    const Json valore = corpo_[chiave];
+    valida_ = valida_ && (!valore.presente() || valore.booleano().has_value());
+    return valore.booleano().value_or(false);
+  }
+
+  /// Nothing when the key is absent.
+  std::optional<std::vector<std::string>> testi(std::string_view chiave) {
+    const Json valore = corpo_[chiave];
+    if (!valore.presente()) return {};
+    auto testi = corpo_.testi(chiave);
+    valida_ = valida_ && valore.lista() && testi.size() == valore.quanti();
+    return testi;
+  }
+
+  bool valida() const { return valida_; }
+
+ private:
+  const Json corpo_;
+  bool valida_ = true;
+};
+
+Risposta nonValida() { return errore("richiesta non valida", 400); }
+
+std::optional<trash::SceltaCopia> leggiScelta(Json corpo) {
+  Severo richiesta(corpo);
+  trash::SceltaCopia scelta{corpo.intero("group", -1), richiesta.testo("first"),
+                            richiesta.testo("keep")};
+  return richiesta.valida() ? std::optional(std::move(scelta)) : std::nullopt;
+}
+
 Risposta rifiutata(const Esito& esito) {
   JsonWriter uscita;
   uscita.beginObject().key("err").text(esito.err);
@@ -59,37 +105,60 @@ void scriviOperazione(JsonWriter& uscita, const trash::Operazione& operazione) {
 }  // namespace
 
 Risposta trash(Servizi& servizi, Json corpo) {
-  std::optional<std::vector<std::string>> solo;
-  if (corpo.contiene("items")) solo = corpo.testi("items");
-  return spostata(servizi.cestino.trash(corpo.testo("id"), solo));
+  Severo richiesta(corpo);
+  const std::string id = richiesta.testo("id");
+  const auto solo = richiesta.testi("items");
+  if (!richiesta.valida()) return nonValida();
+  return spostata(servizi.cestino.trash(id, solo));
 }
 
 Risposta trashGroup(Servizi& servizi, Json corpo) {
-  return spostata(servizi.cestino.trashGroup(corpo.testo("id"), corpo.intero("group", -1),
-                                             corpo.testo("first"),
-                                             corpo.booleano("chiudiPrima", false)));
+  Severo richiesta(corpo);
+  const std::string id = richiesta.testo("id");
+  const std::string first = richiesta.testo("first");
+  const bool chiudi = richiesta.booleano("chiudiPrima");
+  if (!richiesta.valida()) return nonValida();
+  return spostata(servizi.cestino.trashGroup(id, corpo.intero("group", -1), first, chiudi));
 }
 
 Risposta trashSel(Servizi& servizi, Json corpo) {
+  Severo richiesta(corpo);
+  const std::string id = richiesta.testo("id");
+  const auto firsts = richiesta.testi("firsts");
+  const bool chiudi = richiesta.booleano("chiudiPrima");
+  if (!richiesta.valida()) return nonValida();
   std::vector<std::int64_t> gruppi;
   corpo["groups"].perOgni([&](Json voce) { gruppi.push_back(voce.intero().value_or(-1)); });
-  return spostata(servizi.cestino.trashSel(corpo.testo("id"), std::move(gruppi),
-                                           corpo.booleano("chiudiPrima", false)),
-                  true);
+  return spostata(servizi.cestino.trashSel(id, gruppi, firsts, chiudi), true);
 }
 
 Risposta keep(Servizi& servizi, Json corpo) {
-  return spostata(
-      servizi.cestino.keep(corpo.intero("group", -1), corpo.testo("keep"), corpo.testo("first")));
+  const auto scelta = leggiScelta(corpo);
+  return scelta ? spostata(servizi.cestino.keep(*scelta)) : nonValida();
 }
 
-Risposta keepAll(Servizi& servizi, Json /*corpo*/) {
-  return spostata(servizi.cestino.keepAll(), true, true);
+Risposta keepAll(Servizi& servizi, Json corpo) {
+  std::optional<std::vector<trash::SceltaCopia>> scelte;
+  if (const Json lista = corpo["scelte"]; lista.presente()) {
+    scelte.emplace();
+    bool valide = lista.lista();
+    lista.perOgni([&](Json voce) {
+      auto scelta = voce.oggetto() ? leggiScelta(voce) : std::nullopt;
+      valide = valide && scelta.has_value();
+      if (scelta) scelte->push_back(std::move(*scelta));
+    });
+    if (!valide) return nonValida();
+  }
+  return spostata(servizi.cestino.keepAll(scelte), true, true);
 }
 
 Risposta dupScarta(Servizi& servizi, Json corpo) {
-  return spostata(servizi.cestino.dupScarta(corpo.testo("id", "duplicates"),
-                                            corpo.intero("group", -1), corpo.testi("paths")));
+  Severo richiesta(corpo);
+  const std::string id = richiesta.testo("id", "duplicates");
+  const auto percorsi = richiesta.testi("paths");
+  if (!richiesta.valida()) return nonValida();
+  return spostata(servizi.cestino.dupScarta(id, corpo.intero("group", -1),
+                                            percorsi.value_or(std::vector<std::string>())));
 }
 
 Risposta restore(Servizi& servizi, Json corpo) {

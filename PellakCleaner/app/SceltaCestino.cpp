@@ -6,11 +6,15 @@
 #include <utility>
 
 #include "PellakCore/base/JsonWriter.h"
+#include "trash/Gruppi.h"
 
 namespace pellak::app {
 namespace {
 
 using Indici = std::vector<std::int64_t>;
+
+/// A request must stay within what the router's reader takes.
+constexpr std::int64_t kGruppiPerRichiesta = 20'000;
 
 const Group& gruppoDi(const Finding& finding, std::int64_t indice) {
   return finding.groups[static_cast<std::size_t>(indice)];
@@ -22,31 +26,18 @@ std::vector<std::string> tranne(const Group& gruppo, std::size_t tenuta) {
   return altre;
 }
 
-/// The copy that the request keeps; nothing when it is going to refuse the group.
-std::optional<std::size_t> tenuta(const Group& gruppo, bool nominato, const trash::Copie& copie) {
+/// What goes of a set when one copy stays. Returns the path of that copy; empty when none may be
+/// relied on: the request is going to refuse the set.
+std::string aggiungiCopie(SceltaCestino& scelta, const Group& gruppo, const trash::Copie& copie) {
   for (std::size_t copia = 0; copia < gruppo.paths.size(); ++copia) {
-    const bool resta = nominato
-                           ? copie.esiste(gruppo.paths[copia])
-                           : copie.conservabile(gruppo, copia, tranne(gruppo, copia)).has_value();
-    if (resta) return copia;
+    std::vector<std::string> altre = tranne(gruppo, copia);
+    if (!copie.conservabile(gruppo, copia, altre)) continue;
+    for (std::string& via : altre) {
+      if (copie.esiste(via)) scelta.voci.push_back({std::move(via), gruppo.size});
+    }
+    return gruppo.paths[copia];
   }
   return {};
-}
-
-void aggiungiCopie(SceltaCestino& scelta, const Group& gruppo, bool nominato,
-                   const trash::Copie& copie) {
-  const auto resta = tenuta(gruppo, nominato, copie);
-  if (!resta) return;
-  for (std::string& via : tranne(gruppo, *resta)) {
-    if (copie.esiste(via)) scelta.voci.push_back({std::move(via), gruppo.size});
-  }
-}
-
-void aggiungiTutti(SceltaCestino& scelta, const Group& gruppo) {
-  for (std::size_t i = 0; i < gruppo.paths.size(); ++i) {
-    const std::int64_t intero = gruppo.pesi.empty() && i == 0 ? gruppo.size : 0;
-    scelta.voci.push_back({gruppo.paths[i], i < gruppo.pesi.size() ? gruppo.pesi[i] : intero});
-  }
 }
 
 std::string primo(const Finding& finding, std::int64_t indice) {
@@ -55,11 +46,19 @@ std::string primo(const Finding& finding, std::int64_t indice) {
   return gruppoDi(finding, indice).paths.front();
 }
 
-/// A request for one group, which names the group's first path as it is here.
-RichiestaCestino perGruppo(const char* rotta, const Finding& finding, std::int64_t indice) {
+/// What names a group, with its first path as it is here, and in a duplicate set the copy to keep.
+void scriviGruppo(JsonWriter& corpo, const Finding& finding, std::int64_t indice,
+                  const std::string& keep = {}) {
+  corpo.key("group").integer(indice).key("first").text(primo(finding, indice));
+  if (!keep.empty()) corpo.key("keep").text(keep);
+}
+
+RichiestaCestino perGruppo(const char* rotta, const Finding& finding, std::int64_t indice,
+                           const std::string& keep = {}) {
   JsonWriter corpo;
-  corpo.beginObject().key("id").text(finding.id).key("group").integer(indice);
-  corpo.key("first").text(primo(finding, indice)).endObject();
+  corpo.beginObject().key("id").text(finding.id);
+  scriviGruppo(corpo, finding, indice, keep);
+  corpo.endObject();
   return {rotta, corpo.take(), {}};
 }
 
@@ -67,37 +66,59 @@ RichiestaCestino perGruppi(const Finding& finding, const Indici& gruppi) {
   JsonWriter corpo;
   corpo.beginObject().key("id").text(finding.id).key("groups").beginArray();
   for (const std::int64_t indice : gruppi) corpo.integer(indice);
+  corpo.endArray().key("firsts").beginArray();
+  for (const std::int64_t indice : gruppi) corpo.text(primo(finding, indice));
   corpo.endArray().endObject();
   return {"/api/trash_sel", corpo.take(), {}};
 }
 
-SceltaCestino interaCategoria(const Finding& finding, const trash::Copie& copie) {
+/// Every set with the copy that is going to be shown as kept; the last sets first: one that has
+/// gone moves those behind it.
+SceltaCestino tuttiIDuplicati(const Finding& finding, const trash::Copie& copie) {
   SceltaCestino scelta;
-  if (finding.duplicati()) {
-    scelta.richieste.push_back({"/api/keep_all", "{}", {}});
-    scelta.rifiutata = finding.groups.empty();
-    for (const Group& gruppo : finding.groups) aggiungiCopie(scelta, gruppo, false, copie);
-    return scelta;
+  const auto quanti = static_cast<std::int64_t>(finding.groups.size());
+  scelta.rifiutata = quanti == 0;
+  std::vector<std::string> tenute;
+  for (const Group& gruppo : finding.groups) {
+    tenute.push_back(aggiungiCopie(scelta, gruppo, copie));
   }
+  std::int64_t fine = quanti;
+  do {
+    const std::int64_t inizio = std::max<std::int64_t>(fine - kGruppiPerRichiesta, 0);
+    JsonWriter corpo;
+    corpo.beginObject().key("scelte").beginArray();
+    for (std::int64_t indice = inizio; indice < fine; ++indice) {
+      corpo.beginObject();
+      scriviGruppo(corpo, finding, indice, tenute[static_cast<std::size_t>(indice)]);
+      corpo.endObject();
+    }
+    corpo.endArray().endObject();
+    scelta.richieste.push_back({"/api/keep_all", corpo.take(), {}});
+    fine = inizio;
+  } while (fine > 0);
+  return scelta;
+}
+
+SceltaCestino interaCategoria(const Finding& finding, const trash::Copie& copie) {
+  if (finding.duplicati()) return tuttiIDuplicati(finding, copie);
+  SceltaCestino scelta;
   JsonWriter corpo;
   corpo.beginObject().key("id").text(finding.id).endObject();
   scelta.richieste.push_back({"/api/trash", corpo.take(), {}});
-  scelta.rifiutata = finding.mode != "delete" || finding.items.empty();
+  scelta.rifiutata = !trash::cestinabile(finding) || finding.items.empty();
   for (const Voce& voce : finding.items) scelta.voci.push_back({voce.path, voce.size});
   return scelta;
 }
 
-/// The last groups first: a group that has gone moves those behind it.
 SceltaCestino gruppiDiDuplicati(const Finding& finding, const Indici& gruppi,
                                 const trash::Copie& copie) {
   SceltaCestino scelta;
   for (const std::int64_t indice : gruppi) {
-    aggiungiCopie(scelta, gruppoDi(finding, indice), true, copie);
+    const std::string keep = aggiungiCopie(scelta, gruppoDi(finding, indice), copie);
+    scelta.richieste.push_back(perGruppo("/api/keep", finding, indice, keep));
+    if (gruppi.size() > 1) scelta.richieste.back().nome = "gruppo " + std::to_string(indice);
   }
-  for (auto indice = gruppi.rbegin(); indice != gruppi.rend(); ++indice) {
-    scelta.richieste.push_back(perGruppo("/api/keep", finding, *indice));
-    if (gruppi.size() > 1) scelta.richieste.back().nome = "gruppo " + std::to_string(*indice);
-  }
+  std::reverse(scelta.richieste.begin(), scelta.richieste.end());
   return scelta;
 }
 
@@ -107,7 +128,8 @@ SceltaCestino scegliPerCestino(const Finding& finding, Indici gruppi, const tras
   if (gruppi.empty()) return interaCategoria(finding, copie);
   std::sort(gruppi.begin(), gruppi.end());
   gruppi.erase(std::unique(gruppi.begin(), gruppi.end()), gruppi.end());
-  if (gruppi.back() >= static_cast<std::int64_t>(finding.groups.size())) {
+  const bool inesistente = gruppi.back() >= static_cast<std::int64_t>(finding.groups.size());
+  if (inesistente || !trash::cestinabile(finding)) {
     SceltaCestino scelta;
     const char* rotta = finding.duplicati() ? "/api/keep" : "/api/trash_group";
     scelta.richieste.push_back(perGruppo(rotta, finding, gruppi.back()));
@@ -116,7 +138,9 @@ SceltaCestino scegliPerCestino(const Finding& finding, Indici gruppi, const tras
   }
   if (finding.duplicati()) return gruppiDiDuplicati(finding, gruppi, copie);
   SceltaCestino scelta;
-  for (const std::int64_t indice : gruppi) aggiungiTutti(scelta, gruppoDi(finding, indice));
+  for (const std::int64_t indice : gruppi) {
+    trash::aggiungiPercorsi(gruppoDi(finding, indice), scelta.voci);
+  }
   scelta.richieste.push_back(gruppi.size() == 1
                                  ? perGruppo("/api/trash_group", finding, gruppi.front())
                                  : perGruppi(finding, gruppi));

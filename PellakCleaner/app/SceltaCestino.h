@@ -25,8 +25,8 @@ struct SceltaCestino {
   bool rifiutata = false;
 };
 
-/// `gruppi` empty: the whole category. Of duplicates one copy of each group stays: of a named
-/// group the first that exists, otherwise the first that is as the scan found it.
+/// `gruppi` empty: the whole category. Of duplicates one copy of each group stays, and the requests
+/// name it: what was shown is what goes.
 SceltaCestino scegliPerCestino(const Finding& finding, std::vector<std::int64_t> gruppi,
                                const trash::Copie& copie);
 

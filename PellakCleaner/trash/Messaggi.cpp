@@ -28,7 +28,7 @@ std::string trashMessage(std::string_view percorso, const Error& errore) {
     case ErrorKind::denied:
       return negato(percorso);
     case ErrorKind::missing:
-      return "non esiste piu': era gia' stato rimosso";
+      return kSparito;
     case ErrorKind::exists:
       return "nel Cestino c'e' gia' un elemento con questo nome: svuota il Cestino e riprova";
     case ErrorKind::busy:

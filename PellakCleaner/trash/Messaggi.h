@@ -10,6 +10,9 @@ namespace pellak::trash {
 /// Something is not any more as the page or the scan saw it.
 inline constexpr const char* kCambiato = "lo stato è cambiato: ricarica e riprova";
 
+/// Something is not there any more.
+inline constexpr const char* kSparito = "non esiste piu': era gia' stato rimosso";
+
 /// Why an item could not be moved to the Trash, in words for the user. What the system itself said
 /// is used where no kind of error has words of its own.
 std::string trashMessage(std::string_view percorso, const Error& errore);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -17,11 +18,18 @@
 
 namespace pellak::trash {
 
+/// Which copy of a duplicate set stays.
+struct SceltaCopia {
+  std::int64_t group = 0;
+  std::string first;  ///< the group's first path as the caller knows it; empty: not compared
+  std::string keep;   ///< empty: the copy that stays by default
+};
+
 /// What the user may do with the findings: the checks, titles and messages of every request that
 /// moves something to the Trash or back.
 ///
-/// Only paths that a finding holds are moved; what was moved leaves the finding, what could not
-/// be stays. Any thread.
+/// Only paths that a finding holds are moved; what was moved, or is not there any more, leaves the
+/// finding, what could not be moved stays. Any thread.
 class OperazioniCestino {
  public:
   /// All of them outlive it.
@@ -34,12 +42,13 @@ class OperazioniCestino {
   /// `first` is the group's first path as the caller knows it.
   Esito trashGroup(std::string_view finding, std::int64_t gruppo, std::string_view first,
                    bool chiudiPrima);
-  Esito trashSel(std::string_view finding, std::vector<std::int64_t> gruppi, bool chiudiPrima);
-  /// `keep` empty: the first copy that exists. `first` empty: not compared.
-  Esito keep(std::int64_t gruppo, const std::string& keep, std::string_view first);
-  /// Keeps in every group the first copy, in the order of the group, that is as the scan found it.
-  /// Groups without one are skipped.
-  Esito keepAll();
+  /// `firsts`: the first path of each of `gruppi`, as the caller knows them.
+  Esito trashSel(std::string_view finding, std::span<const std::int64_t> gruppi,
+                 const std::optional<std::vector<std::string>>& firsts, bool chiudiPrima);
+  Esito keep(const SceltaCopia& scelta);
+  /// One copy of each set, or of each that is chosen. Sets without a copy that may be relied on
+  /// are skipped, and so are those where the chosen one may not.
+  Esito keepAll(const std::optional<std::vector<SceltaCopia>>& scelte);
   Esito dupScarta(std::string_view finding, std::int64_t gruppo,
                   const std::vector<std::string>& percorsi);
 
@@ -50,14 +59,23 @@ class OperazioniCestino {
   void log(const std::function<void(const Operazione&)>& visita) { cestino_.log(visita); }
 
  private:
+  /// A set of which one copy stays and the others go.
+  struct Pulizia {
+    std::size_t tenuta;
+    Lotto lotto;
+  };
+
   Esito sposta(std::string_view finding, const Cestino::Titolo& titolo,
                std::span<const Lotto> lotti);
-  void togliDaElenco(std::string_view finding, const std::vector<Mossa>& mosse);
   std::optional<Esito> appAperta(const Finding& finding, const Group& gruppo, bool chiudi) const;
   std::optional<Lotto> scarta(const Group& gruppo, std::size_t tenuta,
-                              const std::vector<std::size_t>& via, Esito& esito) const;
-  Esito scartaUno(std::string_view finding, const Group& gruppo, std::size_t tenuta,
-                  const std::vector<std::size_t>& via);
+                              const std::vector<std::size_t>& via,
+                              std::vector<Fallito>& falliti) const;
+  std::optional<Pulizia> tieniUna(const Group& gruppo, const std::string& scelta,
+                                  std::vector<Fallito>& falliti) const;
+  Esito spostaCopie(std::string_view finding, const std::string& tenuta, const Lotto& lotto,
+                    std::vector<Fallito> falliti);
+  Esito pulisci(const Finding& finding, std::span<const SceltaCopia> scelte);
 
   Engine& engine_;
   Cestino& cestino_;

@@ -88,6 +88,7 @@ TEST_F(RotteCestinoTest, ACategoryMovesIsLoggedAndComesBackWhateverTheNames) {
                        R"(","err":"non esiste piu': era gia' stato rimosso"}],"op":")" + primaOp() +
                        R"(","tot":40})");
   EXPECT_EQ(suoni, 1);
+  EXPECT_TRUE(motore().finding("duplicates")->vuoto()) << "what is gone is not listed either";
   EXPECT_EQ(utente(), (std::map<std::string, std::string>{{home / "dati/resta", "resta"}}));
   EXPECT_EQ(nelCestino("files"), 4U);
   EXPECT_EQ(nelCestino("info"), 4U);
@@ -143,6 +144,70 @@ TEST_F(RotteCestinoTest, TheLastCopyStaysAndAChangedOneIsNoCopy) {
   EXPECT_EQ(nelCestino("files"), 0U);
 }
 
+TEST_F(RotteCestinoTest, ACopyThatChangesAtTheLastMomentIsNotReliedOn) {
+  trova(copie());
+  scandisci("duplicati");
+  files.primaDiScrivere = [&](std::string_view percorso) {
+    if (percorso == store.intento()) fakes::scriviFile(home / "dati/a", "y");
+  };
+  const std::string risposta =
+      chiedi("/api/keep", R"({"group":0,"keep":")" + (home / "dati/a") + R"("})");
+  EXPECT_TRUE(risposta.starts_with(R"(200 {"ok":0,"failed":[{"percorso":)")) << risposta;
+  EXPECT_EQ(utente().size(), 3U);
+}
+
+TEST_F(RotteCestinoTest, WhatCannotBeMeantMovesNothing) {
+  Finding finding = copie();
+  finding.items = {{home / "dati/a", 1, 0}};
+  trova(finding);
+  scandisci("duplicati");
+  const std::string a = "\"" + (home / "dati/a") + "\"";
+  const std::string prima = R"({"group":0,"first":)" + a;
+  const std::string cambiato = R"(200 {"err":"lo stato è cambiato: ricarica e riprova"})";
+  const std::string nonValida = R"(400 {"err":"richiesta non valida"})";
+  const std::string selezione = R"(200 {"err":"selezione non valida"})";
+  const std::string inesistente = R"(200 {"err":"gruppo inesistente"})";
+  struct Caso {
+    const char* rotta;
+    std::string corpo;
+    std::string risposta;
+  };
+  const Caso casi[] = {
+      {"/api/trash", R"({"id":"duplicates","items":"x"})", nonValida},
+      {"/api/trash", R"({"id":"duplicates","items":[)" + a + ",5]}", nonValida},
+      {"/api/trash_group", R"({"id":"duplicates","group":"0","first":)" + a + "}", inesistente},
+      {"/api/trash_sel", R"({"id":"duplicates","groups":[0,"0"]})", selezione},
+      {"/api/trash_sel", R"({"id":"duplicates","groups":[0],"firsts":["/altro"]})", cambiato},
+      {"/api/trash_sel", R"({"id":"duplicates","groups":[0],"firsts":[]})", selezione},
+      {"/api/trash_sel", R"({"id":"duplicates","groups":[0],"firsts":)" + a + "}", nonValida},
+      {"/api/keep", R"({"group":true})", inesistente},
+      {"/api/keep", R"({"group":0,"keep":7})", nonValida},
+      {"/api/keep", R"({"group":0,"first":null})", nonValida},
+      {"/api/keep_all", R"({"scelte":"x"})", nonValida},
+      {"/api/keep_all", R"({"scelte":[)" + prima + "},7]}", nonValida},
+      {"/api/keep_all", R"({"scelte":[{"group":"0"}]})", inesistente},
+      {"/api/keep_all", R"({"scelte":[{"group":0,"first":"/altro"}]})", cambiato},
+      {"/api/keep_all", R"({"scelte":[)" + prima + R"(,"keep":"/altro"}]})",
+       R"(200 {"err":"nessuna copia corrisponde"})"},
+      {"/api/keep_all", R"({"scelte":[)" + prima + "}," + prima + "}]}", selezione},
+      {"/api/keep_all", R"({"scelte":[]})", R"(200 {"err":"niente da cestinare"})"},
+      {"/api/dup_scarta", R"({"id":7,"group":0,"paths":[)" + a + "]}", nonValida},
+      {"/api/dup_scarta", R"({"group":0,"paths":[)" + a + ",7]}", nonValida},
+  };
+  for (const Caso& caso : casi) {
+    EXPECT_EQ(chiedi(caso.rotta, caso.corpo), caso.risposta) << caso.rotta << caso.corpo;
+  }
+  motore().modificaFinding("duplicates", [](Finding& f) { f.mode = "report"; });
+  for (const Rotta& rotta : rotte()) {
+    if (!rotta.mutating || rotta.percorso == "/api/restore") continue;
+    EXPECT_EQ(chiedi(rotta.percorso, R"({"id":"duplicates","groups":[0],"paths":[)" + a + "]," +
+                                         prima.substr(1) + "}"),
+              R"(200 {"err":"categoria non cestinabile"})")
+        << rotta.percorso;
+  }
+  EXPECT_EQ(utente().size(), 3U);
+}
+
 TEST_F(RotteCestinoTest, KeepAllLeavesOneGoodCopyOfEachSet) {
   trova(copie());
   scandisci("duplicati");
@@ -154,15 +219,48 @@ TEST_F(RotteCestinoTest, KeepAllLeavesOneGoodCopyOfEachSet) {
   EXPECT_EQ(chiedi("/api/keep_all"), R"(200 {"err":"nessun duplicato in elenco"})");
 }
 
+TEST_F(RotteCestinoTest, KeepAllMovesNoChosenCopyEvenIfItStandsInTwoSets) {
+  Finding finding = copie();
+  finding.groups.push_back(finding.groups[0]);
+  finding.groups.push_back(finding.groups[0]);
+  finding.groups[0].paths.pop_back();
+  finding.groups[1].paths = {home / "dati/a", home / "dati/c"};
+  trova(finding);
+  scandisci("duplicati");
+  EXPECT_THAT(chiedi("/api/keep_all", R"({"scelte":[{"group":0},{"group":1,"keep":")" +
+                                          (home / "dati/c") + R"("}]})"),
+              testing::StartsWith(R"(200 {"ok":1,"failed":[])"));
+  EXPECT_EQ(utente(),
+            (std::map<std::string, std::string>{{home / "dati/a", "x"}, {home / "dati/c", "x"}}));
+}
+
 TEST_F(RotteCestinoTest, WhatTheHomeAndTheTrashAreMadeOfIsRefused) {
   fakes::scriviFile(store.cartella() + "/impostazioni.json", "{}");
   fs::create_directories(home / ".local/share/Trash/files/x");
   fakes::scriviFile(home / "dati/vero/dentro", "z");
   fs::create_symlink(home / "dati/vero", home / "dati/falso");
-  trova(categoria({home.percorso(), "/", "/usr/bin/env", home / "Library", store.cartella(),
-                   store.cartella() + "/impostazioni.json", home / ".local/share/Trash",
-                   home / ".local/share/Trash/files/x", home / "dati/../dati/vero",
-                   home / "dati/falso/dentro"}));
+  std::vector<std::string> percorsi = {home.percorso(),
+                                       "/",
+                                       "/usr",
+                                       home / "Library/Application Support",
+                                       store.cartella(),
+                                       store.cartella() + "/impostazioni.json",
+                                       home / ".local/share/Trash",
+                                       home / ".local/share/Trash/files/x",
+                                       home / "dati/../dati/vero"};
+  for (const char* dentro : {"System", "bin", "sbin", "lib", "lib32", "lib64", "libx32", "boot",
+                             "dev", "proc", "sys", "etc", "private/etc", "private/var/db",
+                             "usr/bin", "usr/lib", "usr/sbin", "usr/libexec", "usr/share"}) {
+    percorsi.push_back("/" + std::string(dentro) + "/env");
+  }
+  for (const char* inCasa : {"Desktop", "Documents", "Downloads", "Library", "Library/Caches",
+                             "Movies", "Music", "Pictures", "Public", "Templates", "Videos",
+                             ".config", ".local", ".cache", "Applications"}) {
+    percorsi.push_back(home / inCasa);
+  }
+  const std::size_t vietati = percorsi.size();
+  percorsi.push_back(home / "dati/falso/dentro");
+  trova(categoria(percorsi));
   scandisci("duplicati");
   const std::string risposta = chiedi("/api/trash", R"({"id":"duplicates"})");
   EXPECT_EQ(risposta.substr(0, 11), "200 {\"ok\":0");
@@ -170,7 +268,7 @@ TEST_F(RotteCestinoTest, WhatTheHomeAndTheTrashAreMadeOfIsRefused) {
   for (std::size_t i = 0; (i = risposta.find("percorso non valido", i)) != std::string::npos; ++i) {
     ++rifiuti;
   }
-  EXPECT_EQ(rifiuti, 9U) << risposta;
+  EXPECT_EQ(rifiuti, vietati) << risposta;
   EXPECT_EQ(fakes::leggiFile(home / "dati/vero/dentro"), "z") << "reached through a link";
   EXPECT_FALSE(fs::exists(store.registro()));
 }

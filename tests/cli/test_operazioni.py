@@ -112,7 +112,9 @@ class Categoria(ConOperazioni):
                       "children_of": "~/cose"}])
         self.scandisci()
         # Refused without a question, with a terminal or without.
-        self.assertEqual(self.esegui("trash", "r", stato=1), ("", "categoria non cestinabile\n"))
+        for argomenti in ((), ("--group", "0"), ("--group", "0", "1", "--yes")):
+            self.assertEqual(self.esegui("trash", "r", *argomenti, stato=1),
+                             ("", "categoria non cestinabile\n"))
         self.assertEqual(self.contenuti(), self.prima)
 
 
@@ -158,7 +160,7 @@ class Duplicati(ConOperazioni):
         uscita, errori = self.esegui("trash", "duplicates", "--yes", "--group", numeri["b"],
                                      numeri["a"], "--group", numeri["c"], stato=1)
         self.assertEqual(errori.splitlines(),
-                         [f"gruppo {numeri['c']}: lo stato è cambiato: ricarica e riprova",
+                         ["~/Documents/c0: lo stato è cambiato: ricarica e riprova",
                           "~/Documents/b0: non esiste piu': era gia' stato rimosso",
                           "Per aggiornare i risultati: pellak-cleaner scan"])
         self.assertIn("Spostati nel Cestino 2 elementi, 12.0 MiB\n", uscita)

@@ -118,6 +118,43 @@ TEST_F(EngineTest, RefusalsTurnAnEmptySectionIntoAWarning) {
   EXPECT_EQ(sezione(*engine->snapshot(), "avvio").status, "Niente da segnalare.");
 }
 
+TEST_F(EngineTest, WhatGoesWhileItsSectionIsScannedDoesNotComeBack) {
+  Finding trovato = finding("apps", 0);
+  trovato.items = {{"/h/va", 1, 1}, {"/h/va/sotto", 1, 1}, {"/h/vale", 1, 1}};
+  trovato.groups.resize(1);
+  trovato.groups[0].size = 30;
+  trovato.groups[0].bundle = "editor";
+  trovato.groups[0].paths = {"/h/va/x", "/h/b"};
+  trovato.groups[0].pesi = {10, 20};
+  std::unique_ptr<Engine> engine;
+  const auto mostra = [&](const char* testo) {
+    return engine->snapshot()->testo.str().find(testo) != std::string::npos;
+  };
+  bool via = false;
+  tabella.speciali["apps"] = {"...", [&](const ScanContext&) {
+                                if (via) engine->togli("apps", {"/h/va"});
+                                EXPECT_EQ(mostra(R"("path":"/h/va")"), false);
+                                return std::vector<Finding>{trovato};
+                              }};
+  engine = crea();
+  scandisci(*engine, "applicazioni");
+  EXPECT_TRUE(mostra(R"("path":"/h/va")") && mostra(R"("path":"/h/va/sotto")"));
+  via = true;
+  scandisci(*engine, "applicazioni");
+  EXPECT_FALSE(mostra("/h/va/") || mostra(R"("/h/va")")) << "what is shown, too";
+  const Finding rimasto = *engine->finding("apps");
+  EXPECT_EQ(rimasto.items.size(), 1U);
+  ASSERT_EQ(rimasto.groups.size(), 1U);
+  EXPECT_EQ(rimasto.groups[0].paths, std::vector<std::string>{"/h/b"});
+  EXPECT_EQ(rimasto.groups[0].size, 20) << "of what is left";
+  applicazioni.icone["editor"] = "PNG";
+  engine->icona("editor");
+  EXPECT_TRUE(mostra(R"("icon_src":"data:image/png;base64,UE5H")")) << "known later";
+  via = false;
+  scandisci(*engine, "applicazioni");
+  EXPECT_TRUE(mostra(R"("path":"/h/va")")) << "only what went during that very scan";
+}
+
 TEST_F(EngineTest, AFailingCategoryKeepsWhatItHadFoundAndOnlyThat) {
   bool secondo = false;
   speciale("docker-disk", [&](const ScanContext&) {

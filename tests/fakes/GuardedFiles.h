@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <set>
 #include <string>
 
@@ -14,6 +15,7 @@ class GuardedFiles : public posix::FilesPosix {
   Result<void> replace(std::string_view percorso,
                        std::span<const std::string_view> pezzi) override {
     if (soloLettura) return Error{ErrorKind::readOnly, 0, "read-only"};
+    if (primaDiScrivere) primaDiScrivere(percorso);
     return FilesPosix::replace(percorso, pezzi);
   }
 
@@ -27,6 +29,7 @@ class GuardedFiles : public posix::FilesPosix {
     return FilesPosix::readable(percorso);
   }
 
+  std::function<void(std::string_view)> primaDiScrivere;
   bool soloLettura = false;  ///< nothing can be written or taken away
   std::set<std::string, std::less<>> negati;
 };

@@ -1,8 +1,11 @@
+#include <chrono>
+#include <future>
 #include <gmock/gmock.h>
 
 #include "api/Richieste.h"
 #include "fakes/FakeDesktop.h"
 #include "shell/AppDelegate.h"
+#include "shell/Bridge.h"
 
 namespace pellak::shell {
 namespace {
@@ -86,6 +89,30 @@ TEST_F(AppDelegateTest, AnswersEveryRequestInOrderAndDropsEverythingElse) {
               ElementsAre(R"(js __apiDone(7, 200, "{\"ok\":true}"))",
                           R"(js __apiDone(-8, 200, "{\"err\":\"sezione inesistente\"}"))",
                           R"(js __apiDone(9, 404, "{\"err\":\"not found\"}"))"));
+}
+
+TEST_F(AppDelegateTest, ASlowRequestHoldsUpNoOrdinaryOne) {
+  /// The reply to a slow request waits for the one to an ordinary request.
+  struct PaginaLenta final : Pagina {
+    void apiDone(std::int64_t id, int /*stato*/, const Rope& /*risposta*/) override {
+      if (id == 2) return ordinaria.set_value();
+      superata =
+          ordinaria.get_future().wait_for(std::chrono::seconds(20)) == std::future_status::ready;
+    }
+    void chiama(std::string_view /*funzione*/,
+                std::span<const std::string> /*argomenti*/) override {}
+    std::promise<void> ordinaria;
+    bool superata = false;
+  } lenta;
+  api::Router instradatore = router();
+  Bridge ponte(instradatore, lenta, nullptr);
+  for (const char* testo :
+       {R"({"id":1,"path":"/api/energia"})", R"({"id":2,"path":"/api/stop"})"}) {
+    auto documento = std::make_shared<const JsonDocument>(JsonDocument::parse(testo).value());
+    ponte.receive("api", documento, documento->radice());
+  }
+  ponte.attendiRisposte();
+  EXPECT_TRUE(lenta.superata);
 }
 
 TEST(Letterale, KeepsWhateverAReplyHolds) {

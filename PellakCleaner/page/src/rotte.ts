@@ -33,6 +33,8 @@ export interface Gruppo {
   paths: string[];
   waste?: number;
   waste_h?: string;
+  /** Of a duplicate set: the copy that stays when nobody chooses. */
+  tieni?: string;
 }
 
 export interface Finding {
@@ -203,11 +205,14 @@ export interface Rotte {
     RispostaCestino
   >;
   "/api/trash_sel": UnaRotta<
-    { id: string; groups: number[]; chiudiPrima?: boolean },
+    { id: string; groups: number[]; firsts: string[]; chiudiPrima?: boolean },
     RispostaCestino
   >;
   "/api/keep": UnaRotta<{ group: number; keep: string; first: string }, RispostaCestino>;
-  "/api/keep_all": UnaRotta<object, RispostaCestino>;
+  "/api/keep_all": UnaRotta<
+    { scelte: { group: number; first: string; keep: string }[] },
+    RispostaCestino
+  >;
   "/api/dup_scarta": UnaRotta<{ id: string; group: number; paths: string[] }, RispostaCestino>;
   "/api/restore": UnaRotta<{ op: string; index?: number }, RispostaRipristino>;
   "/api/avvio": UnaRotta<RichiestaAvvio, RispostaAvvio>;

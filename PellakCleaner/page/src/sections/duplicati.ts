@@ -25,8 +25,8 @@ export function primaCopia(gruppo: Gruppo): string {
 /** The choice that holds for a group: copies that are gone drop out, one copy is always kept. */
 export function sceltaDi(gruppo: Gruppo, scelte: SceltePerGruppo): SceltaCopie {
   const scelta = scelte.get(primaCopia(gruppo));
-  const tenuta =
-    scelta && gruppo.paths.includes(scelta.tenuta) ? scelta.tenuta : primaCopia(gruppo);
+  const solita = gruppo.tieni ?? primaCopia(gruppo);
+  const tenuta = scelta && gruppo.paths.includes(scelta.tenuta) ? scelta.tenuta : solita;
   const via = new Set(gruppo.paths.filter((p) => p !== tenuta && scelta?.via.has(p)));
   return { tenuta, via };
 }
@@ -53,22 +53,27 @@ export function scarta({ indice }: Insieme, paths: string[]): Spostamento {
   return () => api("/api/dup_scarta", { id: "duplicates", group: indice, paths });
 }
 
+/** Groups of one request: it must stay within what the native side reads. */
+export const GRUPPI_PER_RICHIESTA = 20_000;
+
 /**
- * All groups at once. The native side keeps the first copy of each; groups in which another one
- * was chosen go first, from the last to the first, because a finished group leaves the list and
- * moves those after it.
+ * All groups, each with the copy that is shown as kept. The last groups go first: a finished one
+ * leaves the list and moves those after it.
  */
 export function puliziaCompleta(
   insiemi: readonly Insieme[],
   scelte: SceltePerGruppo,
 ): Spostamento[] {
-  const scelti = insiemi
-    .filter(({ gruppo }) => sceltaDi(gruppo, scelte).tenuta !== primaCopia(gruppo))
-    .sort((a, b) => b.indice - a.indice);
-  const passi = scelti.map((insieme) =>
-    tieniSolo(insieme, sceltaDi(insieme.gruppo, scelte).tenuta),
-  );
-  if (scelti.length < insiemi.length) passi.push(() => api("/api/keep_all"));
+  const tutte = insiemi.map(({ gruppo, indice }) => ({
+    group: indice,
+    first: primaCopia(gruppo),
+    keep: sceltaDi(gruppo, scelte).tenuta,
+  }));
+  const passi: Spostamento[] = [];
+  for (let fine = tutte.length; fine > 0; fine -= GRUPPI_PER_RICHIESTA) {
+    const parte = tutte.slice(Math.max(0, fine - GRUPPI_PER_RICHIESTA), fine);
+    passi.push(() => api("/api/keep_all", { scelte: parte }));
+  }
   return passi;
 }
 

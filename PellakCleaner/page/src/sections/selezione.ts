@@ -98,7 +98,8 @@ export function spostamenti(scelti: readonly Scelto[]): Spostamento[] {
       lista.push(spostaGruppo(finding.id, primo.indice, chiaveGruppo(primo.gruppo)));
     } else if (primo) {
       const groups = gruppi.map((g) => g.indice);
-      lista.push(() => api("/api/trash_sel", { id: finding.id, groups }));
+      const firsts = gruppi.map((g) => chiaveGruppo(g.gruppo));
+      lista.push(() => api("/api/trash_sel", { id: finding.id, groups, firsts }));
     }
     return lista;
   });

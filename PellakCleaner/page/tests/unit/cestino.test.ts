@@ -21,8 +21,8 @@ test("the notice tells moved, failed and skipped, and undoes exactly what was re
     .poi("/api/state", statoVuoto);
   await spostaNelCestino([
     () => api("/api/trash", { id: "a" }),
-    () => api("/api/trash_sel", { id: "b", groups: [0] }),
-    () => api("/api/keep_all"),
+    () => api("/api/trash_sel", { id: "b", groups: [0], firsts: ["/b"] }),
+    () => api("/api/keep_all", { scelte: [] }),
   ]);
   expect(avviso.value).toEqual({
     tono: "fatto",

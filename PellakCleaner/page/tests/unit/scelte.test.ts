@@ -1,5 +1,6 @@
 import { beforeEach, expect, test } from "vitest";
 import {
+  GRUPPI_PER_RICHIESTA,
   type SceltaCopie,
   conTenuta,
   conVia,
@@ -44,7 +45,7 @@ test("moves name exactly the chosen entries and guard a group by its first path"
   expect(canale.richieste.map(({ path, body }) => [path, body])).toEqual([
     ["/api/trash", { id: "cache", items: ["/b"] }],
     ["/api/trash_group", { id: "app", group: 1, first: "/x.app" }],
-    ["/api/trash_sel", { id: "residui", groups: [0, 2] }],
+    ["/api/trash_sel", { id: "residui", groups: [0, 2], firsts: ["/1", "/3"] }],
   ]);
 });
 
@@ -65,21 +66,19 @@ test("a choice outlives copies that are gone: another copy is kept, none gone is
   expect(sceltaDi(gruppo(["/a", "/b"]), scelte)).toEqual({ tenuta: "/a", via: new Set(["/b"]) });
 });
 
-test("the complete cleaning handles groups with a choice first, from the last", async () => {
-  const insiemi = ["/a", "/b", "/c"].map((nome, indice) => ({
-    gruppo: gruppo([`${nome}1`, `${nome}2`]),
+test("the complete cleaning names the kept copy of every group, the last groups first", async () => {
+  const insiemi = Array.from({ length: GRUPPI_PER_RICHIESTA + 2 }, (_, indice) => ({
+    gruppo: { ...gruppo([`/${indice}a`, `/${indice}b`]), tieni: `/${indice}b` },
     indice,
   }));
-  const scelte = new Map([
-    ["/a1", { tenuta: "/a2", via: new Set<string>() }],
-    ["/c1", { tenuta: "/c2", via: new Set<string>() }],
-  ]);
-  canale.poi("/api/keep", fatto).poi("/api/keep", fatto).poi("/api/keep_all", fatto);
+  const scelte = new Map([["/1a", { tenuta: "/1a", via: new Set<string>() }]]);
+  canale.poi("/api/keep_all", fatto).poi("/api/keep_all", fatto);
   for (const sposta of puliziaCompleta(insiemi, scelte)) await sposta();
-  expect(canale.richieste.map(({ path, body }) => [path, body])).toEqual([
-    ["/api/keep", { group: 2, keep: "/c2", first: "/c1" }],
-    ["/api/keep", { group: 0, keep: "/a2", first: "/a1" }],
-    ["/api/keep_all", {}],
+  const [prima, seconda] = canale.richieste.map(({ body }) => body.scelte as { group: number }[]);
+  expect(prima?.map((s) => s.group)).toEqual(insiemi.slice(2).map((i) => i.indice));
+  expect(seconda).toEqual([
+    { group: 0, first: "/0a", keep: "/0b" },
+    { group: 1, first: "/1a", keep: "/1a" },
   ]);
 });
 
