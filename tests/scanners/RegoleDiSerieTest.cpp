@@ -3,8 +3,8 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <iterator>
-#include <map>
 #include <set>
+#include <sstream>
 #include <utility>
 
 #include "PellakCore/Catalogo.h"
@@ -24,6 +24,21 @@ std::vector<std::string_view> idsDelCatalogo() {
   std::vector<std::string_view> ids;
   for (const Meta& meta : metas()) ids.insert(ids.end(), meta.cats.begin(), meta.cats.end());
   return ids;
+}
+
+/// Names that hold secrets at any depth.
+const std::set<std::string> kSegreti = {
+    "Keychains", "Mobile Documents", "CloudStorage",       "Accounts",
+    ".ssh",      ".gnupg",           ".password-store",    ".pki",
+    "keyrings",  "kwalletd",         "Web Data",           "key3.db",
+    "key4.db",   "cert9.db",         "formhistory.sqlite", "wallet.dat"};
+
+bool inUnSegreto(const std::string& luogo) {
+  std::istringstream componenti(luogo);
+  for (std::string nome; std::getline(componenti, nome, '/');) {
+    if (kSegreti.contains(nome) || nome.starts_with("Login Data")) return true;
+  }
+  return false;
 }
 
 std::string cartellaDi(const std::string& modello) { return modello.substr(0, modello.rfind('/')); }
@@ -60,7 +75,7 @@ TEST_P(RegoleDiSerieTest, EveryEntryIsCompleteAndShownOnceInASection) {
     SCOPED_TRACE(regola.id);
     EXPECT_TRUE(visti.insert(regola.id).second) << "twice";
     EXPECT_THAT(regola.name, Not(IsEmpty()));
-    EXPECT_THAT(regola.note, Not(IsEmpty()));
+    EXPECT_TRUE(regola.note.ends_with('.')) << regola.note;
     EXPECT_THAT(regola.mode, AnyOf("delete", "report"));
     // The note of what the page only lists says so, and no other note does.
     EXPECT_EQ(regola.mode == "report", regola.note.rfind("SOLO REPORT: ", 0) == 0);
@@ -71,6 +86,8 @@ TEST_P(RegoleDiSerieTest, EveryEntryIsCompleteAndShownOnceInASection) {
       EXPECT_NE(cercaMeta(regola.section), nullptr);
     }
     EXPECT_TRUE(!luoghi(regola).empty() || !regola.glob.empty()) << "lists nothing";
+    // A name can only be kept back where it is listed by itself.
+    EXPECT_TRUE(regola.except.empty() || luoghi(regola).size() > regola.paths.size());
   }
 }
 
@@ -103,6 +120,7 @@ TEST_P(RegoleDiSerieTest, DeletableEntriesStayAwayFromDocumentsAndFromTheSystem)
     std::vector<std::string> tutti = luoghi(regola);
     for (const std::string& luogo : tutti) {
       EXPECT_THAT(luogo, StartsWith("~/"));
+      EXPECT_FALSE(inUnSegreto(luogo)) << luogo;
       for (const std::string cartella : kDocumenti) {
         EXPECT_FALSE(dentroCartella(cartella, luogo)) << luogo;
         EXPECT_FALSE(cartella != "~" && dentroCartella(luogo, cartella)) << luogo;
@@ -110,7 +128,10 @@ TEST_P(RegoleDiSerieTest, DeletableEntriesStayAwayFromDocumentsAndFromTheSystem)
       // A whole folder of the home taken for a cache would take settings with it.
       EXPECT_TRUE(std::count(luogo.begin(), luogo.end(), '/') > 1 || luogo[2] == '.') << luogo;
     }
-    for (const std::string& modello : regola.glob) EXPECT_THAT(modello, StartsWith("~/"));
+    for (const std::string& modello : regola.glob) {
+      EXPECT_THAT(modello, StartsWith("~/"));
+      EXPECT_FALSE(inUnSegreto(modello)) << modello;
+    }
   }
 }
 
@@ -162,23 +183,40 @@ INSTANTIATE_TEST_SUITE_P(Serie, RegoleDiSerieTest,
                            return std::string(scelta.param) == "rules.json" ? "macos" : "linux";
                          });
 
-TEST(RegoleMacosTest, HoldsExactlyTheCatalogueInItsOrder) {
-  const Result<Regole> regole = leggiDiSerie("rules.json");
-  ASSERT_TRUE(regole.ok());
+class RegoleDeiDueSistemiTest : public ::testing::Test {
+ protected:
+  const Regole macos_ = leggiDiSerie("rules.json").value();
+  const Regole linux_ = leggiDiSerie("rules.linux.json").value();
+};
+
+TEST_F(RegoleDeiDueSistemiTest, MacosHoldsTheWholeCatalogueInItsOrder) {
   std::vector<std::string_view> ids;
-  for (const RegolaCategoria& regola : regole->categorie) ids.push_back(regola.id);
+  for (const RegolaCategoria& regola : macos_.categorie) {
+    if (regola.section.empty()) ids.push_back(regola.id);
+  }
   EXPECT_EQ(ids, idsDelCatalogo());
 }
 
-// What does not come back by itself is never offered for deletion.
-TEST(RegoleIrripetibiliTest, AreOnlyListed) {
-  static const std::map<std::string, std::vector<std::string>> kSoloReport = {
-      {"rules.json", {"xcode-archives", "coresimulator-devices", "trash", "ios-backups"}},
-      {"rules.linux.json",
-       {"maven-repository", "ide-caches", "downloaded-programs", "trash", "journals"}}};
-  for (const auto& [nome, ids] : kSoloReport) {
-    const Result<Regole> regole = leggiDiSerie(nome);
-    ASSERT_TRUE(regole.ok());
+TEST_F(RegoleDeiDueSistemiTest, TheSameToolsAndPackagesAreKnown) {
+  EXPECT_EQ(macos_.duplicati.excludeBundleSuffixes, linux_.duplicati.excludeBundleSuffixes);
+  for (const RegolaCategoria& regola : linux_.categorie) {
+    // The output of this one lies outside the home on macOS, in a folder named after the user.
+    if (regola.section != "sviluppo" || regola.id == "bazel-output") continue;
+    const RegolaCategoria* altra = macos_.cerca(regola.id);
+    ASSERT_NE(altra, nullptr) << regola.id;
+    EXPECT_EQ(altra->mode, regola.mode) << regola.id;
+  }
+}
+
+// What does not come back by itself, or is the system's, is never offered for deletion.
+TEST_F(RegoleDeiDueSistemiTest, TheIrreplaceableIsOnlyListed) {
+  const std::vector<std::pair<const Regole*, std::vector<std::string>>> soloReport = {
+      {&macos_,
+       {"xcode-archives", "coresimulator-devices", "simulator-runtimes", "trash", "ios-backups"}},
+      {&linux_,
+       {"maven-repository", "ide-caches", "ai-models", "downloaded-programs", "trash", "journals",
+        "snap-revisions", "aur-helpers"}}};
+  for (const auto& [regole, ids] : soloReport) {
     for (const std::string& id : ids) {
       const RegolaCategoria* regola = regole->cerca(id);
       ASSERT_NE(regola, nullptr) << id;

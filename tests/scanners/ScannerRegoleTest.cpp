@@ -1,8 +1,12 @@
+#include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <fstream>
 #include <gmock/gmock.h>
+#include <iterator>
 #include <limits>
 
+#include "PellakCore/base/BytePath.h"
 #include "PellakCore/base/ScanCancelled.h"
 #include "fakes/FakeClock.h"
 #include "fakes/MemoryLister.h"
@@ -211,6 +215,57 @@ TEST_F(ScannerRegoleTest, AStopAtAnyMomentEndsTheScan) {
     domande = 0;
     stop_ = [&] { return ++domande >= ultima; };
     EXPECT_THROW(scan(regola), ScanCancelled) << ultima;
+  }
+}
+
+// Logins, settings and installed things that lie beside or inside what the shipped rules offer.
+// "C" stands for the folder of caches, "P" for pnpm's.
+TEST_F(ScannerRegoleTest, TheShippedRulesLeaveAloneWhatIsNoCache) {
+  const std::vector<std::string> mai = {
+      "C/ms-playwright/mcp-a1/Cookies", "~/.cache/selenium/se-config.toml",
+      "C/Cypress/cy/Cookies",           "C/Coursier/jvm/bin/java",
+      "C/coursier/arc/bin/java",        "P/store/v10/links/nome/index.js",
+      "P/global/5/nome/index.js",       "C/go-build/fuzz/FuzzX/0a",
+      "~/.ccache/ccache.conf",          "C/pypoetry/virtualenvs/a/bin/python",
+      "C/deno/location_data/a",         "~/.pub-cache/bin/a",
+      "~/.pub-cache/credentials.json",  "~/.cache/huggingface/token",
+      "~/.cache/paru/clone/a/PKGBUILD"};
+  const std::vector<std::string> si = {"C/ms-playwright/chromium-12/chrome",
+                                       "~/.cache/selenium/chromedriver/a",
+                                       "C/Cypress/15.0/a",
+                                       "P/store/v10/files/00/a",
+                                       "C/go-build/00/a-d",
+                                       "~/.ccache/a/b",
+                                       "C/pypoetry/artifacts/a",
+                                       "C/deno/npm/a",
+                                       "~/.pub-cache/hosted/a"};
+  for (const bool mac : {true, false}) {
+    const std::string casa = "/casa/anna";
+    const auto luogo = [&](const std::string& scritto) {
+      const std::string cache = mac ? "/Library/Caches" : "/.cache";
+      const std::string pnpm = mac ? "/Library/pnpm" : "/.local/share/pnpm";
+      const char prima = scritto.front();
+      return casa + (prima == 'C' ? cache : prima == 'P' ? pnpm : "") + scritto.substr(1);
+    };
+    for (const auto* elenco : {&mai, &si}) {
+      for (const std::string& scritto : *elenco) file(luogo(scritto), 1);
+    }
+    std::ifstream testo(PELLAK_ENGINE_RESOURCES + std::string(mac ? "/rules" : "/rules.linux") +
+                        ".json");
+    const auto regole = leggiRegole(std::string{std::istreambuf_iterator<char>(testo), {}});
+    ASSERT_TRUE(regole.ok());
+    std::vector<std::string> offerti;
+    for (const RegolaCategoria& regola : regole->categorie) {
+      if (regola.mode != "delete") continue;
+      for (std::string& percorso : percorsi(regola)) offerti.push_back(std::move(percorso));
+    }
+    const auto offerto = [&](const std::string& scritto) {
+      return std::any_of(offerti.begin(), offerti.end(), [&](const std::string& percorso) {
+        return dentroCartella(luogo(scritto), percorso);
+      });
+    };
+    for (const std::string& scritto : mai) EXPECT_FALSE(offerto(scritto)) << mac << scritto;
+    for (const std::string& scritto : si) EXPECT_TRUE(offerto(scritto)) << mac << scritto;
   }
 }
 
