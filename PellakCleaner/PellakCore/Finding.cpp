@@ -9,6 +9,10 @@ constexpr std::int64_t kMassimo = std::numeric_limits<std::int64_t>::max();
 
 }  // namespace
 
+Identita identitaDi(const EntryAttributes& attributi) {
+  return {attributi.ino, attributi.mtimeNs, attributi.ctimeNs, attributi.type};
+}
+
 std::int64_t sommaSicura(std::int64_t a, std::int64_t b) {
   std::int64_t somma = 0;
   return __builtin_add_overflow(a, b, &somma) ? kMassimo : somma;

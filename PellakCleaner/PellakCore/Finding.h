@@ -4,32 +4,67 @@
 #include <string>
 #include <vector>
 
+#include "PellakCore/base/Parte.h"
+#include "platform/DirectoryLister.h"
+#include "platform/Sha256.h"
+
 namespace pellak {
+
+/// Which file on disk, and which state of it, a scan saw at a path; what lies there later may be
+/// compared with it. A field that the scan did not learn is 0.
+struct Identita {
+  std::uint64_t inode = 0;
+  std::int64_t mtimeNs = 0;  ///< last write of the content, nanoseconds since 1970
+  std::int64_t ctimeNs = 0;  ///< last change of content or record, which no program can set back
+  EntryType type = EntryType::unknown;
+
+  /// False: results of an older version, or made up without a file.
+  bool nota() const { return type != EntryType::unknown; }
+
+  friend bool operator==(const Identita&, const Identita&) = default;
+};
+
+/// What the system's record of a path says of its identity.
+Identita identitaDi(const EntryAttributes& attributi);
 
 /// One entry of a finding: a file or a folder.
 struct Voce {
   std::string path;
-  std::int64_t size = 0;  ///< allocated bytes
-  double mtime = 0;       ///< seconds since 1970
+  std::int64_t size = 0;       ///< allocated bytes
+  double mtime = 0;            ///< seconds since 1970
+  std::int64_t lunghezza = 0;  ///< logical bytes of a file; 0 for a folder
+  Identita identita = {};      ///< as the scan found it
 };
 
-/// One grouped entry: a duplicate set, an application, a startup item, an update.
-struct Group {
-  std::int64_t size = 0;
-  std::string hash;  ///< content hash of a duplicate set; empty otherwise
-  std::vector<std::string> paths;
+/// What a group of an application, a startup item or an update tells beside its paths.
+struct Scheda {
   std::string name;
   std::string bundle;
   std::string prog;
   std::string url;
   std::string desc;
-  std::vector<std::int64_t> pesi;  ///< one size per entry of `paths`
-  /// One per entry of `paths` of a duplicate set: last write, nanoseconds since 1970.
-  std::vector<std::int64_t> mtimesNs;
+  std::vector<std::int64_t> pesi;   ///< one size per entry of `paths`
   std::vector<std::string> deboli;  ///< entries weakly tied to the group, shown apart
   std::string label;
   std::string dominio;  ///< "gui/" and the user id, or "system"
   bool spento = false;
+
+  friend bool operator==(const Scheda&, const Scheda&) = default;
+};
+
+/// One grouped entry: a duplicate set, an application, a startup item, an update. Duplicate sets
+/// come by the hundred thousand, so what they don't use costs them a pointer.
+struct Group {
+  std::int64_t size = 0;
+  std::vector<std::string> paths;
+  /// Of a duplicate set: one per entry of `paths`, as the copy was when it was compared. Empty
+  /// otherwise, and in results of older versions.
+  std::vector<Identita> identita;
+  Sha256Digest hash{};      ///< of the content of a duplicate set; zeros where there is none
+  bool dallaCache = false;  ///< the content of some copy was not read by the scan but remembered
+  Parte<Scheda> scheda;
+
+  bool conHash() const { return hash != Sha256Digest{}; }
 };
 
 /// The result of one category inside a section.

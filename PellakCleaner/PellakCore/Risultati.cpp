@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "PellakCore/StatoTesto.h"
+#include "PellakCore/base/Esadecimale.h"
 #include "PellakCore/base/Json.h"
 #include "PellakCore/base/JsonWriter.h"
 
@@ -11,29 +12,53 @@ namespace {
 
 /// Our own file may hold far more than a request may.
 constexpr std::size_t kMaxBytes = std::size_t{1} << 30U;
+constexpr auto kUltimoTipo = static_cast<std::int64_t>(EntryType::other);
+
+void scriviIdentita(JsonWriter& uscita, const Identita& identita) {
+  uscita.beginArray();
+  uscita.integer(static_cast<std::int64_t>(identita.inode));
+  uscita.integer(identita.mtimeNs);
+  uscita.integer(identita.ctimeNs);
+  uscita.integer(static_cast<std::int64_t>(identita.type));
+  uscita.endArray();
+}
+
+/// Unknown when it is anything but such a list.
+Identita leggiIdentita(Json lista) {
+  std::vector<std::int64_t> campi;
+  lista.perOgni([&](Json campo) { campi.push_back(campo.intero().value_or(-1)); });
+  if (campi.size() != 4 || campi[3] < 0 || campi[3] > kUltimoTipo) return {};
+  return {static_cast<std::uint64_t>(campi[0]), campi[1], campi[2],
+          static_cast<EntryType>(campi[3])};
+}
+
+void scriviScheda(JsonWriter& uscita, const Scheda& scheda) {
+  uscita.key("name").text(scheda.name);
+  uscita.key("bundle").text(scheda.bundle);
+  uscita.key("prog").text(scheda.prog);
+  uscita.key("url").text(scheda.url);
+  uscita.key("desc").text(scheda.desc);
+  uscita.key("label").text(scheda.label);
+  uscita.key("dominio").text(scheda.dominio);
+  uscita.key("pesi").beginArray();
+  for (const std::int64_t peso : scheda.pesi) uscita.integer(peso);
+  uscita.endArray();
+  uscita.key("deboli").texts(scheda.deboli);
+  uscita.key("spento").boolean(scheda.spento);
+}
 
 void scriviGruppo(JsonWriter& uscita, const Group& gruppo) {
   uscita.beginObject();
   uscita.key("size").integer(gruppo.size);
-  uscita.key("hash").text(gruppo.hash);
+  uscita.key("hash").text(gruppo.conHash() ? esadecimale(gruppo.hash) : std::string());
   uscita.key("paths").texts(gruppo.paths);
-  uscita.key("name").text(gruppo.name);
-  uscita.key("bundle").text(gruppo.bundle);
-  uscita.key("prog").text(gruppo.prog);
-  uscita.key("url").text(gruppo.url);
-  uscita.key("desc").text(gruppo.desc);
-  uscita.key("label").text(gruppo.label);
-  uscita.key("dominio").text(gruppo.dominio);
-  uscita.key("pesi").beginArray();
-  for (const std::int64_t peso : gruppo.pesi) uscita.integer(peso);
-  uscita.endArray();
-  if (!gruppo.mtimesNs.empty()) {
-    uscita.key("mtimes_ns").beginArray();
-    for (const std::int64_t scritta : gruppo.mtimesNs) uscita.integer(scritta);
+  if (!gruppo.identita.empty()) {
+    uscita.key("identita").beginArray();
+    for (const Identita& identita : gruppo.identita) scriviIdentita(uscita, identita);
     uscita.endArray();
   }
-  uscita.key("deboli").texts(gruppo.deboli);
-  uscita.key("spento").boolean(gruppo.spento);
+  if (gruppo.dallaCache) uscita.key("dalla_cache").boolean(true);
+  if (gruppo.scheda.presente()) scriviScheda(uscita, *gruppo.scheda);
   uscita.endObject();
 }
 
@@ -53,6 +78,10 @@ void scriviFinding(JsonWriter& uscita, const Finding& finding) {
     uscita.key("path").text(voce.path);
     uscita.key("size").integer(voce.size);
     uscita.key("mtime").number(voce.mtime);
+    if (voce.identita.nota()) {
+      uscita.key("lunghezza").integer(voce.lunghezza);
+      scriviIdentita(uscita.key("identita"), voce.identita);
+    }
     uscita.endObject();
   }
   uscita.endArray();
@@ -81,23 +110,32 @@ std::int64_t leggiByte(Json valore) {
   return byte < 0 || byte > kMassimo ? 0 : byte;
 }
 
+Scheda leggiScheda(Json voce) {
+  Scheda scheda;
+  scheda.name = voce.testo("name");
+  scheda.bundle = voce.testo("bundle");
+  scheda.prog = voce.testo("prog");
+  scheda.url = voce.testo("url");
+  scheda.desc = voce.testo("desc");
+  scheda.label = voce.testo("label");
+  scheda.dominio = voce.testo("dominio");
+  voce["pesi"].perOgni([&](Json peso) { scheda.pesi.push_back(leggiByte(peso)); });
+  scheda.deboli = voce.testi("deboli");
+  scheda.spento = voce.booleano("spento", false);
+  return scheda;
+}
+
 Group leggiGruppo(Json voce) {
   Group gruppo;
   gruppo.size = leggiByte(voce["size"]);
-  gruppo.hash = voce.testo("hash");
+  daEsadecimale(voce.testo("hash"), gruppo.hash);
   gruppo.paths = voce.testi("paths");
-  gruppo.name = voce.testo("name");
-  gruppo.bundle = voce.testo("bundle");
-  gruppo.prog = voce.testo("prog");
-  gruppo.url = voce.testo("url");
-  gruppo.desc = voce.testo("desc");
-  gruppo.label = voce.testo("label");
-  gruppo.dominio = voce.testo("dominio");
-  voce["pesi"].perOgni([&](Json peso) { gruppo.pesi.push_back(leggiByte(peso)); });
-  voce["mtimes_ns"].perOgni(
-      [&](Json scritta) { gruppo.mtimesNs.push_back(scritta.intero().value_or(0)); });
-  gruppo.deboli = voce.testi("deboli");
-  gruppo.spento = voce.booleano("spento", false);
+  voce["identita"].perOgni(
+      [&](Json identita) { gruppo.identita.push_back(leggiIdentita(identita)); });
+  if (gruppo.identita.size() != gruppo.paths.size()) gruppo.identita.clear();
+  gruppo.dallaCache = voce.booleano("dalla_cache", false);
+  Scheda scheda = leggiScheda(voce);
+  if (scheda != Scheda()) gruppo.scheda.scrivi() = std::move(scheda);
   return gruppo;
 }
 
@@ -113,8 +151,9 @@ Finding leggiFinding(Json voce) {
   finding.unmeasured = voce.booleano("unmeasured", false);
   finding.items.reserve(voce["items"].quanti());
   voce["items"].perOgni([&](Json elemento) {
-    finding.items.push_back(
-        {elemento.testo("path"), leggiByte(elemento["size"]), elemento.numero("mtime", 0)});
+    finding.items.push_back({elemento.testo("path"), leggiByte(elemento["size"]),
+                             elemento.numero("mtime", 0), leggiByte(elemento["lunghezza"]),
+                             leggiIdentita(elemento["identita"])});
   });
   finding.groups.reserve(voce["groups"].quanti());
   voce["groups"].perOgni([&](Json elemento) { finding.groups.push_back(leggiGruppo(elemento)); });

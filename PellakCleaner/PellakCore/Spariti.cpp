@@ -9,18 +9,21 @@ namespace {
 bool togliPercorsi(Group& gruppo, bool copie,
                    const std::function<bool(std::string_view)>& sparito) {
   const std::size_t prima = gruppo.paths.size();
-  const bool pesati = !copie && gruppo.pesi.size() == prima;
+  const bool pesati = !copie && gruppo.scheda->pesi.size() == prima;
   for (std::size_t i = prima; i-- > 0;) {
     if (!sparito(gruppo.paths[i])) continue;
     const auto posto = static_cast<std::ptrdiff_t>(i);
     gruppo.paths.erase(gruppo.paths.begin() + posto);
-    if (i < gruppo.pesi.size()) gruppo.pesi.erase(gruppo.pesi.begin() + posto);
-    if (i < gruppo.mtimesNs.size()) gruppo.mtimesNs.erase(gruppo.mtimesNs.begin() + posto);
+    if (i < gruppo.identita.size()) gruppo.identita.erase(gruppo.identita.begin() + posto);
+    if (i >= gruppo.scheda->pesi.size()) continue;
+    std::vector<std::int64_t>& pesi = gruppo.scheda.scrivi().pesi;
+    pesi.erase(pesi.begin() + posto);
   }
   if (gruppo.paths.size() == prima) return false;
   if (pesati) {
     gruppo.size = 0;
-    for (const std::int64_t peso : gruppo.pesi) gruppo.size = sommaSicura(gruppo.size, peso);
+    for (const std::int64_t peso : gruppo.scheda->pesi)
+      gruppo.size = sommaSicura(gruppo.size, peso);
   }
   return true;
 }

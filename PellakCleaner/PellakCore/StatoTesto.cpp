@@ -17,29 +17,29 @@ void scriviDimensione(JsonWriter& uscita, std::string_view chiave, std::int64_t 
 
 /// What the icon of a group is looked up by: the first of these that is there.
 std::string_view chiaveIcona(const Group& gruppo) {
-  if (!gruppo.bundle.empty()) return gruppo.bundle;
-  return gruppo.prog;
+  if (!gruppo.scheda->bundle.empty()) return gruppo.scheda->bundle;
+  return gruppo.scheda->prog;
 }
 
 void scriviGruppo(JsonWriter& uscita, const Finding& finding, const Group& gruppo,
                   const IconaNota& icona) {
-  const bool sistema = gruppo.dominio == "system" || finding.kind == "avvio-sys";
+  const bool sistema = gruppo.scheda->dominio == "system" || finding.kind == "avvio-sys";
   const std::string_view chiave = chiaveIcona(gruppo);
   uscita.beginObject();
-  uscita.key("name").text(gruppo.name);
-  uscita.key("bundle").text(gruppo.bundle);
+  uscita.key("name").text(gruppo.scheda->name);
+  uscita.key("bundle").text(gruppo.scheda->bundle);
   uscita.key("size").integer(gruppo.size);
   scriviDimensione(uscita, "size_h", gruppo.size);
   uscita.key("icon_src").text(chiave.empty() ? std::string() : icona(chiave));
-  uscita.key("url").text(gruppo.url);
-  uscita.key("spento").boolean(gruppo.spento);
+  uscita.key("url").text(gruppo.scheda->url);
+  uscita.key("spento").boolean(gruppo.scheda->spento);
   uscita.key("admin").boolean(sistema);
   uscita.key("system").boolean(sistema);
-  if (!gruppo.desc.empty()) uscita.key("desc").text(gruppo.desc);
+  if (!gruppo.scheda->desc.empty()) uscita.key("desc").text(gruppo.scheda->desc);
   uscita.key("pesi").beginArray();
-  for (const std::int64_t peso : gruppo.pesi) uscita.integer(peso);
+  for (const std::int64_t peso : gruppo.scheda->pesi) uscita.integer(peso);
   uscita.endArray();
-  uscita.key("deboli").texts(gruppo.deboli);
+  uscita.key("deboli").texts(gruppo.scheda->deboli);
   uscita.key("paths").texts(gruppo.paths);
   if (finding.duplicati()) {
     uscita.key("waste").integer(recuperabili(gruppo));

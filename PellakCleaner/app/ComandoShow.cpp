@@ -70,8 +70,8 @@ void stampaVoci(const Finding& finding, const std::string& home) {
   }
   for (std::size_t i = 0; i < finding.groups.size(); ++i) {
     const Group& gruppo = finding.groups[i];
-    tabella.riga(
-        {dimensione(gruppo.size), "gruppo " + std::to_string(i), perTerminale(gruppo.name)});
+    tabella.riga({dimensione(gruppo.size), "gruppo " + std::to_string(i),
+                  perTerminale(gruppo.scheda->name)});
     for (const std::string& percorso : gruppo.paths) {
       tabella.riga({"", "", "  " + perTerminale(percorsoMostrato(percorso, home))});
     }

@@ -35,9 +35,11 @@ enum class EntryType : std::uint8_t { unknown, directory, link, regular, other }
 /// `gid` and `nlink` at 0.
 struct EntryAttributes {
   EntryType type = EntryType::unknown;
-  std::int64_t size = 0;   ///< logical bytes
-  std::int64_t alloc = 0;  ///< bytes taken on disk
-  std::int64_t mtime = 0;  ///< seconds since 1970-01-01 UTC
+  std::int64_t size = 0;     ///< logical bytes
+  std::int64_t alloc = 0;    ///< bytes taken on disk
+  std::int64_t mtime = 0;    ///< seconds since 1970-01-01 UTC
+  std::int64_t mtimeNs = 0;  ///< the same with its fraction, in nanoseconds
+  std::int64_t ctimeNs = 0;  ///< last change of content or record; 0 where the listing tells none
   std::uint64_t ino = 0;
   std::int32_t dev = 0;
   std::uint32_t flags = 0;

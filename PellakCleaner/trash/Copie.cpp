@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <span>
+#include <vector>
 
 #include "platform/Sha256.h"
 
@@ -11,18 +12,12 @@ namespace {
 
 constexpr std::size_t kBuffer = std::size_t{1} << 18U;
 
-std::string esadecimale(const Sha256Digest& digest) {
-  constexpr std::string_view kCifre = "0123456789abcdef";
-  std::string testo;
-  for (const std::uint8_t byte : digest) {
-    testo += kCifre[byte >> 4];
-    testo += kCifre[byte & 15];
-  }
-  return testo;
+bool nota(const Group& gruppo, std::size_t copia) {
+  return copia < gruppo.identita.size() && gruppo.identita[copia].nota();
 }
 
-/// The content's hash; empty when it can't be read whole.
-std::string impronta(const OpenFile& file, std::int64_t size) {
+/// The content's hash; nothing when it can't be read whole.
+std::optional<Sha256Digest> impronta(const OpenFile& file, std::int64_t size) {
   const auto calcolo = creaTwinSha256();
   std::vector<std::byte> buffer(kBuffer);
   std::int64_t letti = 0;
@@ -32,7 +27,7 @@ std::string impronta(const OpenFile& file, std::int64_t size) {
     calcolo->update(0, std::span(buffer).first(*parte));
     letti += static_cast<std::int64_t>(*parte);
   }
-  return esadecimale(calcolo->finish(0));
+  return calcolo->finish(0);
 }
 
 }  // namespace
@@ -48,7 +43,7 @@ bool Copie::esiste(const std::string& percorso) const { return stato(percorso).h
 
 bool Copie::riscritta(const Group& gruppo, std::size_t copia) const {
   const auto ora = stato(gruppo.paths[copia]);
-  return ora && copia < gruppo.mtimesNs.size() && !comeTrovata(gruppo, copia, *ora);
+  return ora && nota(gruppo, copia) && !comeTrovata(gruppo, copia, *ora);
 }
 
 bool Copie::ancora(const std::string& percorso, const FileMark& prima) const {
@@ -57,8 +52,8 @@ bool Copie::ancora(const std::string& percorso, const FileMark& prima) const {
 
 bool Copie::comeTrovata(const Group& gruppo, std::size_t copia, const FileMark& ora) const {
   if (ora.size != gruppo.size) return false;
-  if (copia < gruppo.mtimesNs.size()) return ora.mtimeNs == gruppo.mtimesNs[copia];
-  if (gruppo.hash.empty()) return false;
+  if (nota(gruppo, copia)) return ora.mtimeNs == gruppo.identita[copia].mtimeNs;
+  if (!gruppo.conHash()) return false;
   const auto file = reader_.open(gruppo.paths[copia], ReadPlan::whole);
   return file && impronta(**file, ora.size) == gruppo.hash;
 }

@@ -16,7 +16,7 @@ const Group* gruppoDi(const std::optional<Finding>& finding, std::int64_t indice
 }
 
 std::string nomeGruppo(const Group& gruppo) {
-  if (!gruppo.name.empty() || gruppo.paths.empty()) return gruppo.name;
+  if (!gruppo.scheda->name.empty() || gruppo.paths.empty()) return gruppo.scheda->name;
   return std::string(ultimoComponente(gruppo.paths.front()));
 }
 
@@ -31,8 +31,8 @@ std::string titoloGruppo(const Finding& finding, const Group& gruppo) {
 
 void aggiungiPercorsi(const Group& gruppo, std::vector<Candidato>& voci) {
   for (std::size_t i = 0; i < gruppo.paths.size(); ++i) {
-    std::int64_t size = i < gruppo.pesi.size() ? gruppo.pesi[i] : 0;
-    if (gruppo.pesi.empty() && i == 0) size = gruppo.size;
+    std::int64_t size = i < gruppo.scheda->pesi.size() ? gruppo.scheda->pesi[i] : 0;
+    if (gruppo.scheda->pesi.empty() && i == 0) size = gruppo.size;
     voci.push_back({gruppo.paths[i], size});
   }
 }

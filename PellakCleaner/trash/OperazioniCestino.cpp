@@ -43,7 +43,8 @@ Esito OperazioniCestino::trash(std::string_view id,
 std::optional<Esito> OperazioniCestino::appAperta(const Finding& finding, const Group& gruppo,
                                                   bool chiudi) const {
   if (finding.id != "apps") return {};
-  auto app = applicazioni_.find(gruppo.bundle.empty() ? gruppo.name : gruppo.bundle);
+  auto app = applicazioni_.find(gruppo.scheda->bundle.empty() ? gruppo.scheda->name
+                                                              : gruppo.scheda->bundle);
   if (!app && !gruppo.paths.empty()) app = applicazioni_.find(gruppo.paths.front());
   if (!app || !applicazioni_.running(*app)) return {};
   if (!chiudi) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <map>
 
+#include "PellakCore/base/Esadecimale.h"
 #include "api/Richieste.h"
 
 namespace pellak::api {
@@ -62,7 +63,7 @@ class RotteCestinoTest : public Richieste {
     Finding finding = categoria({});
     Group gruppo;
     gruppo.size = 1;
-    gruppo.hash = kHashX;
+    daEsadecimale(kHashX, gruppo.hash);
     for (const char* nome : {"dati/a", "dati/b", "dati/c"}) {
       fakes::scriviFile(home / nome, "x");
       gruppo.paths.push_back(home / nome);

@@ -123,9 +123,9 @@ TEST_F(EngineTest, WhatGoesWhileItsSectionIsScannedDoesNotComeBack) {
   trovato.items = {{"/h/va", 1, 1}, {"/h/va/sotto", 1, 1}, {"/h/vale", 1, 1}};
   trovato.groups.resize(1);
   trovato.groups[0].size = 30;
-  trovato.groups[0].bundle = "editor";
+  trovato.groups[0].scheda.scrivi().bundle = "editor";
   trovato.groups[0].paths = {"/h/va/x", "/h/b"};
-  trovato.groups[0].pesi = {10, 20};
+  trovato.groups[0].scheda.scrivi().pesi = {10, 20};
   std::unique_ptr<Engine> engine;
   const auto mostra = [&](const char* testo) {
     return engine->snapshot()->testo.str().find(testo) != std::string::npos;

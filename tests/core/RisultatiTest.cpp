@@ -26,22 +26,14 @@ Sezioni piene() {
   finding.kind = "k";
   finding.hint = "h";
   finding.unmeasured = true;
-  finding.items = {{"/h/strano\n\xFF\xEE\xBE\x80", 1024, 1'600'000'000}};
+  const Identita identita{UINT64_MAX, 5, -6, EntryType::other};
+  finding.items = {{"/h/strano\n\xFF\xEE\xBE\x80", 1024, 1'600'000'000, 1000, identita}, {"/v"}};
   // Every member, in order.
-  finding.groups = {{7,
-                     "ab",
-                     {"/x", "/y"},
-                     "Nome",
-                     "b",
-                     "p",
-                     "u",
-                     "d",
-                     {3, 4},
-                     {5, 6},
-                     {"/y"},
-                     "l",
-                     "system",
-                     true}};
+  Group copie{7, {"/x", "/y"}, {identita, {}}, {}, true, {}};
+  copie.hash.fill(0xab);
+  Group app{8, {"/x", "/y"}, {}, {}, false, {}};
+  app.scheda.scrivi() = {"Nome", "b", "p", "u", "d", {3, 4}, {"/y"}, "l", "system", true};
+  finding.groups = {copie, app};
   sviluppo.findings = {finding};
   return sezioni;
 }
@@ -51,8 +43,15 @@ TEST(Risultati, EverythingComesBackAndTheUnscannedStaysIdle) {
   Sezioni lette = vuote();
   ASSERT_TRUE(leggiRisultati(testo, lette).ok());
   EXPECT_EQ(scriviRisultati(lette), testo);
-  EXPECT_EQ(lette.find("sviluppo")->second.findings[0].items[0].path,
-            "/h/strano\n\xFF\xEE\xBE\x80");
+  const Finding& letto = lette.find("sviluppo")->second.findings[0];
+  const Finding scritto = piene().find("sviluppo")->second.findings[0];
+  EXPECT_EQ(letto.items[0].path, scritto.items[0].path);
+  EXPECT_EQ(letto.items[0].identita, scritto.items[0].identita);
+  EXPECT_EQ(letto.items[0].lunghezza, 1000);
+  EXPECT_EQ(letto.groups[0].hash, scritto.groups[0].hash);
+  EXPECT_EQ(letto.groups[0].identita, scritto.groups[0].identita);
+  EXPECT_TRUE(letto.groups[0].dallaCache);
+  EXPECT_EQ(*letto.groups[1].scheda, *scritto.groups[1].scheda);
   EXPECT_TRUE(lette.find("sviluppo")->second.scanned);
   EXPECT_FALSE(lette.find("privacy")->second.scanned);
   EXPECT_TRUE(lette.find("privacy")->second.status.empty());
@@ -71,7 +70,8 @@ TEST(Risultati, WrongTypesTakeTheirEmptyValues) {
   Sezioni sezioni = vuote();
   ASSERT_TRUE(leggiRisultati(R"({"sviluppo":{"ts":5,"status":7,"denied":"x","denied_top":{},
       "findings":[1,null,{"id":[],"items":{"a":1},"groups":[3,{"size":-4,"paths":"p",
-      "pesi":["x",9223372036854775807,-1]}]},{"items":[{"path":1,"size":"2","mtime":true},"y"]}]},
+      "identita":[[1,2,3,3]],"hash":"zz","pesi":["x",9223372036854775807,-1]},
+      {"paths":["/a"],"mtimes_ns":[5],"identita":[[1,2,3,9]]}]},{"items":[{"path":1,"size":"2","mtime":true},"y"]}]},
       "privacy":[],"ignota":{"ts":1}})",
                              sezioni)
                   .ok());
@@ -79,9 +79,12 @@ TEST(Risultati, WrongTypesTakeTheirEmptyValues) {
   EXPECT_TRUE(sviluppo.scanned);
   EXPECT_EQ(sviluppo.denied, 0);
   ASSERT_EQ(sviluppo.findings.size(), 2U);
-  ASSERT_EQ(sviluppo.findings[0].groups.size(), 2U);
-  EXPECT_EQ(sviluppo.findings[0].groups[1].size, 0);
-  EXPECT_EQ(sviluppo.findings[0].groups[1].pesi, (std::vector<std::int64_t>{0, 0, 0}));
+  ASSERT_EQ(sviluppo.findings[0].groups.size(), 3U);
+  const Group& gruppo = sviluppo.findings[0].groups[1];
+  EXPECT_EQ(gruppo.size, 0);
+  EXPECT_EQ(gruppo.scheda->pesi, (std::vector<std::int64_t>{0, 0, 0}));
+  EXPECT_TRUE(gruppo.identita.empty() && !gruppo.conHash());
+  EXPECT_FALSE(sviluppo.findings[0].groups[2].identita.at(0).nota());
   EXPECT_EQ(sviluppo.totale(), 0);
   EXPECT_FALSE(sezioni.find("privacy")->second.scanned);
   EXPECT_FALSE(leggiRisultati("[1]", sezioni).ok());

@@ -67,7 +67,7 @@ TEST(StatoTesto, CountsOfAppsUpdatesAndStartupItems) {
   apps.id = "apps";
   apps.groups.resize(2);
   apps.groups[0].size = 2048;
-  apps.groups[0].bundle = "org.x";
+  apps.groups[0].scheda.scrivi().bundle = "org.x";
   Finding updates;
   updates.id = "updates";
   updates.groups.resize(3);

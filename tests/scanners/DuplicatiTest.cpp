@@ -7,7 +7,6 @@
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <iomanip>
 #include <map>
 #include <mutex>
 #include <random>
@@ -17,6 +16,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "PellakCore/base/Esadecimale.h"
 #include "PellakCore/base/ScanCancelled.h"
 #include "fakes/CartellaTemporanea.h"
 #include "fakes/FakeClock.h"
@@ -134,11 +134,7 @@ std::string casuale(std::size_t lunghezza, unsigned seme) {
 std::string sha256(const std::string& testo) {
   const auto sha = creaTwinSha256();
   sha->update(0, std::as_bytes(std::span(testo)));
-  std::ostringstream cifre;
-  for (const std::uint8_t byte : sha->finish(0)) {
-    cifre << std::hex << std::setw(2) << std::setfill('0') << int{byte};
-  }
-  return cifre.str();
+  return esadecimale(sha->finish(0));
 }
 
 TEST_F(DuplicatiTest, TellsTheFindingAsAPersonSeesIt) {
@@ -154,10 +150,14 @@ TEST_F(DuplicatiTest, TellsTheFindingAsAPersonSeesIt) {
   ASSERT_EQ(finding.groups.size(), 1U);
   EXPECT_EQ(finding.groups[0].size, 200'000);
   // sha256sum of 200,000 letters "a".
-  EXPECT_EQ(finding.groups[0].hash,
+  EXPECT_EQ(esadecimale(finding.groups[0].hash),
             "2287d207f24a941ff3b56c04c8a25ad56b63e3023207b3bb5b4ac0c9869d74be");
   EXPECT_THAT(finding.groups[0].paths, ElementsAre(casa_ / "a/prima", casa_ / "b/copia"));
   EXPECT_EQ(finding.totale(), 200'000);
+  for (std::size_t i = 0; i < 2; ++i) {
+    const auto ora = native::DirectoryListerLinux().attributes(finding.groups[0].paths[i]);
+    EXPECT_EQ(finding.groups[0].identita.at(i), identitaDi(*ora));
+  }
 }
 
 TEST_F(DuplicatiTest, OnlyEqualContentMakesAGroup) {
@@ -242,7 +242,7 @@ TEST_F(DuplicatiTest, FilesPartWhereverTheyDiffer) {
     }
   }
   std::map<std::string, std::vector<std::string>> trovati;
-  for (const Group& gruppo : scan().groups) trovati[gruppo.hash] = gruppo.paths;
+  for (const Group& gruppo : scan().groups) trovati[esadecimale(gruppo.hash)] = gruppo.paths;
   EXPECT_EQ(trovati, attesi);
   for (const auto& [percorso, letti] : lettore_.letti()) {
     EXPECT_LE(letti, base.size() + 80'000) << percorso;
@@ -261,7 +261,7 @@ TEST_F(DuplicatiTest, AFileThatGetsShorterTakesNoOtherAlong) {
   EXPECT_TRUE(corto);
   ASSERT_EQ(finding.groups.size(), 1U);
   EXPECT_THAT(finding.groups[0].paths, ElementsAre(casa_ / "b", casa_ / "c"));
-  EXPECT_EQ(finding.groups[0].hash, sha256(testo));
+  EXPECT_EQ(esadecimale(finding.groups[0].hash), sha256(testo));
 }
 
 TEST_F(DuplicatiTest, AFewDescriptorsAreEnough) {

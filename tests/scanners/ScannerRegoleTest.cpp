@@ -80,6 +80,10 @@ TEST_F(ScannerRegoleTest, MeasuresTheChildrenLargestFirst) {
   EXPECT_EQ(finding.items[2].path, "/casa/anna/c/piccolo");
   EXPECT_EQ(finding.items[2].size, 4096);
   EXPECT_EQ(finding.items[2].mtime, kOra - 50);
+  EXPECT_EQ(finding.items[2].identita.inode, disco_.attributes("/casa/anna/c/piccolo")->ino);
+  EXPECT_EQ(finding.items[2].identita.mtimeNs,
+            (static_cast<std::int64_t>(kOra) - 50) * 1'000'000'000);
+  EXPECT_EQ(finding.items[2].identita.type, EntryType::regular);
   EXPECT_EQ(contatore_.n(), 0);
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "PellakCore/base/Esadecimale.h"
 #include "fakes/CartellaTemporanea.h"
 #include "trash/Copie.h"
 
@@ -21,7 +22,8 @@ class CopieTest : public testing::Test {
     for (const char* nome : {"a", "b", "c"}) {
       scrivi(nome, "12345", kScritto);
       gruppo_.paths.push_back(home_ / nome);
-      gruppo_.mtimesNs.push_back(kScritto * 1'000'000'000 + 250'000'000);
+      gruppo_.identita.push_back(
+          {1, kScritto * 1'000'000'000 + 250'000'000, 1, EntryType::regular});
     }
   }
 
@@ -79,9 +81,10 @@ TEST_F(CopieTest, AWriteRightBeforeTheMoveIsSeen) {
 }
 
 TEST_F(CopieTest, ResultsWithoutTimesCompareTheContent) {
-  gruppo_.mtimesNs.clear();
+  gruppo_.identita.clear();
   EXPECT_FALSE(conservabile(0)) << "nothing to compare with";
-  gruppo_.hash = "5994471abb01112afcc18159f6cc74b4f511b99806da59b3caf5a9c173cacfc5";
+  ASSERT_TRUE(daEsadecimale("5994471abb01112afcc18159f6cc74b4f511b99806da59b3caf5a9c173cacfc5",
+                            gruppo_.hash));
   EXPECT_TRUE(conservabile(0));
   scrivi("a", "54321", kScritto);
   EXPECT_FALSE(conservabile(0));

@@ -90,7 +90,12 @@ std::optional<Record> parseRecord(std::span<const std::byte> bytes) {
   if ((common & kObjectType) != 0) a.type = typeOf(reader.number<std::uint32_t>());
   if ((common & kModified) != 0) {
     a.mtime = reader.number<std::int64_t>();
-    reader.number<std::int64_t>();  // nanoseconds
+    const auto fraction = reader.number<std::int64_t>();
+    // Seconds that leave the range are those of a broken record.
+    if (__builtin_mul_overflow(a.mtime, std::int64_t{1'000'000'000}, &a.mtimeNs) ||
+        __builtin_add_overflow(a.mtimeNs, fraction, &a.mtimeNs)) {
+      a.mtimeNs = 0;
+    }
   }
   if ((common & kFlags) != 0) a.flags = reader.number<std::uint32_t>();
   if ((common & kFileId) != 0) a.ino = reader.number<std::uint64_t>();

@@ -12,28 +12,13 @@
 #include "platform/posix/ErrnoError.h"
 #include "platform/posix/FolderPosix.h"
 #include "platform/posix/ReadAdvice.h"
+#include "platform/posix/RecordTimes.h"
 
 namespace pellak::posix {
 namespace {
 
 // Not blocking: a pipe may have taken the file's place.
 constexpr int kReadFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-
-std::int64_t nanoseconds(const timespec& time) {
-  return static_cast<std::int64_t>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
-}
-
-/// The BSD family has its own names for the fields.
-template <class Record>
-void setTimes(FileMark& mark, const Record& record) {
-  if constexpr (requires { record.st_mtimespec; }) {
-    mark.mtimeNs = nanoseconds(record.st_mtimespec);
-    mark.ctimeNs = nanoseconds(record.st_ctimespec);
-  } else {
-    mark.mtimeNs = nanoseconds(record.st_mtim);
-    mark.ctimeNs = nanoseconds(record.st_ctim);
-  }
-}
 
 class OpenFilePosix final : public OpenFile {
  public:
@@ -47,7 +32,9 @@ class OpenFilePosix final : public OpenFile {
     mark.size = record.st_size;
     mark.dev = static_cast<std::uint64_t>(record.st_dev);
     mark.ino = record.st_ino;
-    setTimes(mark, record);
+    const RecordTimes times = timesOf(record);
+    mark.mtimeNs = times.modified;
+    mark.ctimeNs = times.changed;
     return mark;
   }
 

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "platform/posix/ErrnoError.h"
+#include "platform/posix/RecordTimes.h"
 
 namespace pellak::posix {
 namespace {
@@ -82,6 +83,9 @@ EntryAttributes attributesOf(const struct stat& record) {
   a.size = record.st_size;
   a.alloc = static_cast<std::int64_t>(record.st_blocks) * 512;
   a.mtime = record.st_mtime;
+  const RecordTimes times = timesOf(record);
+  a.mtimeNs = times.modified;
+  a.ctimeNs = times.changed;
   a.ino = record.st_ino;
   a.dev = static_cast<std::int32_t>(record.st_dev);
   a.mode = record.st_mode;

@@ -23,6 +23,7 @@ struct Contenuto {
   std::int64_t size = 0;
   std::uint64_t impronta = 0;
   std::int64_t mtimeNs = 0;  ///< last write, as it was when the file was opened
+  std::int64_t ctimeNs = 0;  ///< last change of its record, likewise
   std::uint32_t primo = 0;
   std::uint32_t quanti = 0;
   Sha256Digest digest{};

@@ -64,6 +64,7 @@ std::unique_ptr<OpenFile> Lettura::apri(Contenuto& contenuto, ReadPlan plan, Fil
     if (!ora || !ora->regular || ora->size != contenuto.size) continue;
     segno = *ora;
     contenuto.mtimeNs = ora->mtimeNs;
+    contenuto.ctimeNs = ora->ctimeNs;
     candidato.dev = static_cast<std::int32_t>(ora->dev);
     candidato.ino = ora->ino;
     return std::move(file).value();

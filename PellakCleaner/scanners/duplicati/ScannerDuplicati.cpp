@@ -55,16 +55,6 @@ void raccogli(const ScanContext& ctx, Candidati& candidati) {
                        });
 }
 
-std::string esadecimale(const Sha256Digest& digest) {
-  constexpr std::string_view kCifre = "0123456789abcdef";
-  std::string testo;
-  for (const std::uint8_t byte : digest) {
-    testo += kCifre[byte >> 4];
-    testo += kCifre[byte & 15];
-  }
-  return testo;
-}
-
 /// Puts equal files into their group in ascending order of their paths, each file on disk once:
 /// what was found as two may have become one by the time it was read.
 void riempi(Group& gruppo, std::span<Contenuto> uguali, const std::vector<Candidato>& candidati,
@@ -76,18 +66,21 @@ void riempi(Group& gruppo, std::span<Contenuto> uguali, const std::vector<Candid
   std::sort(uguali.begin(), uguali.end(), [&](const Contenuto& a, const Contenuto& b) {
     return file(a) != file(b) ? file(a) < file(b) : percorso(a) < percorso(b);
   });
-  std::vector<std::pair<std::string, std::int64_t>> copie;
+  std::vector<std::pair<std::string, Identita>> copie;
   copie.reserve(uguali.size());
   for (std::size_t i = 0; i < uguali.size(); ++i) {
     if (i > 0 && file(uguali[i]) == file(uguali[i - 1])) continue;
-    copie.emplace_back(percorso(uguali[i]), uguali[i].mtimeNs);
+    const Contenuto& copia = uguali[i];
+    copie.emplace_back(percorso(copia), Identita{candidati[copia.primo].ino, copia.mtimeNs,
+                                                 copia.ctimeNs, EntryType::regular});
   }
-  std::sort(copie.begin(), copie.end());
+  std::sort(copie.begin(), copie.end(),
+            [](const auto& a, const auto& b) { return a.first < b.first; });
   gruppo.paths.reserve(copie.size());
-  gruppo.mtimesNs.reserve(copie.size());
-  for (auto& [testo, mtimeNs] : copie) {
+  gruppo.identita.reserve(copie.size());
+  for (auto& [testo, identita] : copie) {
     gruppo.paths.push_back(std::move(testo));
-    gruppo.mtimesNs.push_back(mtimeNs);
+    gruppo.identita.push_back(identita);
   }
 }
 
@@ -99,7 +92,7 @@ std::vector<Group> gruppi(std::vector<Contenuto>& contenuti,
     Group gruppo;
     riempi(gruppo, std::span(contenuti).subspan(da, fine - da), candidati, testi);
     gruppo.size = contenuti[da].size;
-    gruppo.hash = esadecimale(contenuti[da].digest);
+    gruppo.hash = contenuti[da].digest;
     if (gruppo.paths.size() > 1) trovati.push_back(std::move(gruppo));
     da = fine;
   }

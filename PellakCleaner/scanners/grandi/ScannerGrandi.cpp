@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "scanners/Luoghi.h"
+#include "scanners/walker/StatRecord.h"
 #include "scanners/walker/Walker.h"
 
 namespace pellak::scanners {
@@ -33,7 +34,8 @@ std::vector<Voce> cerca(const ScanContext& ctx, const walker::Ambiente& ambiente
       ambiente, radici, filtro, ctx.stop, [](std::string_view percorso, const struct stat& stato) {
         return std::optional<Voce>({std::string(percorso),
                                     static_cast<std::int64_t>(stato.st_blocks) * 512,
-                                    static_cast<double>(stato.st_mtime)});
+                                    static_cast<double>(stato.st_mtime), stato.st_size,
+                                    identitaDi(walker::identifying(stato))});
       });
 }
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "PellakCore/base/BytePath.h"
+#include "scanners/walker/StatRecord.h"
 #include "scanners/walker/Walker.h"
 
 namespace pellak::scanners {
@@ -124,8 +125,13 @@ Raccolta raccogli(const walker::Ambiente& ambiente, const std::string& home,
 /// What a scan keeps before it measures, one list for each property so that the paths can be
 /// handed on as they are.
 struct Tenuti {
+  struct Stato {
+    double mtime = 0;
+    std::int64_t lunghezza = 0;
+    Identita identita;
+  };
   std::vector<std::string> percorsi;
-  std::vector<double> mtime;
+  std::vector<Stato> stati;
 };
 
 Tenuti filtra(const walker::Ambiente& ambiente, const ScanContext& ctx,
@@ -142,7 +148,8 @@ Tenuti filtra(const walker::Ambiente& ambiente, const ScanContext& ctx,
     const auto mtime = static_cast<double>(stato->st_mtime);
     if (conEta && mtime > limite) continue;
     tenuti.percorsi.push_back(candidato);
-    tenuti.mtime.push_back(mtime);
+    const std::int64_t lunghezza = S_ISDIR(stato->st_mode) ? 0 : stato->st_size;
+    tenuti.stati.push_back({mtime, lunghezza, identitaDi(walker::identifying(*stato))});
   }
   return tenuti;
 }
@@ -152,7 +159,10 @@ std::vector<Voce> misura(const walker::Ambiente& ambiente, const ScanContext& ct
   std::vector<Voce> voci;
   for (std::size_t i = 0; i < misure.size(); ++i) {
     const std::int64_t byte = misure[i].value_or(0);
-    if (byte > 0) voci.push_back({std::move(tenuti.percorsi[i]), byte, tenuti.mtime[i]});
+    if (byte <= 0) continue;
+    const Tenuti::Stato& stato = tenuti.stati[i];
+    voci.push_back(
+        {std::move(tenuti.percorsi[i]), byte, stato.mtime, stato.lunghezza, stato.identita});
   }
   std::stable_sort(voci.begin(), voci.end(),
                    [](const Voce& a, const Voce& b) { return a.size > b.size; });

@@ -68,8 +68,8 @@ Result<std::vector<BulkEntry>> listFolder(const Ambiente& ambiente, std::string_
 std::optional<std::vector<std::string>> nameList(const Ambiente& ambiente,
                                                  std::string_view percorso);
 
-/// The path's own record: type and permissions, links, owner, device, inode, size, blocks,
-/// modification second and flags; other fields are 0.
+/// The path's own record: type and permissions, links, owner, device, inode, size, blocks, times of
+/// modification and status change and flags; other fields are 0.
 std::optional<struct stat> statNoFollow(const Ambiente& ambiente, std::string_view percorso);
 
 /// Bytes on disk of a file, or of everything below a folder: hard links count each time, folders
