@@ -19,6 +19,7 @@
 #include "app/ComandoScan.h"
 #include "app/ComandoShow.h"
 #include "app/ComandoTrash.h"
+#include "app/Interruzione.h"
 #include "app/RigaComando.h"
 #include "app/Terminale.h"
 #include "platform/Native.h"
@@ -75,6 +76,7 @@ int esegui(const Comando& comando) {
   if (std::holds_alternative<OpzioniFinestra>(comando)) {
     return comandoFinestra(std::move(native), std::move(*ambiente), avviso);
   }
+  const AscoltoSegnali ascolto;
   Applicazione applicazione(std::move(native), std::move(*ambiente), avviso);
   return std::visit(Esecutore{applicazione}, comando);
 }

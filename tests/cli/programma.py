@@ -96,8 +96,9 @@ class ConCasa(unittest.TestCase):
         return [json.loads(riga) for riga in uscita.splitlines()]
 
 
-def su_terminale(argomenti, ambiente, invia=None, dopo=None):
-    """Runs the program on a pseudo-terminal; sends bytes once `dopo` was seen."""
+def su_terminale(argomenti, ambiente, invia=None, dopo=None, guarda=None):
+    """Runs the program on a pseudo-terminal; sends bytes once `dopo` was seen and `guarda` was
+    called with the process's number."""
     figlio, terminale = pty.fork()
     if figlio == 0:
         os.execve(PROGRAMMA, [PROGRAMMA, *argomenti], ambiente)
@@ -115,6 +116,8 @@ def su_terminale(argomenti, ambiente, invia=None, dopo=None):
             break
         uscita += parte
         if invia and dopo in uscita:
+            if guarda:
+                guarda(figlio)
             os.write(terminale, invia)
             invia = None
     os.close(terminale)

@@ -2,7 +2,9 @@
 
 import json
 import os
+import pathlib
 import re
+import signal
 import subprocess
 import time
 import unittest
@@ -19,9 +21,9 @@ class ConOperazioni(ConCestino):
         """The ids of the operations that a `trash` says how to undo."""
         return re.findall(r"^Per annullare: pellak-cleaner restore (\S+)\r?$", uscita, re.M)
 
-    def al_terminale(self, risposta, *argomenti):
+    def al_terminale(self, risposta, *argomenti, guarda=None):
         stato, uscita = su_terminale(argomenti, dict(self.ambiente, TERM="xterm", NO_COLOR="1"),
-                                     invia=risposta, dopo=b"[s/N]")
+                                     invia=risposta, dopo=b"[s/N]", guarda=guarda)
         return stato, uscita.replace("\r\n", "\n")
 
     def titoli(self):
@@ -36,6 +38,20 @@ class Categoria(ConOperazioni):
             self.cosa(f"cosa{i:02}", f"contenuto {i}")
         self.scandisci()
         self.prima = self.contenuti()
+
+    @unittest.skipUnless(os.path.isdir("/proc/self/task"), "threads can't be looked at")
+    def test_one_thread_alone_gets_the_signals(self):
+        def ricevono(processo):
+            for compito in pathlib.Path(f"/proc/{processo}/task").iterdir():
+                stato = re.search(r"^SigBlk:\s+(\w+)$", (compito / "status").read_text(), re.M)
+                for segnale in (signal.SIGINT, signal.SIGTERM):
+                    if not int(stato[1], 16) >> (segnale - 1) & 1:
+                        aperti.append((compito.name, segnale))
+        aperti = []
+        stato, _ = self.al_terminale(b"n\n", "trash", FINDING, guarda=ricevono)
+        self.assertEqual(stato, 1)
+        self.assertEqual([segnale for _, segnale in aperti], [signal.SIGINT, signal.SIGTERM])
+        self.assertEqual(aperti[0][0], aperti[1][0])
 
     def test_the_question_shows_what_goes_and_only_a_yes_moves_it(self):
         for risposta, stato_atteso in ((b"n\n", 1), (b"\n", 1), (b"\x04", 1), (b"\x03", 130),
