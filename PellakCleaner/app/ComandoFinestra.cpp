@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <fmt/format.h>
 #include <optional>
+#include <unistd.h>
 #include <utility>
 
 #include "app/Terminale.h"
@@ -15,6 +16,7 @@
 #include "shell/Incorporati.h"
 #include "shell/Notifiche.h"
 #include "shell/Prova.h"
+#include "shell/Riavvio.h"
 #include "shell/Sorveglianza.h"
 
 namespace pellak::app {
@@ -124,7 +126,8 @@ class Finestra {
   }
 
   bool riavvia() {
-    return avviaShell("sleep 0.5; " + desktop_.startCommand(applicazione_.eseguibile()));
+    return avviaShell(
+        shell::comandoRiavvio(::getpid(), desktop_.startCommand(applicazione_.eseguibile())));
   }
 
   void cattura() {

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <sys/stat.h>
@@ -9,7 +10,7 @@
 
 #include "fakes/CartellaTemporanea.h"
 #include "fakes/MemoryLister.h"
-#include "platform/linux/DirectoryListerLinux.h"
+#include "platform/Native.h"
 
 namespace pellak::walker {
 
@@ -56,7 +57,7 @@ class MemoryWorld final : public World {
 class DiskWorld final : public World {
  public:
   std::string root() const override { return folder_.percorso(); }
-  DirectoryLister& lister() override { return lister_; }
+  DirectoryLister& lister() override { return native_->platform().lister; }
   void folder(const std::string& p) override { std::filesystem::create_directories(at(p)); }
   void file(const std::string& p, std::int64_t size) override {
     fakes::scriviFile(at(p), std::string(static_cast<std::size_t>(size), 'x'));
@@ -80,7 +81,7 @@ class DiskWorld final : public World {
   }
 
   fakes::CartellaTemporanea folder_;
-  native::DirectoryListerLinux lister_;
+  const std::unique_ptr<Native> native_ = creaNative();
 };
 
 }  // namespace pellak::walker
