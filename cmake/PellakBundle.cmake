@@ -33,4 +33,11 @@ function(pellak_bundle target)
       COMMAND ${CMAKE_COMMAND} -E copy ${ARG_ICON} ${inside}
       VERBATIM)
   endif()
+  # Last: what is put in later breaks the seal. The linker signs the program alone, and the system
+  # refuses a bundle whose resources nobody vouches for.
+  add_custom_command(
+    TARGET ${target}
+    POST_BUILD
+    COMMAND codesign --force --sign - $<TARGET_BUNDLE_DIR:${target}>
+    VERBATIM)
 endfunction()

@@ -18,6 +18,10 @@ say "compilo (building)…"
 quietly build cmake --build --preset release --target pellak-cleaner -- --quiet
 
 program=$PELLAK_ROOT/build/release/pellak-cleaner
+# In a bundle the file itself: started through the link beside it, the system takes the program for
+# one without a bundle.
+bundled="$PELLAK_ROOT/build/release/Pellak Cleaner.app/Contents/MacOS/Pellak Cleaner"
+[[ ! -x $bundled ]] || program=$bundled
 cd "$start"
 if (($# > 0)); then
   exec "$program" "$@"

@@ -2,9 +2,12 @@
 
 #import <AppKit/AppKit.h>
 #include <chrono>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "platform/macos/Bridging.h"
+#include "platform/macos/ProcessesMac.h"
 
 namespace pellak::native {
 namespace {
@@ -46,6 +49,32 @@ NSString* shownName(NSBundle* bundle) {
   return [name.pathExtension isEqualToString:@"app"] ? name.stringByDeletingPathExtension : name;
 }
 
+/// The bundle whose own program a file is, not one of its helpers'; nil for any other file.
+NSBundle* bundleRunBy(const std::string& executable) {
+  constexpr std::string_view kInside = "/Contents/MacOS/";
+  const std::size_t inside = executable.rfind(kInside);
+  if (inside == std::string::npos) return nil;
+  NSURL* place = fileUrlOf(std::string_view(executable).substr(0, inside));
+  NSBundle* bundle = place == nil ? nil : [NSBundle bundleWithURL:place];
+  const std::string own = bytesOf(bundle.executablePath.lastPathComponent);
+  return executable.substr(inside + kInside.size()) == own ? bundle : nil;
+}
+
+/// From the kernel's list: the workspace's own is renewed by a run loop, which a command in a
+/// terminal has not.
+std::vector<pid_t> processesOf(const ApplicationInfo& app) {
+  NSString* identifier = app.id.empty() ? nil : textOf(app.id);
+  std::vector<pid_t> found;
+  for (const ProcessMac& process : ownProcesses()) {
+    NSBundle* bundle = bundleRunBy(process.executable);
+    if (bundle == nil) continue;
+    const bool same = identifier != nil ? [bundle.bundleIdentifier isEqualToString:identifier]
+                                        : bytesOf(bundle.bundlePath) == app.path;
+    if (same) found.push_back(process.pid);
+  }
+  return found;
+}
+
 }  // namespace
 
 std::optional<ApplicationInfo> ApplicationsMac::find(std::string_view chiave) {
@@ -59,26 +88,14 @@ std::optional<ApplicationInfo> ApplicationsMac::find(std::string_view chiave) {
 
 bool ApplicationsMac::running(const ApplicationInfo& app) {
   @autoreleasepool {
-    if (!app.id.empty()) {
-      NSString* identifier = textOf(app.id);
-      return identifier != nil &&
-             [NSRunningApplication runningApplicationsWithBundleIdentifier:identifier].count > 0;
-    }
-    NSString* path = textOf(app.path);
-    for (NSRunningApplication* candidate in NSWorkspace.sharedWorkspace.runningApplications) {
-      if (path != nil && [candidate.bundleURL.path isEqualToString:path]) return true;
-    }
-    return false;
+    return !processesOf(app).empty();
   }
 }
 
 bool ApplicationsMac::quit(const ApplicationInfo& app) {
   @autoreleasepool {
-    for (NSRunningApplication* candidate in NSWorkspace.sharedWorkspace.runningApplications) {
-      const bool same = app.id.empty()
-                            ? [candidate.bundleURL.path isEqualToString:textOf(app.path)]
-                            : [candidate.bundleIdentifier isEqualToString:textOf(app.id)];
-      if (same) [candidate terminate];
+    for (const pid_t pid : processesOf(app)) {
+      [[NSRunningApplication runningApplicationWithProcessIdentifier:pid] terminate];
     }
   }
   const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(5);

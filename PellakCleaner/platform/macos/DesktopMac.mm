@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "platform/Desktop.h"
-#include "platform/macos/Bridging.h"
 #include "platform/macos/KeepAwakeMac.h"
 #include "platform/macos/RunningCopy.h"
 #include "platform/macos/appkit/DesktopHostMac.h"
@@ -40,11 +39,16 @@ std::string quoted(const std::string& text) {
   return word + "\"";
 }
 
-/// Empty for a program that lies in no application bundle.
-std::string ownBundle() {
-  NSString* path = NSBundle.mainBundle.bundlePath;
-  return [path.pathExtension isEqualToString:@"app"] ? std::string(path.fileSystemRepresentation)
-                                                     : std::string();
+/// The nearest application bundle above a file; empty when it lies in none. Not the one the system
+/// tells: of a program started through a link it knows none.
+std::string bundleAround(std::string percorso) {
+  constexpr std::string_view kEnding = ".app";
+  for (;;) {
+    const std::size_t slash = percorso.rfind('/');
+    if (slash == std::string::npos || slash == 0) return {};
+    percorso.resize(slash);
+    if (percorso.ends_with(kEnding) && !percorso.ends_with("/.app")) return percorso;
+  }
 }
 
 class DesktopMac final : public Desktop {
@@ -54,7 +58,7 @@ class DesktopMac final : public Desktop {
   Notifier& notifier() override { return notifier_; }
 
   std::string startCommand(const std::string& executable) const override {
-    const std::string bundle = ownBundle();
+    const std::string bundle = bundleAround(executable);
     return bundle.empty() ? "exec " + quoted(executable) : "open " + quoted(bundle);
   }
 
@@ -66,10 +70,11 @@ class DesktopMac final : public Desktop {
 
 }  // namespace
 
-Result<std::unique_ptr<Desktop>> openDesktop(const std::string& /*executable*/) {
+Result<std::unique_ptr<Desktop>> openDesktop(const std::string& executable) {
   @autoreleasepool {
     if (!inScreenSession()) return Error{ErrorKind::missing, 0, "no screen"};
-    if (native::showRunningCopy()) return Error{ErrorKind::exists, 0, "already running"};
+    if (native::showRunningCopy(bundleAround(executable)))
+      return Error{ErrorKind::exists, 0, "already running"};
     return std::unique_ptr<Desktop>(std::make_unique<DesktopMac>());
   }
 }

@@ -1,5 +1,7 @@
 #include <cstdint>
+#include <cstdlib>
 #include <mach-o/dyld.h>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -35,7 +37,10 @@ class NativeMac : public Native {
     std::string percorso(lunghezza, '\0');
     if (_NSGetExecutablePath(percorso.data(), &lunghezza) != 0) return {};
     percorso.resize(percorso.find('\0'));
-    return percorso;
+    // A start through a link names the link; what belongs to the program lies around the file.
+    const std::unique_ptr<char, void (*)(void*)> vero(::realpath(percorso.c_str(), nullptr),
+                                                      std::free);
+    return vero != nullptr ? std::string(vero.get()) : percorso;
   }
 
   std::string homeFolder() const override { return posix::homeFolder(); }
@@ -50,7 +55,7 @@ class NativeMac : public Native {
   native::FileManagerMac fileManager_;
   native::ApplicationsMac applicazioni_;
   native::TrashCanMac trash_;
-  native::SoundPlayerMac suono_;
+  native::SoundPlayerMac suono_{launcher_};
   native::SystemProbeMac probe_;
   native::MountsMac mounts_;
 };

@@ -3,14 +3,17 @@
 #import <AppKit/AppKit.h>
 #include <memory>
 
+#include "platform/macos/Bridging.h"
+
 namespace pellak::native {
 namespace {
 
 constexpr int64_t kPatience = 5 * static_cast<int64_t>(NSEC_PER_SEC);
 
 /// nil when there is no other one.
-NSRunningApplication* otherCopy() {
-  NSString* identifier = NSBundle.mainBundle.bundleIdentifier;
+NSRunningApplication* otherCopy(const std::string& bundle) {
+  NSURL* place = bundle.empty() ? nil : fileUrlOf(bundle);
+  NSString* identifier = place == nil ? nil : [NSBundle bundleWithURL:place].bundleIdentifier;
   if (identifier == nil) return nil;
   const pid_t own = NSProcessInfo.processInfo.processIdentifier;
   for (NSRunningApplication* one in
@@ -24,15 +27,16 @@ NSRunningApplication* otherCopy() {
 
 }  // namespace
 
-bool showRunningCopy() {
-  NSRunningApplication* other = otherCopy();
-  if (other.bundleURL == nil) return false;
+bool showRunningCopy(const std::string& bundle) {
+  // Kept: the other copy may end meanwhile, and would then have none.
+  NSURL* place = otherCopy(bundle).bundleURL;
+  if (place == nil) return false;
   // Opening an application that runs asks it to show itself.
   NSWorkspaceOpenConfiguration* plan = [NSWorkspaceOpenConfiguration configuration];
   const auto opened = std::make_shared<bool>(false);
   dispatch_semaphore_t answered = dispatch_semaphore_create(0);
   [NSWorkspace.sharedWorkspace
-      openApplicationAtURL:other.bundleURL
+      openApplicationAtURL:place
              configuration:plan
          completionHandler:^(NSRunningApplication* application, NSError* /*error*/) {
            *opened = application != nil;

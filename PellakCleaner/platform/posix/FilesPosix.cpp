@@ -14,6 +14,7 @@
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/ErrnoError.h"
+#include "platform/posix/SyncToDisk.h"
 
 namespace pellak::posix {
 namespace {
@@ -58,7 +59,7 @@ Result<void> writeAll(int file, std::string_view testo) {
 }
 
 Result<void> syncFile(int file) {
-  while (::fsync(file) != 0) {
+  while (syncToDisk(file) != 0) {
     if (errno == EINTR) continue;
     // Some file systems can't sync; that is no reason to lose the write.
     if (errno == EINVAL || errno == ENOTSUP) return {};

@@ -15,6 +15,8 @@ namespace pellak::native {
 struct DesktopHostMac::Parts {
   explicit Parts(DesktopEvents& eventi) : menu(eventi), window(eventi), status(eventi) {}
 
+  /// Held here: the application does not keep its delegate.
+  PellakApplicationDelegate* delegate = nil;
   MainMenuMac menu;
   WindowMac window;
   AboutWindowMac about;
@@ -46,9 +48,9 @@ int DesktopHostMac::run(DesktopEvents& eventi, Task pronto) {
   @autoreleasepool {
     PellakApplication* application = static_cast<PellakApplication*>(NSApp);
     DesktopEvents* told = &eventi;
-    PellakApplicationDelegate* delegate = delegateFor(told, std::move(pronto));
     parts_ = std::make_unique<Parts>(eventi);
-    application.delegate = delegate;
+    parts_->delegate = delegateFor(told, std::move(pronto));
+    application.delegate = parts_->delegate;
     application.onTerminate = ^{
       told->menuChosen(MenuAction::quit);
     };

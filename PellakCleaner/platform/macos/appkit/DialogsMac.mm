@@ -11,6 +11,34 @@ namespace {
 
 NSString* const kEscape = @"\033";
 
+/// While it lives, Escape presses the only button of an alert, which answers to Return already.
+class EscapeAnswers {
+ public:
+  explicit EscapeAnswers(NSAlert* alert) {
+    if (alert.buttons.count != 1) return;
+    NSButton* only = alert.buttons.firstObject;
+    NSWindow* window = alert.window;
+    monitor_ = [NSEvent addLocalMonitorForEventsMatchingMask:NSEventMaskKeyDown
+                                                     handler:^NSEvent*(NSEvent* event) {
+                                                       const bool escape =
+                                                           event.window == window &&
+                                                           [event.charactersIgnoringModifiers
+                                                               isEqualToString:kEscape];
+                                                       if (!escape) return event;
+                                                       [only performClick:nil];
+                                                       return nil;
+                                                     }];
+  }
+  ~EscapeAnswers() {
+    if (monitor_ != nil) [NSEvent removeMonitor:monitor_];
+  }
+  EscapeAnswers(const EscapeAnswers&) = delete;
+  EscapeAnswers& operator=(const EscapeAnswers&) = delete;
+
+ private:
+  id monitor_ = nil;
+};
+
 NSAlert* alertOf(const AlertPlan& avviso) {
   NSAlert* alert = [[NSAlert alloc] init];
   alert.messageText = shownText(avviso.messaggio);
@@ -33,6 +61,7 @@ void showAlert(const AlertPlan& avviso, std::function<void(std::size_t)> scelto)
   [NSRunLoop.mainRunLoop performInModes:@[ NSRunLoopCommonModes ]
                                   block:^{
                                     [NSApp activateIgnoringOtherApps:YES];
+                                    const EscapeAnswers escape(alert);
                                     const NSModalResponse button = [alert runModal];
                                     const NSInteger index = button - NSAlertFirstButtonReturn;
                                     const bool chosen =
