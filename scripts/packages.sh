@@ -33,6 +33,8 @@ DEBIAN_TEST=(
   desktop-file-utils
   dpkg-dev
   libbenchmark-dev
+  libc++-14-dev
+  libc++abi-14-dev
   libclang-rt-14-dev
   libglib2.0-bin
   libgmock-dev
