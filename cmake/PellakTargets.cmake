@@ -21,6 +21,8 @@ if(PELLAK_SANITIZE)
   add_link_options(-fsanitize=${PELLAK_SANITIZE})
 endif()
 if(PELLAK_FUZZ)
+  # Builds what the fuzz targets need, not the program.
+  add_custom_target(pellak_fuzzers)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
@@ -51,6 +53,7 @@ function(pellak_fuzz target)
   add_executable(${target} ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE pellak_flags ${ARG_LINKS})
   target_link_options(${target} PRIVATE -fsanitize=fuzzer)
+  add_dependencies(pellak_fuzzers ${target})
   add_test(NAME ${target}
            COMMAND ${CMAKE_COMMAND} -E env ${CMAKE_SOURCE_DIR}/scripts/fuzz_briefly.sh
                    $<TARGET_FILE:${target}> ${ARG_CORPUS})

@@ -46,17 +46,20 @@ TEST(SerialQueue, DelayedTasksRunAfterTheirTimeAndNotAfterTheQueue) {
 
 TEST(SerialQueue, DestructionWaitsForTheRunningTaskAndDropsTheRest) {
   std::promise<void> iniziato;
+  std::promise<void> lascia;
   std::atomic<int> eseguiti{0};
   {
     SerialQueue coda("prova");
     coda.post([&] {
       iniziato.set_value();
-      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+      lascia.get_future().wait();
+      std::this_thread::sleep_for(std::chrono::milliseconds(500));
       ++eseguiti;
     });
     for (int i = 0; i < 3; ++i) coda.post([&] { eseguiti += 100; });
     iniziato.get_future().wait();
     EXPECT_FALSE(coda.drainFor(std::chrono::milliseconds(1)));
+    lascia.set_value();
   }
   EXPECT_EQ(eseguiti, 1);
 }

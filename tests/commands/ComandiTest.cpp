@@ -1,12 +1,8 @@
 #include <chrono>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
-#include <sys/stat.h>
 #include <vector>
 
 #include "commands/Apici.h"
@@ -45,24 +41,9 @@ class ComandiTest : public testing::Test {
   Comandi linux_{launcher, clock, FamigliaStrumenti::linux};
 };
 
-/// Real programs, and a stand-in for pkexec where a test writes one.
+/// Real programs.
 class ComandiRealTest : public testing::Test {
  protected:
-  void SetUp() override {
-    std::string pattern = testing::TempDir() + "comandi-XXXXXX";
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-    folder = pattern;
-  }
-  void TearDown() override { std::filesystem::remove_all(folder); }
-
-  StrumentiAdmin pkexecThatRuns(const std::string& script) {
-    const std::string path = folder + "/pkexec";
-    std::ofstream(path) << "#!/bin/sh\n" << script << "\n";
-    ::chmod(path.c_str(), 0700);
-    return {"/no/osascript", path};
-  }
-
-  std::string folder;
   posix::ProcessLauncherPosix launcher;
   posix::ClockPosix clock;
   Comandi comandi{launcher, clock, FamigliaStrumenti::linux};
@@ -268,22 +249,6 @@ TEST_F(ComandiRealTest, ShellReadsMuchOfBothStreams) {
       60);
   EXPECT_TRUE(esito.ok) << esito.errore;
   EXPECT_EQ(esito.uscita, std::string(5'000'000, 'o'));
-}
-
-TEST_F(ComandiRealTest, StandInForPkexecRunsTheLineOrRefuses) {
-  const auto with = [this](const std::string& script) {
-    return Comandi(launcher, clock, FamigliaStrumenti::linux, pkexecThatRuns(script));
-  };
-  Comandi runs = with("exec \"$@\"");
-  EXPECT_EQ(runs.eseguiShell(R"(printf '%s' "a \"b\" 'c' \\ d")", true, 30).uscita,
-            R"(a "b" 'c' \ d)");
-  EXPECT_EQ(runs.eseguiAdmin("echo much; test \"$(id -u)\" -ge 0"), std::nullopt);
-  EXPECT_THAT(runs.eseguiShell("nessun-programma-simile", true, 30).errore,
-              testing::HasSubstr("nessun-programma-simile"));
-  Comandi dismissed =
-      with("echo 'Error executing command as another user: Request dismissed' >&2; exit 126");
-  EXPECT_EQ(dismissed.eseguiShell("true", true, 30).errore, "operazione annullata");
-  EXPECT_EQ(dismissed.eseguiAdmin("true"), "operazione annullata");
 }
 
 TEST_F(ComandiRealTest, QuotedTextReachesTheShellWhole) {

@@ -72,7 +72,7 @@ TEST_F(FileManagerLinuxTest, NeverStartsABusAndNeverHangsOnADeadOne) {
     set("DBUS_SESSION_BUS_ADDRESS", address);
     const auto before = std::chrono::steady_clock::now();
     EXPECT_TRUE(manager.show(items).ok());
-    EXPECT_LT(std::chrono::steady_clock::now() - before, 2s) << address;
+    EXPECT_LT(std::chrono::steady_clock::now() - before, 15s) << address;
   }
   EXPECT_EQ(opened().size(), 4U);
 
@@ -86,7 +86,7 @@ TEST_F(FileManagerLinuxTest, NeverStartsABusAndNeverHangsOnADeadOne) {
   set("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + (home / "muto"));
   const auto before = std::chrono::steady_clock::now();
   EXPECT_TRUE(manager.show(items).ok());
-  EXPECT_LT(std::chrono::steady_clock::now() - before, 8s);
+  EXPECT_LT(std::chrono::steady_clock::now() - before, 20s);
   EXPECT_EQ(opened().size(), 5U);
 }
 

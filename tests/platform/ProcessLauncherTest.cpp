@@ -231,15 +231,13 @@ TEST(ProcessLauncherTest, ReadingCanBeGivenUpWhileSomebodyHoldsTheStream) {
 TEST(ProcessLauncherTest, AbandonedChildGoesOnAndIsCollectedAtItsEnd) {
   ProcessLauncherPosix launcher;
   const auto before = openDescriptors();
-  const auto begun = std::chrono::steady_clock::now();
   for (int i = 0; i < 3; ++i) {
-    const auto child = launcher.start({"/bin/sleep", {"0.3"}, ChildStreams::separate, {}});
+    const auto child = launcher.start({"/bin/sleep", {"2"}, ChildStreams::separate, {}});
     ASSERT_TRUE(child);
   }
-  EXPECT_LT(std::chrono::steady_clock::now() - begun, 250ms);
-  EXPECT_FALSE(noChildren());
+  EXPECT_FALSE(noChildren()) << "nobody waited for them";
   EXPECT_EQ(openDescriptors(), before);
-  for (int i = 0; i < 1000 && !noChildren(); ++i) std::this_thread::sleep_for(10ms);
+  for (int i = 0; i < 6000 && !noChildren(); ++i) std::this_thread::sleep_for(10ms);
   EXPECT_TRUE(noChildren());
 }
 

@@ -146,7 +146,7 @@ TEST_F(SessionServicesLinuxTest, WithoutServicesNothingIsHeldOrShownAndNothingHa
   const auto before = std::chrono::steady_clock::now();
   EXPECT_EQ(notifier.notify("a", "b").error().kind, ErrorKind::missing);
   EXPECT_FALSE(awake.acquire(kReason));
-  EXPECT_LT(std::chrono::steady_clock::now() - before, 2s);
+  EXPECT_LT(std::chrono::steady_clock::now() - before, 15s);
 }
 
 TEST_F(SessionServicesLinuxTest, ANotificationNeverCarriesMarkup) {
