@@ -1,6 +1,7 @@
 #include "platform/macos/ProcessesMac.h"
 
 #include <array>
+#include <cstdint>
 #include <libproc.h>
 #include <sys/proc_info.h>
 #include <unistd.h>
@@ -22,7 +23,8 @@ std::vector<pid_t> allPids() {
 
 bool isOurs(pid_t pid) {
   proc_bsdshortinfo info{};
-  return ::proc_pidinfo(pid, PROC_PIDT_SHORTBSDINFO, 0, &info, sizeof info) == sizeof info &&
+  constexpr int kBytes = static_cast<int>(sizeof info);
+  return ::proc_pidinfo(pid, PROC_PIDT_SHORTBSDINFO, 0, &info, kBytes) == kBytes &&
          info.pbsi_uid == ::getuid();
 }
 
@@ -33,7 +35,7 @@ std::vector<ProcessMac> ownProcesses() {
   std::array<char, PROC_PIDPATHINFO_MAXSIZE> path{};
   for (const pid_t pid : allPids()) {
     if (!isOurs(pid)) continue;
-    const int length = ::proc_pidpath(pid, path.data(), path.size());
+    const int length = ::proc_pidpath(pid, path.data(), static_cast<std::uint32_t>(path.size()));
     if (length <= 0) continue;
     processes.push_back({pid, std::string(path.data(), static_cast<std::size_t>(length))});
   }
