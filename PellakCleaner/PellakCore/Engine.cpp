@@ -63,12 +63,13 @@ void Engine::avvisa(const std::string& testo) const {
   if (ambiente_.avviso) ambiente_.avviso(testo);
 }
 
-bool Engine::start(std::string_view sezione, bool automatica) {
+bool Engine::start(std::string_view sezione, bool automatica, std::vector<std::string> radici) {
   {
     const MutexLock hold(lock_);
     if (occupatoLocked()) return false;
     stopFlag_ = false;
     autoPending_ = automatica;
+    radiciInPiu_ = std::move(radici);
     for (const Meta& meta : metas()) {
       if (sezione == "all" || sezione == meta.id) queue_.emplace_back(meta.id);
     }

@@ -30,6 +30,7 @@
 #include "platform/Clock.h"
 #include "platform/DirectoryLister.h"
 #include "platform/Files.h"
+#include "platform/Mounts.h"
 
 namespace pellak {
 
@@ -51,6 +52,7 @@ struct AmbienteEngine {
   std::function<void(const Snapshot&)> controlloFinito;
   /// The rules inside the executable, for when there is no rules file; may give nothing.
   std::function<std::optional<std::string>()> regoleIncorporate = nullptr;
+  Mounts* montaggi = nullptr;  ///< none: nothing is known of other volumes
 };
 
 /// One page of a finding's entries.
@@ -75,8 +77,11 @@ class Engine {
   Engine& operator=(const Engine&) = delete;
 
   /// Queues the scan of one section of the catalogue, or of all of them ("all"). False when a
-  /// scan is queued or running; then nothing changes. `automatica` marks the periodic check's.
-  bool start(std::string_view sezione, bool automatica = false);
+  /// scan is queued or running; then nothing changes. `automatica` marks the periodic check's;
+  /// `radici` are folders that this scan searches for duplicates and large files besides those of
+  /// the rules.
+  bool start(std::string_view sezione, bool automatica = false,
+             std::vector<std::string> radici = {});
 
   /// Runs a task on the engine's queue, behind the scans, once `attesa` has passed. Dropped when
   /// the engine goes first.
@@ -150,13 +155,18 @@ class Engine {
   struct Esito {
     std::vector<Finding> findings;
     std::string errore;  ///< text of the last category that failed
+    /// The result line where nothing was found and nothing refused.
+    std::string senzaNulla = "Niente da segnalare.";
   };
   using Scansione = std::function<std::vector<Finding>()>;
 
   void eseguiCoda();
   bool prossimaSezione(std::string& id);
   void scandisci(const std::string& id);
-  Esito raccogli(const Meta& meta, const ScanContext& contesto);
+  Regole regoleDellaScansione();
+  std::vector<Mount> volumi() const;
+  bool usaRegole(const Meta& meta);
+  void raccogli(const Meta& meta, const ScanContext& contesto, Esito& esito);
   void eseguiCategoria(const Meta& meta, std::string_view id, const Scansione& scanner,
                        Esito& esito);
   void tieniVecchi(const Meta& meta, const std::function<bool(const Finding&)>& quali,
@@ -195,6 +205,7 @@ class Engine {
   Spariti spariti_ PELLAK_GUARDED_BY(lock_);
   std::deque<std::string> queue_ PELLAK_GUARDED_BY(lock_);
   bool autoPending_ PELLAK_GUARDED_BY(lock_) = false;
+  std::vector<std::string> radiciInPiu_ PELLAK_GUARDED_BY(lock_);
   std::int64_t stateVer_ PELLAK_GUARDED_BY(lock_) = 1;
   StatoTesto statoTesto_ PELLAK_GUARDED_BY(lock_);
   std::shared_ptr<const Snapshot> cachedState_ PELLAK_GUARDED_BY(lock_);

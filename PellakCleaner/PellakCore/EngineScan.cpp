@@ -8,6 +8,7 @@
 
 #include "PellakCore/Catalogo.h"
 #include "PellakCore/Engine.h"
+#include "PellakCore/base/Motivo.h"
 #include "PellakCore/base/ScanCancelled.h"
 
 namespace pellak {
@@ -38,10 +39,28 @@ bool Engine::prossimaSezione(std::string& id) {
   return true;
 }
 
+Regole Engine::regoleDellaScansione() {
+  Regole regole = effectiveRules();
+  const MutexLock hold(lock_);
+  for (auto* radici : {&regole.duplicati.roots, &regole.grandi.roots}) {
+    radici->insert(radici->end(), radiciInPiu_.begin(), radiciInPiu_.end());
+  }
+  return regole;
+}
+
+std::vector<Mount> Engine::volumi() const {
+  if (ambiente_.montaggi == nullptr) return {};
+  auto letti = ambiente_.montaggi->list();
+  if (letti) return std::move(letti).value();
+  avvisa("volumi montati non noti: " + motivo(letti.error()));
+  return {};
+}
+
 void Engine::scandisci(const std::string& id) {
-  const Regole regole = effectiveRules();
+  const Regole regole = regoleDellaScansione();
   const Config impostazioni = ambiente_.impostazioni.leggi();
   Contatore contatore(ambiente_.store.home());
+  Esito esito;
   const ScanContext contesto{regole,
                              impostazioni,
                              ambiente_.store.home(),
@@ -49,10 +68,11 @@ void Engine::scandisci(const std::string& id) {
                              [this, id](std::string stato) { mostraStato(id, std::move(stato)); },
                              contatore,
                              ambiente_.lister,
-                             ambiente_.clock};
+                             ambiente_.clock,
+                             volumi(),
+                             [&](std::string nota) { esito.senzaNulla = std::move(nota); }};
   try {
-    Esito esito;
-    withCounter(contatore, [&] { esito = raccogli(*cercaMeta(id), contesto); });
+    withCounter(contatore, [&] { raccogli(*cercaMeta(id), contesto, esito); });
     pubblica(id, std::move(esito), contatore);
   } catch (const ScanCancelled&) {
     interrompi(id);
@@ -75,12 +95,21 @@ std::vector<const RegolaCategoria*> Engine::categorie(const Meta& meta, const Re
   return scelte;
 }
 
-Engine::Esito Engine::raccogli(const Meta& meta, const ScanContext& contesto) {
-  Esito esito;
+/// Whether categories of the rules file are among the section's, as far as that is known without
+/// the file.
+bool Engine::usaRegole(const Meta& meta) {
+  if (!meta.cats.empty()) return true;
+  const MutexLock hold(lock_);
+  const std::vector<Finding>& vecchi = state_.find(meta.id)->second.findings;
+  return std::any_of(vecchi.begin(), vecchi.end(),
+                     [&](const Finding& finding) { return !eSpeciale(meta, finding.categoria); });
+}
+
+void Engine::raccogli(const Meta& meta, const ScanContext& contesto, Esito& esito) {
   const auto pronta = [&] {
     if (contesto.stop()) throw ScanCancelled();
   };
-  if (ambiente_.scanner.regole && !contesto.regole.guasto.empty() && !meta.cats.empty()) {
+  if (ambiente_.scanner.regole && !contesto.regole.guasto.empty() && usaRegole(meta)) {
     // Without rules nothing was looked at: that must not read as a clean disk.
     esito.errore = contesto.regole.guasto;
     tieniVecchi(
@@ -102,14 +131,15 @@ Engine::Esito Engine::raccogli(const Meta& meta, const ScanContext& contesto) {
     eseguiCategoria(
         meta, speciale, [&] { return scanner->second.esegui(contesto); }, esito);
   }
-  return esito;
 }
 
 void Engine::eseguiCategoria(const Meta& meta, std::string_view id, const Scansione& scanner,
                              Esito& esito) {
   try {
     for (Finding& finding : scanner()) {
-      if (finding.vuoto()) continue;
+      // That a scanner of its own found nothing is worth a line; that a rule did is not.
+      const bool muta = finding.vuoto() && finding.trattenuti.empty() && !eSpeciale(meta, id);
+      if (muta) continue;
       finding.categoria = id;
       esito.findings.push_back(std::move(finding));
     }
@@ -138,7 +168,8 @@ void Engine::pubblica(const std::string& id, Esito esito, const Contatore& conta
   sezione.lastScan = ambiente_.clock.now();
   sezione.denied = contatore.n();
   sezione.deniedTop = radiciPeggiori(contatore);
-  sezione.status = esito.errore.empty() ? statoFinale(sezione) : "Errore: " + esito.errore;
+  sezione.status =
+      esito.errore.empty() ? statoFinale(sezione, esito.senzaNulla) : "Errore: " + esito.errore;
   sezione.esito = sezione.status;
   touchLocked();
 }

@@ -1,6 +1,7 @@
 #include "PellakCore/Finding.h"
 
 #include <limits>
+#include <utility>
 
 namespace pellak {
 namespace {
@@ -23,6 +24,12 @@ std::int64_t recuperabili(const Group& gruppo) {
   std::int64_t byte = 0;
   if (copie < 2) return 0;
   return __builtin_mul_overflow(gruppo.size, copie - 1, &byte) ? kMassimo : byte;
+}
+
+void Finding::trattieni(std::string percorso, std::string perche) {
+  if (trattenuti.size() < kMaxTrattenuti) {
+    trattenuti.push_back({std::move(percorso), std::move(perche)});
+  }
 }
 
 std::int64_t Finding::totale() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -67,6 +68,12 @@ struct Group {
   bool conHash() const { return hash != Sha256Digest{}; }
 };
 
+/// Something that a scan came by and held back.
+struct Trattenuto {
+  std::string percorso;
+  std::string perche;  ///< an Italian fragment
+};
+
 /// The result of one category inside a section.
 struct Finding {
   std::string id;
@@ -79,6 +86,10 @@ struct Finding {
   bool unmeasured = false;  ///< the size is not known and is not shown
   std::vector<Voce> items;
   std::vector<Group> groups;
+  std::vector<Trattenuto> trattenuti;  ///< at most `kMaxTrattenuti`
+
+  static constexpr std::size_t kMaxTrattenuti = 200;
+  void trattieni(std::string percorso, std::string perche);
 
   bool duplicati() const { return id == "duplicates"; }
   bool vuoto() const { return items.empty() && groups.empty(); }

@@ -92,7 +92,14 @@ MappaDisco::MappaDisco(DirectoryLister& lister, BackgroundPool& sfondo)
 
 MappaDisco::~MappaDisco() = default;
 
-Result<MappaDisco::MappaPtr> MappaDisco::richiedi(const std::string& percorso, bool forza) {
+Result<MappaDisco::MappaPtr> MappaDisco::richiedi(const std::string& richiesto, bool forza) {
+  if (!forza) {
+    const MutexLock hold(lock_);
+    if (MappaPtr nota = notaLocked(richiesto)) return nota;
+  }
+  const Result<std::string> reale = lister_.resolve(richiesto);
+  if (!reale) return reale.error();
+  const std::string& percorso = *reale;
   if (forza) {
     const MutexLock hold(lock_);
     dimenticaLocked(percorso);

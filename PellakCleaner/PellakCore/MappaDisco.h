@@ -61,10 +61,10 @@ class MappaDisco {
   MappaDisco(const MappaDisco&) = delete;
   MappaDisco& operator=(const MappaDisco&) = delete;
 
-  /// The map of a folder (a standardised absolute path). `forza` forgets first what is known of
-  /// it and of everything below it. A finished map is the same object until it is forgotten.
-  /// Errors: those of opening or reading the folder.
-  Result<std::shared_ptr<const Mappa>> richiedi(const std::string& percorso, bool forza = false);
+  /// The map of a folder (a standardised absolute path), under its real path. `forza` forgets first
+  /// what is known of it and of everything below it. A finished map is the same object until it is
+  /// forgotten. Errors: those of opening or reading the folder.
+  Result<std::shared_ptr<const Mappa>> richiedi(const std::string& richiesto, bool forza = false);
 
   /// Waits until no job measures the folder, at most for `attesa`; whether that is so.
   bool attendi(std::string_view percorso, std::chrono::milliseconds attesa);

@@ -82,6 +82,9 @@ Regole conSpostamenti(Regole regole, const std::vector<Spostamento>& spostamenti
       std::for_each(luoghi->begin(), luoghi->end(), sposta);
     }
   }
+  for (auto* radici : {&regole.duplicati.roots, &regole.grandi.roots}) {
+    std::for_each(radici->begin(), radici->end(), sposta);
+  }
   return regole;
 }
 

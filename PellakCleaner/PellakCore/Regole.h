@@ -64,7 +64,7 @@ struct Spostamento {
   std::string a;   ///< absolute
 };
 
-/// The rules with every place below a moved folder put where that folder is.
+/// The rules with every place and root below a moved folder put where that folder is.
 Regole conSpostamenti(Regole regole, const std::vector<Spostamento>& spostamenti);
 
 /// Reads a rules document, leniently inside. Error (invalid) when the text is no JSON object.

@@ -88,6 +88,7 @@ void scriviFinding(JsonWriter& uscita, const Finding& finding) {
   uscita.key("groups").beginArray();
   for (const Group& gruppo : finding.groups) scriviGruppo(uscita, gruppo);
   uscita.endArray();
+  scriviTrattenuti(uscita, finding);
   uscita.endObject();
 }
 
@@ -157,6 +158,9 @@ Finding leggiFinding(Json voce) {
   });
   finding.groups.reserve(voce["groups"].quanti());
   voce["groups"].perOgni([&](Json elemento) { finding.groups.push_back(leggiGruppo(elemento)); });
+  voce["perche_no"].perOgni([&](Json elemento) {
+    finding.trattieni(elemento.testo("percorso"), elemento.testo("perche"));
+  });
   return finding;
 }
 

@@ -12,6 +12,7 @@
 #include "PellakCore/Regole.h"
 #include "platform/Clock.h"
 #include "platform/DirectoryLister.h"
+#include "platform/Mounts.h"
 
 namespace pellak {
 
@@ -23,11 +24,15 @@ struct ScanContext {
   std::string home;                         ///< the home folder, no trailing slash
   std::function<bool()> stop;               ///< true once a stop is wanted; any thread
   std::function<void(std::string)> status;  ///< progress line of the section; any thread
-  /// The section's counter. It is installed on the scanner's own thread; work handed to other
-  /// threads installs it there when its refusals belong to the section.
+  /// The section's counter. It is installed on the scanner's own thread and not inherited by
+  /// others: walks tell their refusals to a callback, which adds them here.
   Contatore& contatore;
   DirectoryLister& lister;
   Clock& clock;
+  std::vector<Mount> volumi = {};  ///< what is mounted; empty when the system does not tell
+  /// What the section's result line says when nothing was found and nothing refused; on the
+  /// scanner's own thread. May be empty.
+  std::function<void(std::string)> nota = {};
 };
 
 /// A category with a scanner of its own.

@@ -17,9 +17,9 @@ bool Sec::haVoci() const {
                      [](const Finding& finding) { return !finding.vuoto(); });
 }
 
-std::string statoFinale(const Sec& sezione) {
+std::string statoFinale(const Sec& sezione, const std::string& senzaNulla) {
   if (sezione.haVoci()) return "Recuperabili " + dimensione(sezione.totale()) + ".";
-  if (sezione.denied < 1) return "Niente da segnalare.";
+  if (sezione.denied < 1) return senzaNulla;
   return "ATTENZIONE: " + std::to_string(sezione.denied) +
          " percorsi non leggibili. Probabile mancanza di permessi, non disco pulito.";
 }

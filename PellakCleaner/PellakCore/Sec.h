@@ -27,7 +27,8 @@ struct Sec {
   bool haVoci() const;
 };
 
-/// The result line of a section whose scan ended.
-std::string statoFinale(const Sec& sezione);
+/// The result line of a section whose scan ended; `senzaNulla` when it found nothing and nothing
+/// was refused.
+std::string statoFinale(const Sec& sezione, const std::string& senzaNulla = "Niente da segnalare.");
 
 }  // namespace pellak

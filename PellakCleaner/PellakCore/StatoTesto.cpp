@@ -92,6 +92,18 @@ void scriviDinieghi(JsonWriter& uscita, const std::vector<RadiceNegata>& radici)
   uscita.endArray();
 }
 
+void scriviTrattenuti(JsonWriter& uscita, const Finding& finding) {
+  if (finding.trattenuti.empty()) return;
+  uscita.key("perche_no").beginArray();
+  for (const Trattenuto& trattenuto : finding.trattenuti) {
+    uscita.beginObject();
+    uscita.key("percorso").text(trattenuto.percorso);
+    uscita.key("perche").text(trattenuto.perche);
+    uscita.endObject();
+  }
+  uscita.endArray();
+}
+
 void scriviVoce(JsonWriter& uscita, const Voce& voce, FormatoData& date) {
   // By hand: a full reply holds a hundred thousand of these.
   std::string& testo = uscita.openRaw();
@@ -127,6 +139,7 @@ void scriviFinding(JsonWriter& uscita, const Finding& finding, const VociElencat
   uscita.key("groups").beginArray();
   for (const Group& gruppo : elencate.groups) scriviGruppo(uscita, finding, gruppo, icona);
   uscita.endArray();
+  scriviTrattenuti(uscita, finding);
   uscita.endObject();
 }
 

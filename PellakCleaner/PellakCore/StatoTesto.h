@@ -20,6 +20,9 @@ using IconaNota = std::function<std::string(std::string_view chiave)>;
 /// One entry of a finding, as every reply shows it.
 void scriviVoce(JsonWriter& uscita, const Voce& voce, FormatoData& date);
 
+/// The member "perche_no" of a finding that held something back.
+void scriviTrattenuti(JsonWriter& uscita, const Finding& finding);
+
 /// The list of the roots with most refusals.
 void scriviDinieghi(JsonWriter& uscita, const std::vector<RadiceNegata>& radici);
 

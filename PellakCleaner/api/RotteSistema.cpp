@@ -29,6 +29,7 @@ Risposta perms(Servizi& servizi, Json) {
   if (const auto disco = servizi.probe.disk(servizi.home)) {
     uscita.key("disco").beginObject();
     uscita.key("totale").integer(disco->total).key("libero").integer(disco->free);
+    uscita.key("usato").integer(disco->used);
     uscita.endObject();
   }
   uscita.endObject();

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "PellakCore/CartelleUtente.h"
 #include "scanners/Tabella.h"
 #include "shell/Incorporati.h"
 
@@ -45,17 +46,27 @@ std::string cartellaRisorse(const Native& native, Files& files) {
   return luoghi.front();
 }
 
-/// Only absolute paths count, as the convention for these variables says.
-std::vector<Spostamento> cartelleXdg() {
+/// Only absolute paths count, as the convention for these variables says. The user's own folders,
+/// whose names follow the language, stand in a file.
+std::vector<Spostamento> cartelleXdg(Files& files, const std::string& home) {
   constexpr std::array<std::pair<const char*, const char*>, 4> kVariabili = {
       {{"XDG_CACHE_HOME", "~/.cache"},
        {"XDG_DATA_HOME", "~/.local/share"},
        {"XDG_STATE_HOME", "~/.local/state"},
        {"XDG_CONFIG_HOME", "~/.config"}}};
+  constexpr std::size_t kMaxUserDirs = std::size_t{1} << 16U;
   std::vector<Spostamento> spostamenti;
+  std::string config = home + "/.config";
   for (const auto& [nome, solita] : kVariabili) {
     const std::string cartella = senzaBarre(variabile(nome));
-    if (!cartella.empty() && cartella[0] == '/') spostamenti.push_back({solita, cartella});
+    if (cartella.empty() || cartella[0] != '/') continue;
+    spostamenti.push_back({solita, cartella});
+    if (spostamenti.back().da == "~/.config") config = cartella;
+  }
+  if (const auto testo = files.read(config + "/user-dirs.dirs", kMaxUserDirs)) {
+    for (Spostamento& utente : leggiCartelleUtente(*testo, home)) {
+      spostamenti.push_back(std::move(utente));
+    }
   }
   return spostamenti;
 }
@@ -70,7 +81,8 @@ Error erroreAmbiente(std::string testo) { return {ErrorKind::invalid, 0, std::mo
 
 }  // namespace
 
-Result<Ambiente> leggiAmbiente(const Native& native, Files& files) {
+Result<Ambiente> leggiAmbiente(Native& native) {
+  Files& files = native.platform().files;
   Ambiente ambiente;
   ambiente.home = senzaBarre(variabile("HOME"));
   if (ambiente.home.empty()) ambiente.home = senzaBarre(native.homeFolder());
@@ -80,6 +92,7 @@ Result<Ambiente> leggiAmbiente(const Native& native, Files& files) {
   if (!files.exists(ambiente.home)) {
     return erroreAmbiente("la cartella utente non esiste: " + ambiente.home);
   }
+  if (auto reale = native.platform().lister.resolve(ambiente.home)) ambiente.home = *reale;
   ambiente.famiglia = native.famiglia();
   if (const std::string scelta = variabile("PELLAK_TOOLS"); scelta == "macos") {
     ambiente.famiglia = FamigliaStrumenti::macos;
@@ -94,7 +107,8 @@ Result<Ambiente> leggiAmbiente(const Native& native, Files& files) {
   if (!ambiente.regoleIndicate) {
     ambiente.rulesPath = ambiente.risorse + nomeRegole(ambiente.famiglia);
   }
-  if (ambiente.famiglia == FamigliaStrumenti::linux) ambiente.spostamenti = cartelleXdg();
+  if (ambiente.famiglia == FamigliaStrumenti::linux)
+    ambiente.spostamenti = cartelleXdg(files, ambiente.home);
   return ambiente;
 }
 
@@ -109,7 +123,7 @@ Applicazione::Applicazione(std::unique_ptr<Native> native, Ambiente ambiente,
       engine_({platform_.files, platform_.clock, platform_.lister, platform_.applicazioni,
                impostazioni_, Store(ambiente_.home), ambiente_.rulesPath, ambiente_.spostamenti,
                scanners::tabellaScanner(), std::move(avviso), std::move(controlloFinito),
-               regoleIncorporate(ambiente_)}),
+               regoleIncorporate(ambiente_), &platform_.mounts}),
       cestino_({platform_.files, *reader_, platform_.lister, platform_.clock, platform_.trash,
                 Store(ambiente_.home), [this] { platform_.suono.movedToTrash(); }}),
       operazioni_(engine_, cestino_, platform_.applicazioni, *reader_),

@@ -19,18 +19,18 @@ namespace pellak::app {
 
 /// What the environment decides about a run.
 struct Ambiente {
-  std::string home;  ///< home folder, no trailing slash
+  std::string home;  ///< home folder, links followed, no trailing slash
   FamigliaStrumenti famiglia;
   std::string rulesPath;                 ///< the rules file in force
   bool regoleIndicate = false;           ///< the user named another rules file
   std::string risorse;                   ///< the resource folder, which holds "engine"
-  std::vector<Spostamento> spostamenti;  ///< folders that XDG_* variables put elsewhere
+  std::vector<Spostamento> spostamenti;  ///< folders that the desktop's conventions put elsewhere
 };
 
 /// Reads HOME, PELLAK_TOOLS, PELLAK_RULES, PELLAK_RESOURCES and, for the Linux tools, the XDG_*
-/// variables. Errors (invalid, with an Italian
+/// variables and "user-dirs.dirs". Errors (invalid, with an Italian
 /// text): no usable home folder, a PELLAK_TOOLS that is neither "macos" nor "linux".
-Result<Ambiente> leggiAmbiente(const Native& native, Files& files);
+Result<Ambiente> leggiAmbiente(Native& native);
 
 /// The program's parts joined: back ends, settings, engine, router. The one place that builds
 /// them; window, bridge and terminal commands all start from here.
@@ -54,6 +54,7 @@ class Applicazione {
   const std::string& home() const { return ambiente_.home; }
   const std::string& risorse() const { return ambiente_.risorse; }
   FamigliaStrumenti famiglia() const { return ambiente_.famiglia; }
+  Notifier& notifier() { return native_->notifier(); }
   /// The running program's own file.
   std::string eseguibile() const { return native_->executablePath(); }
 

@@ -7,11 +7,12 @@
 #include <optional>
 #include <string>
 #include <unistd.h>
+#include <utility>
 
 #include "PellakCore/base/Json.h"
-#include "app/Applicazione.h"
 #include "app/LettoreRighe.h"
 #include "app/PaginaStdio.h"
+#include "app/Residente.h"
 #include "app/Uscita.h"
 #include "shell/Bridge.h"
 
@@ -77,11 +78,15 @@ void consegna(shell::Bridge& bridge, const std::string& riga) {
 
 }  // namespace
 
-int comandoBridge(Applicazione& applicazione) {
+int comandoBridge(std::unique_ptr<Native> native, Ambiente ambiente,
+                  const std::function<void(const std::string&)>& avviso) {
+  Residente residente(std::move(native), std::move(ambiente), avviso);
+  Applicazione& applicazione = residente.applicazione();
   PaginaStdio pagina;
   Parole parole;
   shell::Bridge bridge(applicazione.router(), pagina,
                        [&](const std::string& parola) { parole.ascolta(parola); });
+  residente.sorveglia();
   LettoreRighe righe(STDIN_FILENO, kMaxLine);
   std::string riga;
   while (!parole.deveFinire()) {

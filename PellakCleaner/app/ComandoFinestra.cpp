@@ -8,34 +8,25 @@
 #include <unistd.h>
 #include <utility>
 
+#include "app/Residente.h"
 #include "app/Terminale.h"
 #include "app/Uscita.h"
 #include "app/Versione.h"
 #include "platform/Desktop.h"
 #include "shell/AppDelegate.h"
 #include "shell/Incorporati.h"
-#include "shell/Notifiche.h"
 #include "shell/Prova.h"
 #include "shell/Riavvio.h"
-#include "shell/Sorveglianza.h"
 
 namespace pellak::app {
 namespace {
 
-constexpr double kQuartoDora = 900;
 /// How long what is under way at the end may take to finish by itself.
 constexpr std::chrono::milliseconds kPazienza{2000};
 
 std::optional<std::string> variabile(const std::string& nome) {
   const char* valore = std::getenv(nome.c_str());
   return valore == nullptr ? std::nullopt : std::optional<std::string>(valore);
-}
-
-/// Seconds between two checks; the variable is for automated checks.
-double intervallo() {
-  const auto indicato = variabile("PELLAK_CHECK_SECONDS");
-  const double secondi = indicato ? std::strtod(indicato->c_str(), nullptr) : 0;
-  return secondi > 0 ? secondi : kQuartoDora;
 }
 
 void riga(const std::string& testo) {
@@ -61,24 +52,17 @@ int senzaFinestra(std::unique_ptr<Native> native, Ambiente ambiente, const Error
   return 1;
 }
 
-/// The application with what only its window has: notices, the periodic check, the delegate.
+/// The application with what only its window has: the desktop and the delegate.
 class Finestra {
  public:
   Finestra(std::unique_ptr<Native> native, Ambiente ambiente, Desktop& desktop,
            const std::function<void(const std::string&)>& avviso)
       : desktop_(desktop),
-        applicazione_(std::move(native), std::move(ambiente), avviso,
-                      [this](const Snapshot& stato) { controlloFinito(stato); }) {
-    notifiche_.emplace(applicazione_.comandi(), desktop.notifier(), applicazione_.famiglia());
-    sorveglianza_.emplace(applicazione_.engine(), applicazione_.impostazioni(),
-                          applicazione_.platform().files, applicazione_.platform().clock,
-                          [this](const std::string& messaggio, const std::string& titolo) {
-                            notifiche_->mostra(messaggio, titolo);
-                          });
-  }
+        residente_(std::move(native), std::move(ambiente), avviso, [this] { controlloFinito(); }),
+        applicazione_(residente_.applicazione()) {}
 
   int esegui() {
-    sorveglianza_->arma(intervallo());
+    residente_.sorveglia();
     shell::AppDelegate delegato(ambienteShell());
     const int stato = delegato.esegui();
     applicazione_.engine().stop();
@@ -114,9 +98,8 @@ class Finestra {
   }
 
   /// On the engine's queue. The page did not ask for this scan and waits for no news.
-  void controlloFinito(const Snapshot& stato) {
+  void controlloFinito() {
     desktop_.host().post([this] { desktop_.host().evaluate("window.poll && poll()"); });
-    sorveglianza_->concluso(stato);
   }
 
   bool avviaShell(const std::string& comando) {
@@ -136,10 +119,8 @@ class Finestra {
   }
 
   Desktop& desktop_;
-  // Filled once the engine is there and gone after it: its queue calls them.
-  std::optional<shell::Notifiche> notifiche_;
-  std::optional<shell::Sorveglianza> sorveglianza_;
-  Applicazione applicazione_;
+  Residente residente_;
+  Applicazione& applicazione_;
 };
 
 }  // namespace

@@ -5,10 +5,8 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
 #include <fmt/format.h>
 #include <memory>
-#include <system_error>
 
 #include "PellakCore/MappaDisco.h"
 #include "PellakCore/base/BytePath.h"
@@ -16,6 +14,7 @@
 #include "PellakCore/base/Utf8.h"
 #include "app/Applicazione.h"
 #include "app/Interruzione.h"
+#include "app/PercorsoRichiesto.h"
 #include "app/Quantita.h"
 #include "app/Terminale.h"
 #include "app/Uscita.h"
@@ -62,16 +61,6 @@ class Avanzamento {
   std::size_t daMisurare_ = 0;
 };
 
-/// The folder that is meant, absolute; empty when there is no such path.
-std::string cartellaRichiesta(const std::string& richiesta, const std::string& home) {
-  if (richiesta.empty()) return standardizza("~", home);
-  const bool intera = richiesta[0] == '/' || richiesta == "~" || richiesta.starts_with("~/");
-  if (intera) return standardizza(richiesta, home);
-  std::error_code errore;
-  const std::string corrente = std::filesystem::current_path(errore).string();
-  return errore ? std::string() : standardizza(corrente + "/" + richiesta, home);
-}
-
 /// Asks until the map is complete. Nothing when interrupted.
 Result<MappaPtr> misura(MappaDisco& disco, const std::string& percorso) {
   const Interruzione interruzione;
@@ -81,7 +70,7 @@ Result<MappaPtr> misura(MappaDisco& disco, const std::string& percorso) {
     if (interruzione.chiesta()) return MappaPtr();
     if (!mappa || !(*mappa)->misurando()) return mappa;
     avanzamento.mostra(**mappa);
-    disco.attendi(percorso, kLook);
+    disco.attendi((*mappa)->percorso, kLook);
   }
 }
 
@@ -121,7 +110,7 @@ int nonLeggibile(const Error& errore, const std::string& percorso) {
 }  // namespace
 
 int comandoMap(Applicazione& applicazione, const OpzioniMap& opzioni) {
-  const std::string percorso = cartellaRichiesta(opzioni.percorso, applicazione.home());
+  const std::string percorso = percorsoRichiesto(opzioni.percorso, applicazione.home());
   if (percorso.empty()) {
     fmt::print(stderr, "percorso non valido: {}\n", perTerminale(opzioni.percorso));
     return kUnreadable;

@@ -5,15 +5,19 @@
 #include <cstdint>
 #include <cstdio>
 #include <fmt/format.h>
+#include <optional>
+#include <set>
 #include <string_view>
-#include <thread>
+#include <utility>
 
 #include "PellakCore/Catalogo.h"
 #include "PellakCore/base/Formati.h"
 #include "PellakCore/base/Utf8.h"
 #include "app/Applicazione.h"
 #include "app/Interruzione.h"
+#include "app/PercorsoRichiesto.h"
 #include "app/Terminale.h"
+#include "app/Trattenuti.h"
 #include "app/Uscita.h"
 
 namespace pellak::app {
@@ -69,23 +73,60 @@ std::string elencoSezioni() {
   return elenco;
 }
 
-std::vector<std::string> sezioniRichieste(const OpzioniScan& opzioni) {
-  std::vector<std::string> sezioni;
-  for (const Meta& meta : metas()) {
-    const bool richiesta =
-        opzioni.sezioni.empty() ||
-        std::count(opzioni.sezioni.begin(), opzioni.sezioni.end(), std::string(meta.id)) > 0;
-    if (richiesta) sezioni.emplace_back(meta.id);
+/// What a command line asks for.
+struct Richiesta {
+  std::vector<std::string> sezioni;  ///< in catalogue order
+  std::vector<std::string> radici;
+};
+
+std::optional<std::string> radiceRichiesta(Applicazione& applicazione, const std::string& scritta) {
+  const std::string percorso = percorsoRichiesto(scritta, applicazione.home());
+  DirectoryLister& lister = applicazione.platform().lister;
+  const auto reale = lister.resolve(percorso);
+  const auto record = reale ? lister.attributes(*reale) : Result<EntryAttributes>(reale.error());
+  if (record && record->type == EntryType::directory) return *reale;
+  const bool negata = !record && record.error().kind == ErrorKind::denied;
+  fmt::print(stderr, "{}: {}\n",
+             negata ? "cartella non leggibile (permessi)" : "cartella inesistente",
+             perTerminale(scritta));
+  return {};
+}
+
+/// Nothing after a line on standard error.
+std::optional<Richiesta> leggiRichiesta(Applicazione& applicazione, const OpzioniScan& opzioni) {
+  Richiesta richiesta;
+  std::set<std::string_view> nominate;
+  for (const std::string& argomento : opzioni.argomenti) {
+    if (std::string_view("/~.").find(argomento.substr(0, 1)) != std::string_view::npos &&
+        !argomento.empty()) {
+      auto radice = radiceRichiesta(applicazione, argomento);
+      if (!radice) return {};
+      richiesta.radici.push_back(std::move(*radice));
+    } else if (nelCatalogo(argomento)) {
+      nominate.insert(argomento);
+    } else {
+      fmt::print(stderr, "sezione inesistente: {} (le sezioni sono {})\n", perTerminale(argomento),
+                 elencoSezioni());
+      return {};
+    }
   }
-  return sezioni;
+  for (const Meta& meta : metas()) {
+    if (nominate.empty() || nominate.contains(meta.id)) richiesta.sezioni.emplace_back(meta.id);
+  }
+  const bool conCartelle =
+      nominate.empty() || nominate.contains("duplicati") || nominate.contains("grandi");
+  if (richiesta.radici.empty() || conCartelle) return richiesta;
+  fmt::print(stderr, "le cartelle valgono solo per duplicati e grandi\n");
+  return {};
 }
 
 /// Scans one section after the other; false when interrupted.
-bool scandisci(Engine& engine, const std::vector<std::string>& sezioni) {
+bool scandisci(Engine& engine, const Richiesta& richiesta) {
+  const std::vector<std::string>& sezioni = richiesta.sezioni;
   const Interruzione interruzione;
   Avanzamento avanzamento(sezioni.size());
   for (std::size_t i = 0; i < sezioni.size(); ++i) {
-    engine.start(sezioni[i]);
+    engine.start(sezioni[i], false, richiesta.radici);
     for (auto stato = engine.snapshot(); stato->busy; stato = engine.snapshot()) {
       if (interruzione.chiesta()) {
         engine.stop();
@@ -123,19 +164,23 @@ void stampaTabella(const Snapshot& istante, const std::vector<std::string>& sezi
   stampa(tabella.testo());
 }
 
+std::vector<Trattenuto> trattenuti(Engine& engine, const std::vector<std::string>& sezioni) {
+  std::vector<Trattenuto> tutti;
+  for (const std::string& sezione : sezioni) {
+    for (const auto& voce : engine.findings(sezione)) {
+      tutti.insert(tutti.end(), voce.finding.trattenuti.begin(), voce.finding.trattenuti.end());
+    }
+  }
+  return tutti;
+}
+
 }  // namespace
 
 int comandoScan(Applicazione& applicazione, const OpzioniScan& opzioni) {
-  for (const std::string& id : opzioni.sezioni) {
-    if (!nelCatalogo(id)) {
-      fmt::print(stderr, "sezione inesistente: {} (le sezioni sono {})\n", perTerminale(id),
-                 elencoSezioni());
-      return kUnknownSection;
-    }
-  }
-  const std::vector<std::string> sezioni = sezioniRichieste(opzioni);
+  const auto richiesta = leggiRichiesta(applicazione, opzioni);
+  if (!richiesta) return kUnknownSection;
   Engine& engine = applicazione.engine();
-  if (!scandisci(engine, sezioni)) {
+  if (!scandisci(engine, *richiesta)) {
     fmt::print(stderr, "Scansione interrotta.\n");
     return kInterrupted;
   }
@@ -144,7 +189,8 @@ int comandoScan(Applicazione& applicazione, const OpzioniScan& opzioni) {
     stampa(stato->testo);
     stampa("\n");
   } else {
-    stampaTabella(*stato, sezioni);
+    stampaTabella(*stato, richiesta->sezioni);
+    stampaTrattenuti(trattenuti(engine, richiesta->sezioni), applicazione.home());
   }
   return chiudiUscita();
 }

@@ -12,6 +12,7 @@
 #include "app/Applicazione.h"
 #include "app/Quantita.h"
 #include "app/Terminale.h"
+#include "app/Trattenuti.h"
 #include "app/Uscita.h"
 
 namespace pellak::app {
@@ -87,6 +88,7 @@ void stampaFinding(const Finding& intero, const Finding& ridotto, const std::str
   const std::int64_t nascoste = intero.quante() - ridotto.quante();
   if (nascoste == 1) stampa("… e un'altra voce\n");
   if (nascoste > 1) stampa("… e altre " + quanteVoci(nascoste) + "\n");
+  stampaTrattenuti(intero.trattenuti, home);
 }
 
 int mostraElenco(const std::vector<FindingDiSezione>& findings, const Snapshot& stato, bool json) {

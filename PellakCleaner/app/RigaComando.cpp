@@ -83,9 +83,9 @@ struct Righe {
   void aggiungiScan() {
     comandoScan = app.add_subcommand("scan", "Cerca lo spazio che si può liberare");
     comandoScan->add_option(
-        "SECTION", scan.sezioni,
+        "SECTION|PATH", scan.argomenti,
         "Sezioni (senza: tutte): sviluppo, applicazioni, duplicati, grandi, pulizia, privacy, "
-        "avvio, sistema");
+        "avvio, sistema. Cartelle in più per duplicati e grandi, che cominciano con /, ~ o .");
     comandoScan->add_flag("--json", scan.json, "Stampa lo stato finale in JSON");
   }
 

@@ -58,7 +58,7 @@ struct Esecutore {
   int operator()(const OpzioniApi& api) const {
     return comandoApi(applicazione, api.rotta, api.corpo);
   }
-  int operator()(const OpzioniBridge& /*bridge*/) const { return comandoBridge(applicazione); }
+  int operator()(const OpzioniBridge& /*bridge*/) const { return 0; }
   int operator()(const OpzioniFinestra& /*finestra*/) const { return 0; }
   int operator()(const Uscito& uscito) const { return uscito.stato; }
 };
@@ -66,7 +66,7 @@ struct Esecutore {
 int esegui(const Comando& comando) {
   if (const auto* uscito = std::get_if<Uscito>(&comando)) return uscito->stato;
   std::unique_ptr<Native> native = creaNative();
-  Result<Ambiente> ambiente = leggiAmbiente(*native, native->platform().files);
+  Result<Ambiente> ambiente = leggiAmbiente(*native);
   if (!ambiente) {
     fmt::print(stderr, "{}\n", perTerminale(ambiente.error().text));
     return 1;
@@ -77,6 +77,9 @@ int esegui(const Comando& comando) {
     return comandoFinestra(std::move(native), std::move(*ambiente), avviso);
   }
   const AscoltoSegnali ascolto;
+  if (std::holds_alternative<OpzioniBridge>(comando)) {
+    return comandoBridge(std::move(native), std::move(*ambiente), avviso);
+  }
   Applicazione applicazione(std::move(native), std::move(*ambiente), avviso);
   return std::visit(Esecutore{applicazione}, comando);
 }

@@ -5,7 +5,6 @@
 
 #include "platform/DesktopHost.h"
 #include "platform/KeepAwake.h"
-#include "platform/Notifier.h"
 #include "platform/Result.h"
 
 namespace pellak {
@@ -18,7 +17,6 @@ class Desktop {
 
   virtual DesktopHost& host() = 0;
   virtual KeepAwake& keepAwake() = 0;
-  virtual Notifier& notifier() = 0;
 
   /// The shell command that starts the program anew, from its executable file.
   virtual std::string startCommand(const std::string& executable) const = 0;

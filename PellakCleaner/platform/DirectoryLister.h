@@ -115,6 +115,14 @@ class DirectoryLister {
   /// Errors: missing, denied, invalid, failed.
   virtual Result<EntryAttributes> attributes(std::string_view percorso) = 0;
 
+  /// The real path of what is there: every symbolic link on the way and at the end followed, no
+  /// "." or "..". Errors: missing, denied, invalid, failed (links that go round in a ring).
+  virtual Result<std::string> resolve(std::string_view percorso) {
+    const Result<EntryAttributes> found = attributes(percorso);
+    if (!found) return found.error();
+    return std::string(percorso);
+  }
+
   /// Whether a successful `read` without entries means an empty folder. Where it does not, the
   /// names are read too.
   virtual bool emptyIsCertain() const = 0;

@@ -11,6 +11,7 @@
 #include "platform/Files.h"
 #include "platform/LoginEntry.h"
 #include "platform/Mounts.h"
+#include "platform/Notifier.h"
 #include "platform/ProcessLauncher.h"
 #include "platform/SoundPlayer.h"
 #include "platform/SystemProbe.h"
@@ -47,6 +48,8 @@ class Native {
   virtual std::string executablePath() const = 0;
   /// The home folder of the user by the system's own records, for when HOME is not set.
   virtual std::string homeFolder() const = 0;
+  /// Shows notices where the tools of this system do not. Lives as long as this.
+  virtual Notifier& notifier() = 0;
   /// What starts the program at login on this system, beside the property list that is written on
   /// every one; nothing where that suffices.
   virtual std::optional<LoginEntry> loginEntry(const std::string& home) const = 0;

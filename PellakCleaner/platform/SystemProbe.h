@@ -26,8 +26,9 @@ struct MemoryUse {
 };
 
 struct DiskSpace {
-  std::int64_t free = 0;
+  std::int64_t free = 0;  ///< what the user can still write
   std::int64_t total = 0;
+  std::int64_t used = 0;  ///< what is written; the volume may keep the rest from the user
 };
 
 struct BatteryCharge {

@@ -94,7 +94,7 @@ std::optional<StatRow> LettureSistema::rigaDisco() const {
   if (!spazio) return {};
   StatRow disco = riga("internaldrive", "Disco", dimensione(spazio->free) + " liberi");
   disco.sub = "su " + dimensione(spazio->total);
-  disco.fraction = quota(spazio->total - spazio->free, spazio->total);
+  disco.fraction = quota(spazio->used, spazio->total);
   return disco;
 }
 

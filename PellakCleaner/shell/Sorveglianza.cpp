@@ -4,7 +4,8 @@
 #include <chrono>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
+#include <locale>
+#include <sstream>
 #include <string_view>
 
 #include "PellakCore/Config.h"
@@ -41,8 +42,11 @@ void Sorveglianza::arma(double secondi) {
 double Sorveglianza::ultima() const {
   const auto testo = files_.read(engine_.store().ultimaScansioneAuto(), kMaxFile);
   if (!testo) return 0;
-  const double letta = std::strtod(testo->c_str(), nullptr);
-  return std::isfinite(letta) ? letta : 0;
+  std::istringstream parole(*testo);
+  parole.imbue(std::locale::classic());
+  double letta = 0;
+  const bool intera = parole >> letta && parole.peek() == std::istringstream::traits_type::eof();
+  return intera && std::isfinite(letta) ? letta : 0;
 }
 
 void Sorveglianza::controlla() {

@@ -9,8 +9,9 @@ class RotteSistemaTest : public Richieste {};
 
 TEST_F(RotteSistemaTest, TellsRefusedPlacesFromMissingOnes) {
   famiglia = FamigliaStrumenti::macos;
-  const std::string resto = R"(,"sistema":"macos","casa":")" + home.percorso() +
-                            R"(","disco":{"totale":2147483648,"libero":1073741824}})";
+  const std::string resto =
+      R"(,"sistema":"macos","casa":")" + home.percorso() +
+      R"(","disco":{"totale":2147483648,"libero":1073741824,"usato":805306368}})";
   EXPECT_EQ(chiedi("/api/perms"), R"(200 {"luoghi":[],"fda_denied":false)" + resto);
   fakes::scriviFile(home / "Library/Safari/Bookmarks.plist", "x");
   std::filesystem::create_directories(home / "Library/Mail");

@@ -111,6 +111,17 @@ class Ponte(ConCasa):
         self.assertEqual(processo.wait(30), 0)
         self.assertRegex(processo.communicate()[0].decode(), r"^STARTUP: pagina pronta in \d+ ms\n$")
 
+    def test_the_periodic_check_runs_here_too(self):
+        self.api("/api/settings", {"auto_days": 1})
+        self.ambiente["PELLAK_CHECK_SECONDS"] = "0.05"
+        processo = self.avvia("bridge")
+        ultima = self.supporto / "ultima-scansione-auto.txt"
+        limite = time.monotonic() + 60
+        while not ultima.exists() and time.monotonic() < limite:
+            time.sleep(0.05)
+        self.assertAlmostEqual(float(ultima.read_text()), time.time(), delta=60)
+        self.assertEqual(processo.communicate(timeout=60)[0], b"")
+
     def test_ready_without_a_start_time_does_nothing(self):
         self.assertEqual(self.ponte([{"channel": "pellak", "body": "ready"}]), [])
 

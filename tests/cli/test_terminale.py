@@ -7,7 +7,7 @@ import subprocess
 import time
 import unittest
 
-from programma import PROGRAMMA, ConCasa, su_terminale
+from programma import NOBODY, PROGRAMMA, ConCasa, su_terminale
 
 
 class Scansione(ConCasa):
@@ -54,6 +54,57 @@ class Scansione(ConCasa):
         self.file("altrove/pip/a", 9_000)
         self.esegui("scan", "sviluppo")
         self.assertIn("~/altrove/pip/a", self.esegui("show", "pip-cache")[0])
+
+    def test_a_home_behind_links_is_scanned_and_trashed(self):
+        vera = self.casa / "disco/anna"
+        (vera / "fuori").mkdir(parents=True)
+        (self.casa / "anna").symlink_to("disco/anna")
+        (vera / ".npm").symlink_to("fuori")
+        (vera / "Downloads").symlink_to(self.casa / "scaricati")
+        self.file("disco/anna/fuori/_cacache/a", 9_000)
+        self.file("scaricati/vecchio.deb", 9_000)
+        os.utime(self.casa / "scaricati/vecchio.deb", (1_600_000_000, 1_600_000_000))
+        self.ambiente["HOME"] = str(self.casa / "anna")
+        self.esegui("scan", "sviluppo", "pulizia")
+        self.assertIn("  ~/fuori/_cacache/a\n", self.esegui("show", "npm-cache")[0])
+        mappa = json.loads(self.esegui("map", str(self.casa / "anna/.npm"), "--json")[0])
+        self.assertEqual(mappa["path"], str(vera / "fuori"))
+        self.assertEqual(self.api("/api/perms")["casa"], str(vera))
+        for finding in ("npm-cache", "old-installers"):
+            self.esegui("trash", finding, "--yes")
+        self.assertFalse((self.casa / "scaricati/vecchio.deb").exists())
+        self.assertFalse((vera / "fuori/_cacache/a").exists())
+
+    def test_user_folders_and_folders_of_the_command_line(self):
+        (self.casa / ".config").mkdir()
+        (self.casa / ".config/user-dirs.dirs").write_text('XDG_DOCUMENTS_DIR="$HOME/Carte"\n')
+        for posto in ("Carte/a", "in più/b", "Documents/c"):
+            self.file(posto, 6 << 20)
+        self.esegui("scan", "duplicati")
+        self.assertIn("\n0 voci", self.esegui("show", "duplicates")[0], "only one folder is named")
+        self.esegui("scan", "duplicati", "grandi", "./in più", cwd=self.casa)
+        uscita, _ = self.esegui("show", "duplicates")
+        self.assertIn("~/Carte/a", uscita)
+        self.assertIn("~/in più/b", uscita)
+        for argomenti, perche in ((["~/manca"], "cartella inesistente"), (["boh"], "inesistente"),
+                                  (["sviluppo", "~"], "solo per duplicati e grandi")):
+            self.assertIn(perche, self.esegui("scan", *argomenti, stato=2)[1])
+
+    def test_what_was_not_looked_at_is_not_clean(self):
+        self.regole([])
+        self.assertIn("Nessuna cartella da esaminare.", self.esegui("scan", "duplicati")[0])
+        chiusa = self.casa / "chiusa"
+        chiusa.mkdir(mode=0)
+        utente = {}
+        if os.geteuid() == 0:
+            subprocess.run(["chown", "-R", f"{NOBODY}:{NOBODY}", self.casa], check=True)
+            utente = {"user": NOBODY, "group": NOBODY}
+        for sezione in ("duplicati", "grandi"):
+            self.assertRegex(self.esegui("scan", sezione, str(chiusa), **utente)[0],
+                             r"ATTENZIONE: [12] percorsi non leggibili\. Probabile mancanza")
+        (self.casa / "regole.json").write_text("{")
+        for sezione in ("duplicati", "grandi", "sviluppo"):
+            self.assertIn("Errore: file delle regole illeggibile", self.esegui("scan", sezione)[0])
 
     def test_named_sections_and_json(self):
         uscita, _ = self.esegui("scan", "avvio", "privacy")

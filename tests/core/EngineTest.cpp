@@ -23,6 +23,7 @@ class EngineTest : public fakes::ConMotore {
   EngineTest() : ConMotore(1'750'000'000) {
     fakes::scriviFile(regole, R"({"categories":[
       {"id":"npm-cache","name":"Cache di npm","min_age_days":3},{"id":"extra","name":"Extra","section":"sviluppo"},
+      {"id":"di-privacy","section":"privacy"},
       {"id":"brew-cache","name":"Brew"},{"id":"old-installers","name":"Vecchi","min_age_days":1}],
       "duplicates":{"roots":["~"],"exclude_paths":["/altro"]},"large_old":{"top":9}})");
   }
@@ -72,16 +73,15 @@ TEST_F(EngineTest, ScansAllSectionsInOrderAndKeepsTheResults) {
     EXPECT_EQ(engine->findings("sviluppo").size(), 4U) << "the empty finding is left out";
   }
   const std::vector<std::string> attesi = {
-      "brew-cache",      "npm-cache",     "extra",          "orphan-node-modules",
-      "docker-disk",     "app-updates",   "apps",           "app-leftovers",
-      "duplicates",      "large-old",     "old-installers", "user-caches",
-      "electron-caches", "trash-volumes", "saved-states",   "ds-store",
-      "browser-privacy", "recent-items",  "startup-user",   "startup-system",
-      "tm-snapshots"};
+      "brew-cache",     "npm-cache",   "extra",           "orphan-node-modules", "docker-disk",
+      "app-updates",    "apps",        "app-leftovers",   "duplicates",          "large-old",
+      "old-installers", "user-caches", "electron-caches", "trash-volumes",       "saved-states",
+      "ds-store",       "di-privacy",  "browser-privacy", "recent-items",        "startup-user",
+      "startup-system", "tm-snapshots"};
   EXPECT_EQ(ordine, attesi);
   const auto riaperto = crea();
   EXPECT_EQ(sezione(*riaperto->snapshot(), "sviluppo").status, "Recuperabili 6.0 KiB.");
-  EXPECT_EQ(riaperto->findings().size(), 20U);
+  EXPECT_EQ(riaperto->findings().size(), 21U);
 }
 
 TEST_F(EngineTest, StopEndsTheRunningSectionAndLeavesTheRestUntouched) {
@@ -155,6 +155,33 @@ TEST_F(EngineTest, WhatGoesWhileItsSectionIsScannedDoesNotComeBack) {
   EXPECT_TRUE(mostra(R"("path":"/h/va")")) << "only what went during that very scan";
 }
 
+TEST_F(EngineTest, AScannerOfItsOwnMayFindNothingOrHaveNothingToLookAt) {
+  std::vector<std::string> radici;
+  tabella.speciali["large-old"] = {
+      "...", [&](const ScanContext& contesto) {
+        radici = contesto.regole.grandi.roots;
+        EXPECT_EQ(contesto.regole.duplicati.roots.size(), 2U);
+        contesto.nota("Nessuna cartella da esaminare.");
+        return std::vector<Finding>{finding("large-files", 0), finding("large-old", 0)};
+      }};
+  tabella.regole = [&](const ScanContext&, const RegolaCategoria& regola) {
+    Finding trovato = finding(regola.id, 0);
+    if (regola.id == "extra") trovato.trattieni("/nas", "volume di rete");
+    return trovato;
+  };
+  const auto engine = crea();
+  ASSERT_TRUE(engine->start("grandi", false, {"/in/piu"}));
+  engine->attendiFine();
+  EXPECT_EQ(radici, std::vector<std::string>{"/in/piu"});
+  EXPECT_EQ(engine->findings("grandi").size(), 2U) << "both lists are there, empty or not";
+  EXPECT_EQ(sezione(*engine->snapshot(), "grandi").status, "Nessuna cartella da esaminare.");
+  scandisci(*engine, "sviluppo");
+  ASSERT_EQ(engine->findings("sviluppo").size(), 1U);
+  EXPECT_NE(engine->snapshot()->testo.str().find(
+                R"("groups":[],"perche_no":[{"percorso":"/nas","perche":"volume di rete"}]})"),
+            std::string::npos);
+}
+
 TEST_F(EngineTest, AFailingCategoryKeepsWhatItHadFoundAndOnlyThat) {
   bool secondo = false;
   speciale("docker-disk", [&](const ScanContext&) {
@@ -182,11 +209,15 @@ TEST_F(EngineTest, WithoutRulesTheOldFindingsStayAndTheStatusSaysWhy) {
   speciale("docker-disk");
   const auto engine = crea();
   scandisci(*engine, "sviluppo");
+  scandisci(*engine, "privacy");
   std::filesystem::remove(regole);
   scandisci(*engine, "sviluppo");
   EXPECT_EQ(sezione(*engine->snapshot(), "sviluppo").status,
             "Errore: file delle regole illeggibile");
   EXPECT_EQ(engine->findings("sviluppo").size(), 4U);
+  scandisci(*engine, "privacy");
+  EXPECT_EQ(sezione(*engine->snapshot(), "privacy").status, "Errore: file delle regole illeggibile")
+      << "a rule had joined it";
 }
 
 TEST_F(EngineTest, ASaveTakesOverWhatAnotherProcessScannedSince) {

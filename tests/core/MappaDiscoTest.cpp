@@ -135,6 +135,15 @@ TEST_F(MappaDiscoTest, AFinishedMapStaysTheSameUntilForcedOrForgotten) {
   EXPECT_EQ(lister.misurato("/v/b"), 3);
 }
 
+TEST_F(MappaDiscoTest, AMapAskedForThroughALinkIsThatOfTheRealFolder) {
+  lister.albero.file("/ssd/casa/d/a", 4096);
+  lister.albero.link("/h", "/ssd");
+  const MappaPtr vera = finita("/ssd/casa");
+  EXPECT_EQ(chiedi("/h/casa"), vera);
+  EXPECT_EQ(vera->percorso, "/ssd/casa");
+  EXPECT_NE(finita("/h/casa", true), vera);
+}
+
 TEST_F(MappaDiscoTest, FoldersWithoutFoldersNeedNoJobAndOthersAreErrors) {
   lister.albero.file("/v/solo", 4096);
   lister.albero.folder("/chiusa").refused = true;

@@ -34,6 +34,7 @@ Sezioni piene() {
   Group app{8, {"/x", "/y"}, {}, {}, false, {}};
   app.scheda.scrivi() = {"Nome", "b", "p", "u", "d", {3, 4}, {"/y"}, "l", "system", true};
   finding.groups = {copie, app};
+  finding.trattieni("/h/nas\xFF", "volume di rete");
   sviluppo.findings = {finding};
   return sezioni;
 }

@@ -170,7 +170,7 @@ class FakeProbe final : public SystemProbe {
   std::optional<double> load() override { return 1.5; }
   std::optional<MemoryUse> memory() override { return MemoryUse{3 << 20, 4 << 20}; }
   std::optional<DiskSpace> disk(std::string_view /*percorso*/) override {
-    return DiskSpace{1 << 30, 1LL << 31};
+    return DiskSpace{1 << 30, 1LL << 31, 3 << 28};
   }
   std::optional<BatteryCharge> battery() override { return charge; }
 

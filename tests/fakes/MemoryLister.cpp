@@ -152,6 +152,20 @@ Result<std::shared_ptr<DirectoryHandle>> MemoryLister::open(std::string_view per
   return MemoryHandle::openNode(*this, find(percorso));
 }
 
+MemoryLister::Node& MemoryLister::link(std::string_view percorso, std::string_view meta) {
+  if (!meta.empty()) links_[std::string(percorso)] = meta;
+  return add(percorso, EntryType::link);
+}
+
+Result<std::string> MemoryLister::resolve(std::string_view percorso) {
+  std::string real(percorso);
+  for (const auto& [link, target] : links_) {
+    if (real == link || real.starts_with(link + "/")) real.replace(0, link.size(), target);
+  }
+  if (find(real) == nullptr) return missing();
+  return real;
+}
+
 Result<EntryAttributes> MemoryLister::attributes(std::string_view percorso) {
   if (perRecord) {
     if (const auto esito = perRecord(std::string(percorso)); !esito) return esito.error();

@@ -35,13 +35,15 @@ class MemoryLister final : public DirectoryLister {
   // Each adds the folders above it and returns the node, to be changed further.
   Node& folder(std::string_view percorso) { return add(percorso, EntryType::directory); }
   Node& file(std::string_view percorso, std::int64_t size);
-  Node& link(std::string_view percorso) { return add(percorso, EntryType::link); }
+  /// `meta`, when given, is where it points to, absolute.
+  Node& link(std::string_view percorso, std::string_view meta = {});
   Node& other(std::string_view percorso) { return add(percorso, EntryType::other); }
   /// A second name for a file that is there.
   void hardLink(std::string_view percorso, std::string_view existing);
 
   Result<std::shared_ptr<DirectoryHandle>> open(std::string_view percorso) override;
   Result<EntryAttributes> attributes(std::string_view percorso) override;
+  Result<std::string> resolve(std::string_view percorso) override;
   bool emptyIsCertain() const override { return certain; }
   std::size_t descriptorBudget() const override { return budget; }
 
@@ -59,6 +61,7 @@ class MemoryLister final : public DirectoryLister {
 
   std::shared_ptr<Node> root_ =
       std::make_shared<Node>(Node{.attributes = {.type = EntryType::directory, .mode = 0040755}});
+  std::map<std::string, std::string> links_;
   std::uint64_t lastIno_ = 1;
 };
 

@@ -125,6 +125,28 @@ TEST_F(DirectoryListerTest, ReachesPathsBeyondWhatOneCallTakes) {
   EXPECT_NE(std::find(all.begin(), all.end(), deepest + "/f"), all.end());
 }
 
+TEST_F(DirectoryListerTest, FindsTheRealPathBehindLinks) {
+  const std::string top = folder_.percorso();
+  scriviFile(folder_ / "vero/dentro/f", "x");
+  const auto collega = [&](const std::string& a, const std::string& nome) {
+    ASSERT_EQ(::symlink(a.c_str(), (folder_ / nome).c_str()), 0);
+  };
+  collega("vero/../vero/./dentro", "relativo");
+  collega(top + "/relativo", "vero/assoluto");
+  collega("giro2", "giro1");
+  collega("giro1", "giro2");
+  collega("nulla", "appeso");
+  const std::string fondo = makeDeepChain(top + "/vero", 25, std::string(200, 'l'));
+  collega("vero", "corto");
+  const auto reale = [&](const std::string& nome) { return lister_.resolve(top + nome); };
+  EXPECT_EQ(*reale("/vero/assoluto//f"), top + "/vero/dentro/f");
+  EXPECT_EQ(*reale("/corto" + fondo.substr(top.size() + 5)), fondo) << "of any length";
+  EXPECT_EQ(*lister_.resolve("/.."), "/");
+  EXPECT_EQ(reale("/appeso").error().kind, ErrorKind::missing);
+  EXPECT_FALSE(reale("/giro1/f").ok());
+  EXPECT_FALSE(lister_.resolve("relativo").ok());
+}
+
 TEST_F(DirectoryListerTest, RefusesPathsThatCannotBeMeant) {
   for (const std::string& bad : {std::string(), folder_.percorso() + std::string("\0/x", 3)}) {
     EXPECT_EQ(lister_.open(bad).error().kind, ErrorKind::invalid);

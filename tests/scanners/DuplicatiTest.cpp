@@ -12,6 +12,7 @@
 #include <random>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -311,8 +312,13 @@ TEST_F(DuplicatiTest, WhatIsExcludedNeverAppears) {
   regole_.duplicati.excludeBundleSuffixes = {".app"};
   regole_.duplicati.excludePaths = {"~/fuori/", "", "relativo"};
   EXPECT_THAT(gruppi(), ElementsAre(ElementsAre("file.app", "fuori2/h", "vero/a", "vero/b")));
+  std::filesystem::create_symlink(casa_ / "fuori", casa_ / "legame");
+  regole_.duplicati.excludePaths = {"~/legame"};
+  EXPECT_EQ(gruppi().front().size(), 4U) << "the folder behind the link is meant";
   regole_.duplicati.excludePaths = {casa_.percorso()};
   EXPECT_THAT(gruppi(), IsEmpty());
+  regole_.guasto = "rotte";
+  EXPECT_THROW(scan(), std::runtime_error);
 }
 
 TEST_F(DuplicatiTest, RootsMayOverlapOrBeMissing) {

@@ -1,6 +1,7 @@
 #include <cmath>
 #include <gmock/gmock.h>
 #include <limits>
+#include <stdexcept>
 
 #include "PellakCore/base/ScanCancelled.h"
 #include "fakes/FakeClock.h"
@@ -31,7 +32,12 @@ class GrandiTest : public ::testing::Test {
   }
 
   std::vector<Finding> scan() {
-    const ScanContext ctx{regole_, Config(), "/casa/anna", stop_, {}, contatore_, disco_, clock_};
+    const ScanContext ctx{regole_,      Config(),
+                          "/casa/anna", stop_,
+                          {},           contatore_,
+                          disco_,       clock_,
+                          volumi_,      [this](std::string nota) {
+                            nota_ = std::move(nota); }};
     std::vector<Finding> trovati;
     withCounter(contatore_, [&] { trovati = scanGrandi(ctx); });
     return trovati;
@@ -47,6 +53,8 @@ class GrandiTest : public ::testing::Test {
   fakes::MemoryLister disco_;
   Contatore contatore_{"/casa/anna", true};
   std::function<bool()> stop_;
+  std::vector<Mount> volumi_;
+  std::string nota_;
   fakes::FakeClock clock_{kOra};
 };
 
@@ -144,10 +152,44 @@ TEST_F(GrandiTest, RefusedFoldersShrinkTheListAndAStopEndsTheScan) {
   file("/casa/anna/chiusa/b", 300);
   disco_.folder("/casa/anna/chiusa").refused = true;
   EXPECT_THAT(percorsi(scan()[0]), ElementsAre("/casa/anna/aperta/a"));
-  EXPECT_GT(Denied::sharedCount(), 0);
-  EXPECT_EQ(contatore_.n(), 0);
+  EXPECT_EQ(contatore_.perRadice().size(), 1U);
+  EXPECT_EQ(Denied::sharedCount(), 0) << "they are the section's alone";
+  disco_.folder("/casa/anna").refused = true;
+  EXPECT_THAT(scan()[0].items, IsEmpty());
+  EXPECT_GT(contatore_.perRadice().at("~"), 0);
+  EXPECT_EQ(nota_, "") << "there was a folder to look at";
   stop_ = [] { return true; };
   EXPECT_THROW(scan(), ScanCancelled);
+}
+
+TEST_F(GrandiTest, RootsAreRealPathsAndRemoteVolumesBelowThemAreNamed) {
+  file("/dati/film/a", 300);
+  file("/casa/anna/nas/b", 301);
+  file("/casa/anna/usb/c", 302);
+  file("/casa/anna/.cache/d", 303);
+  disco_.link("/casa/anna/Video", "/dati/film");
+  volumi_ = {{"/casa/anna/nas", "nfs4", 7, true},
+             {"/casa/anna/usb", "ext4", 8, false},
+             {"/altrove/nas", "fuse.sshfs", 9, true}};
+  regole_.grandi.roots = {"~/Video", "/dati/film", "~/usb", "~", "~/.cache"};
+  regole_.duplicati.excludeDirNames = {".cache"};
+  const auto trovati = scan();
+  EXPECT_THAT(percorsi(trovati[0]),
+              ElementsAre("/casa/anna/.cache/d", "/casa/anna/usb/c", "/dati/film/a"));
+  ASSERT_EQ(trovati[1].trattenuti.size(), 1U);
+  EXPECT_EQ(trovati[1].trattenuti[0].percorso, "/casa/anna/nas");
+  EXPECT_EQ(trovati[1].trattenuti[0].perche, "volume di rete o FUSE: non esaminato");
+  regole_.grandi.roots = {"~/nas"};
+  EXPECT_THAT(percorsi(scan()[0]), ElementsAre("/casa/anna/nas/b")) << "somebody named it";
+}
+
+TEST_F(GrandiTest, NothingToLookAtIsSaid) {
+  file("/casa/anna/a", 300);
+  regole_.grandi.roots = {"~/manca", "~/a"};
+  EXPECT_EQ(scan().size(), 2U);
+  EXPECT_EQ(nota_, "Nessuna cartella da esaminare.");
+  regole_.guasto = "file delle regole illeggibile";
+  EXPECT_THROW(scan(), std::runtime_error);
 }
 
 TEST_F(GrandiTest, TheTableServesThem) {

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "PellakCore/CartelleUtente.h"
 #include "PellakCore/Regole.h"
 
 namespace pellak {
@@ -60,6 +61,26 @@ TEST(RegoleTest, TheListsOfFilesHaveTheirDefaults) {
   EXPECT_EQ(piene.grandi.minSizeMb, 1.5);
   EXPECT_EQ(piene.grandi.minAgeDays, 3);
   EXPECT_EQ(piene.grandi.top, 4);
+}
+
+TEST(RegoleTest, UserFoldersMovePlacesAndRoots) {
+  const auto spostamenti = leggiCartelleUtente(
+      "# XDG_MUSIC_DIR=\"/no\"\nXDG_DOWNLOAD_DIR=\"$HOME/prima\"\n"
+      " XDG_DOWNLOAD_DIR = \"$HOME/Scaricati \\\"qui\\\"/\" \r\nXDG_DOCUMENTS_DIR=\"$HOME/\"\n"
+      "XDG_PICTURES_DIR=\"/foto/mie\"\nXDG_VIDEOS_DIR=relativa\nXDG_MUSIC_DIR=\"rotta\n"
+      "XDG_BOH_DIR=\"/x\"\nXDG_DIR=\"/x\"\n=\nXDG_DESKTOP_DIR=\"$HOMEX/a\"",
+      "/h");
+  Regole regole;
+  regole.categorie.resize(1);
+  regole.categorie[0].glob = {"~/Downloads/*.iso", "~/Downloadsx/*.a"};
+  regole.duplicati.roots = {"~/Documents", "~/Pictures/2020", "~/Videos", "~"};
+  regole.grandi.roots = {"~/Downloads"};
+  regole = conSpostamenti(regole, spostamenti);
+  EXPECT_THAT(regole.categorie[0].glob,
+              ElementsAre("/h/Scaricati \"qui\"/*.iso", "~/Downloadsx/*.a"));
+  EXPECT_THAT(regole.duplicati.roots,
+              ElementsAre("~/Documents", "/foto/mie/2020", "~/Videos", "~"));
+  EXPECT_THAT(regole.grandi.roots, ElementsAre("/h/Scaricati \"qui\""));
 }
 
 TEST(RegoleTest, OnlyAnObjectIsARulesDocument) {

@@ -29,8 +29,8 @@ class ScannerRegoleTest : public ::testing::Test {
   }
 
   Finding scan(const RegolaCategoria& regola) {
-    const ScanContext ctx{regole_, impostazioni_, "/casa/anna", stop_,
-                          {},      contatore_,    disco_,       clock_};
+    const ScanContext ctx{regole_,    impostazioni_, "/casa/anna", stop_,  {},
+                          contatore_, disco_,        clock_,       volumi_};
     return scanRegola(ctx, regola);
   }
 
@@ -44,6 +44,7 @@ class ScannerRegoleTest : public ::testing::Test {
   fakes::FakeClock clock_{kOra};
   Contatore contatore_{"/casa/anna", true};
   std::function<bool()> stop_;
+  std::vector<Mount> volumi_;
 
  private:
   const Regole regole_{};
@@ -99,6 +100,39 @@ TEST_F(ScannerRegoleTest, APlaceThatIsNoFolderContributesNothing) {
   }
   EXPECT_THAT(percorsi({}), IsEmpty());
   EXPECT_EQ(contatore_.n(), 0);
+}
+
+TEST_F(ScannerRegoleTest, LinksAboveAPlaceAreFollowedAndRealPathsListed) {
+  file("/ssd/cache/pip/a", 1);
+  file("/ssd/scaricati/b.iso", 2);
+  disco_.link("/casa/anna/.cache", "/ssd/cache");
+  disco_.link("/casa/anna/Downloads", "/ssd/scaricati");
+  disco_.link("/ssd/cache/altrove", "/ssd/scaricati");
+  RegolaCategoria regola;
+  regola.childrenOf = "~/.cache/pip";
+  regola.folders = {"~/.cache", "~/.cache/altrove", "~/Downloads"};
+  regola.paths = {"~/.cache/pip", "~/Downloads"};
+  regola.glob = {"~/Downloads/*.iso"};
+  EXPECT_THAT(percorsi(regola),
+              ElementsAre("/ssd/scaricati/b.iso", "/ssd/cache/pip/a", "/ssd/cache/pip"));
+}
+
+TEST_F(ScannerRegoleTest, RemoteVolumesAreNeitherReadNorListedButNamed) {
+  file("/casa/anna/c/nas/a", 5);
+  file("/casa/anna/c/x/sotto/gvfs/b", 7);
+  file("/casa/anna/c/x/sotto/c", 1);
+  volumi_ = {{"/casa/anna/c/nas", "cifs", 1, true}, {"/casa/anna/c/x/sotto/gvfs", "fuse", 2, true}};
+  disco_.perRecord = [](const std::string& percorso) -> Result<void> {
+    EXPECT_NE(percorso, "/casa/anna/c/nas") << "a volume that hangs must not be asked anything";
+    return {};
+  };
+  RegolaCategoria regola;
+  regola.childrenOf = "~/c";
+  const Finding finding = scan(regola);
+  ASSERT_EQ(finding.items.size(), 1U);
+  EXPECT_EQ(finding.items[0].size, 4096);
+  ASSERT_EQ(finding.trattenuti.size(), 2U);
+  EXPECT_EQ(finding.trattenuti[1].percorso, "/casa/anna/c/x/sotto/gvfs");
 }
 
 TEST_F(ScannerRegoleTest, PatternsMatchTheLowerCasedName) {

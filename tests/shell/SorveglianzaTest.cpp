@@ -60,7 +60,7 @@ TEST_F(SorveglianzaTest, ScansWhenTheDaysHavePassedAndTellsTheResult) {
                            "Pellak Cleaner: Controllo periodico completato: puoi liberare 3.0 MiB. "
                            "Apri Pellak Cleaner per decidere."});
   EXPECT_EQ(controlla(), 0) << "just done";
-  for (const char* rotto : {"", "mai", "inf", "nan"}) {
+  for (const char* rotto : {"", "mai", "inf", "nan", "1000000.5 x", "1000000.5.5", "0x1p30"}) {
     ultima(rotto);
     EXPECT_EQ(controlla(), 1) << rotto;
   }

@@ -165,6 +165,18 @@ TEST_P(WalkerTest, LeavesOutFoldersByNameAndEnding) {
   EXPECT_THAT(visited(filtro, {at("/keep")}), IsEmpty());
 }
 
+TEST_P(WalkerTest, StaysOutOfThePlacesItIsTold) {
+  world_->file("/sub/nas/a", 5000);
+  world_->file("/nas/b", 6000);
+  Confini confini({at("/sub/nas"), at("/manca")});
+  ambiente_.confini = &confini;
+  EXPECT_THAT(visited({}, {at("")}), ElementsAre("/nas/b"));
+  EXPECT_EQ(treeSize(ambiente(), at("")), world_->alloc("/nas/b"));
+  EXPECT_THAT(detail::walkLevel(ambiente(), at("/sub"), {}, {}), IsEmpty());
+  EXPECT_THAT(confini.incontrati(), ElementsAre(at("/sub/nas")));
+  EXPECT_THAT(visited({}, {at("/sub/nas")}), ElementsAre("/sub/nas/a")) << "a root is entered";
+}
+
 TEST_P(WalkerTest, ListsOneLevelInListingOrder) {
   makeMixedTree();
   world_->file("/z.txt", 10);

@@ -50,6 +50,8 @@ export interface Finding {
   kind: string;
   items: Voce[];
   groups: Gruppo[];
+  /** What the scan held back. */
+  perche_no?: { percorso: string; perche: string }[];
 }
 
 export interface Sezione {
@@ -75,7 +77,9 @@ export interface Sezione {
 /** Bytes of the volume that holds the home folder. */
 export interface Disco {
   totale: number;
+  /** What the user can still write. */
   libero: number;
+  usato: number;
 }
 
 export interface RispostaStato {

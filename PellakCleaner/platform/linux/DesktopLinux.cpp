@@ -7,7 +7,6 @@
 
 #include "platform/Desktop.h"
 #include "platform/linux/KeepAwakeLinux.h"
-#include "platform/linux/NotifierLinux.h"
 #include "platform/linux/SingleInstance.h"
 #include "platform/linux/WindowModule.h"
 
@@ -58,7 +57,6 @@ class DesktopLinux final : public Desktop {
  public:
   DesktopHost& host() override { return *host_; }
   KeepAwake& keepAwake() override { return keepAwake_; }
-  Notifier& notifier() override { return notifier_; }
   std::string startCommand(const std::string& executable) const override {
     return "exec " + quoted(executable);
   }
@@ -69,7 +67,6 @@ class DesktopLinux final : public Desktop {
  private:
   SingleInstance istanza_;
   native::KeepAwakeLinux keepAwake_;
-  native::NotifierLinux notifier_;
   std::unique_ptr<DesktopHost> host_;
 };
 

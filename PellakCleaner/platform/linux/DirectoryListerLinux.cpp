@@ -101,6 +101,10 @@ Result<EntryAttributes> DirectoryListerLinux::attributes(std::string_view percor
   return asAttributes(posix::statPath(percorso, kTraverse, kStatFlags));
 }
 
+Result<std::string> DirectoryListerLinux::resolve(std::string_view percorso) {
+  return posix::realPath(percorso, kTraverse);
+}
+
 std::size_t DirectoryListerLinux::descriptorBudget() const { return posix::folderBudget(); }
 
 }  // namespace pellak::native

@@ -8,6 +8,7 @@
 #include "platform/linux/DirectoryListerLinux.h"
 #include "platform/linux/FileManagerLinux.h"
 #include "platform/linux/MountsLinux.h"
+#include "platform/linux/NotifierLinux.h"
 #include "platform/linux/SoundPlayerLinux.h"
 #include "platform/linux/SystemProbeLinux.h"
 #include "platform/linux/TrashCanLinux.h"
@@ -38,6 +39,8 @@ class NativeLinux : public Native {
 
   std::string homeFolder() const override { return posix::homeFolder(); }
 
+  Notifier& notifier() override { return notifier_; }
+
   std::optional<LoginEntry> loginEntry(const std::string& home) const override {
     return native::autostartEntry(executablePath(), home);
   }
@@ -53,6 +56,7 @@ class NativeLinux : public Native {
   native::SoundPlayerLinux suono_{launcher_};
   native::SystemProbeLinux probe_;
   native::MountsLinux mounts_;
+  native::NotifierLinux notifier_;
 };
 
 }  // namespace

@@ -141,7 +141,8 @@ std::optional<DiskSpace> SystemProbeLinux::disk(std::string_view percorso) {
   if (::statvfs(std::string(percorso).c_str(), &record) != 0) return {};
   const auto block = static_cast<std::int64_t>(record.f_frsize);
   return DiskSpace{static_cast<std::int64_t>(record.f_bavail) * block,
-                   static_cast<std::int64_t>(record.f_blocks) * block};
+                   static_cast<std::int64_t>(record.f_blocks) * block,
+                   static_cast<std::int64_t>(record.f_blocks - record.f_bfree) * block};
 }
 
 std::optional<BatteryCharge> SystemProbeLinux::battery() {

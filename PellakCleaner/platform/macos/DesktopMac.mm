@@ -12,14 +12,6 @@
 namespace pellak {
 namespace {
 
-/// Notices are shown by the system's script runner here, which needs no service of ours.
-class NoNotifier final : public Notifier {
- public:
-  Result<void> notify(const std::string& /*titolo*/, const std::string& /*messaggio*/) override {
-    return Error{ErrorKind::missing, 0, "notices go through the script runner"};
-  }
-};
-
 /// The session that has a screen; a terminal from afar is in none.
 bool inScreenSession() {
   const CFDictionaryRef session = CGSessionCopyCurrentDictionary();
@@ -55,7 +47,6 @@ class DesktopMac final : public Desktop {
  public:
   DesktopHost& host() override { return host_; }
   KeepAwake& keepAwake() override { return keepAwake_; }
-  Notifier& notifier() override { return notifier_; }
 
   std::string startCommand(const std::string& executable) const override {
     const std::string bundle = bundleAround(executable);
@@ -64,7 +55,6 @@ class DesktopMac final : public Desktop {
 
  private:
   native::KeepAwakeMac keepAwake_;
-  NoNotifier notifier_;
   native::DesktopHostMac host_;
 };
 

@@ -82,6 +82,10 @@ Result<EntryAttributes> DirectoryListerMac::attributes(std::string_view percorso
   return asAttributes(posix::statPath(percorso, kTraverse, 0));
 }
 
+Result<std::string> DirectoryListerMac::resolve(std::string_view percorso) {
+  return posix::realPath(percorso, kTraverse);
+}
+
 std::size_t DirectoryListerMac::descriptorBudget() const { return posix::folderBudget(); }
 
 }  // namespace pellak::native

@@ -10,6 +10,7 @@ class DirectoryListerMac final : public DirectoryLister {
  public:
   Result<std::shared_ptr<DirectoryHandle>> open(std::string_view percorso) override;
   Result<EntryAttributes> attributes(std::string_view percorso) override;
+  Result<std::string> resolve(std::string_view percorso) override;
   bool emptyIsCertain() const override { return false; }
   std::size_t descriptorBudget() const override;
 };

@@ -22,6 +22,14 @@
 namespace pellak {
 namespace {
 
+/// Notices are shown by the system's script runner here, which needs no service of ours.
+class NoNotifier final : public Notifier {
+ public:
+  Result<void> notify(const std::string& /*titolo*/, const std::string& /*messaggio*/) override {
+    return Error{ErrorKind::missing, 0, "notices go through the script runner"};
+  }
+};
+
 class NativeMac : public Native {
  public:
   Platform platform() override {
@@ -45,6 +53,8 @@ class NativeMac : public Native {
 
   std::string homeFolder() const override { return posix::homeFolder(); }
 
+  Notifier& notifier() override { return notifier_; }
+
   std::optional<LoginEntry> loginEntry(const std::string& /*home*/) const override { return {}; }
 
  private:
@@ -58,6 +68,7 @@ class NativeMac : public Native {
   native::SoundPlayerMac suono_{launcher_};
   native::SystemProbeMac probe_;
   native::MountsMac mounts_;
+  NoNotifier notifier_;
 };
 
 }  // namespace

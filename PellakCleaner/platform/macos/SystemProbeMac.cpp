@@ -121,7 +121,8 @@ std::optional<DiskSpace> SystemProbeMac::disk(std::string_view percorso) {
   if (::statfs(std::string(percorso).c_str(), &record) != 0) return {};
   const auto block = static_cast<std::int64_t>(record.f_bsize);
   return DiskSpace{static_cast<std::int64_t>(record.f_bavail) * block,
-                   static_cast<std::int64_t>(record.f_blocks) * block};
+                   static_cast<std::int64_t>(record.f_blocks) * block,
+                   static_cast<std::int64_t>(record.f_blocks - record.f_bfree) * block};
 }
 
 std::optional<BatteryCharge> SystemProbeMac::battery() { return readBattery(); }

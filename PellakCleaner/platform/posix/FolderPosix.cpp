@@ -45,6 +45,17 @@ Result<Tail> shorten(std::string_view percorso, int traverse) {
   return tail;
 }
 
+/// Where a link points to; empty for what is no link.
+Result<std::string> linkTarget(std::string_view percorso, int traverse) {
+  Result<Tail> tail = shorten(percorso, traverse);
+  if (!tail) return tail.error();
+  std::string target(PATH_MAX, '\0');
+  const ssize_t bytes = ::readlinkat(tail->at(), tail->rest.c_str(), target.data(), target.size());
+  if (bytes < 0 && errno != EINVAL) return errnoError(errno);
+  target.resize(bytes < 0 ? 0 : static_cast<std::size_t>(bytes));
+  return target;
+}
+
 EntryType typeOf(mode_t mode) {
   if (S_ISDIR(mode)) return EntryType::directory;
   if (S_ISLNK(mode)) return EntryType::link;
@@ -69,6 +80,34 @@ Result<struct stat> statPath(std::string_view percorso, int traverse, int flags)
   Result<Tail> tail = shorten(percorso, traverse);
   if (!tail) return tail.error();
   return statAt(tail->at(), tail->rest.c_str(), flags);
+}
+
+Result<std::string> realPath(std::string_view percorso, int traverse) {
+  constexpr int kMostLinks = 40;
+  if (!percorso.starts_with('/')) return errnoError(EINVAL);
+  std::string real;
+  std::string rest(percorso);
+  for (int links = 0; !rest.empty();) {
+    const std::size_t slash = std::min(rest.find('/'), rest.size());
+    const std::string name = rest.substr(0, slash);
+    rest.erase(0, slash + 1);
+    if (name.empty() || name == ".") continue;
+    if (name == "..") {
+      real.erase(std::min(real.rfind('/'), real.size()));
+      continue;
+    }
+    const std::string next = real + '/' + name;
+    const Result<std::string> target = linkTarget(next, traverse);
+    if (!target) return target.error();
+    if (target->empty()) {
+      real = next;
+      continue;
+    }
+    if (++links > kMostLinks) return errnoError(ELOOP);
+    if (target->starts_with('/')) real.clear();
+    rest = *target + '/' + rest;
+  }
+  return real.empty() ? "/" : real;
 }
 
 Result<struct stat> statAt(int folder, const char* name, int flags) {

@@ -23,6 +23,9 @@ Result<Descriptor> openFolderAt(int folder, const char* name);
 /// lstat for a path of any length; `flags` are added to those of fstatat.
 Result<struct stat> statPath(std::string_view percorso, int traverse, int flags);
 
+/// The path without links, "." and ".."; something has to be there.
+Result<std::string> realPath(std::string_view percorso, int traverse);
+
 /// lstat for a component of an open folder.
 Result<struct stat> statAt(int folder, const char* name, int flags);
 

@@ -25,13 +25,17 @@ std::int64_t byteMinimi(std::int64_t mib) {
   return mib > kMax / kMiB ? kMax : mib * kMiB;
 }
 
-walker::Filtro filtroDi(const RegoleDuplicati& regole, const std::string& home) {
+/// What the user excluded is left out under its real path as well.
+walker::Filtro filtroDi(const ScanContext& ctx) {
+  const RegoleDuplicati& regole = ctx.regole.duplicati;
   walker::Filtro filtro{{regole.excludeDirNames, regole.excludeBundleSuffixes},
                         byteMinimi(regole.minSizeMb)};
   std::vector<std::string> esclusi;
   for (const std::string& scritto : regole.excludePaths) {
-    std::string escluso = standardizza(scritto, home);
-    if (!escluso.empty()) esclusi.push_back(std::move(escluso));
+    std::string escluso = standardizza(scritto, ctx.home);
+    if (escluso.empty()) continue;
+    if (auto reale = ctx.lister.resolve(escluso)) esclusi.push_back(std::move(*reale));
+    esclusi.push_back(std::move(escluso));
   }
   if (esclusi.empty()) return filtro;
   filtro.entra = [esclusi = std::move(esclusi)](std::string_view percorso) {
@@ -42,17 +46,17 @@ walker::Filtro filtroDi(const RegoleDuplicati& regole, const std::string& home) 
   return filtro;
 }
 
-void raccogli(const ScanContext& ctx, Candidati& candidati) {
-  const walker::Ambiente ambiente{ctx.lister, registraDiniego};
-  const RegoleDuplicati& regole = ctx.regole.duplicati;
-  const auto radici = radiciEsistenti(ambiente, regole.roots, ctx.home);
+void raccogli(const ScanContext& ctx, Candidati& candidati, Finding& finding) {
+  const walker::Filtro filtro = filtroDi(ctx);
+  const Cammino cammino(ctx, ctx.regole.duplicati.roots, filtro);
   struct Nulla {};
-  walker::parallelWalk(ambiente, radici, filtroDi(regole, ctx.home), ctx.stop,
+  walker::parallelWalk(cammino.ambiente(), cammino.radici(), filtro, ctx.stop,
                        [&](std::string_view percorso, const struct stat& s) {
                          candidati.aggiungi(percorso, s.st_size,
                                             static_cast<std::int32_t>(s.st_dev), s.st_ino);
                          return std::optional<Nulla>();
                        });
+  cammino.segna(finding);
 }
 
 /// Puts equal files into their group in ascending order of their paths, each file on disk once:
@@ -108,6 +112,7 @@ std::vector<Group> gruppi(std::vector<Contenuto>& contenuti,
 }  // namespace
 
 Finding scanDuplicati(const ScanContext& ctx, FileReader& reader) {
+  esigiRegole(ctx);
   Finding finding;
   finding.id = "duplicates";
   finding.name = "File duplicati";
@@ -116,7 +121,7 @@ Finding scanDuplicati(const ScanContext& ctx, FileReader& reader) {
       "Confronto per dimensione, poi hash parziale, poi hash completo. Gli hard link non sono "
       "conteggiati come duplicati.";
   Candidati testi;
-  raccogli(ctx, testi);
+  raccogli(ctx, testi, finding);
   std::vector<Candidato> candidati = testi.prendi();
   std::vector<Contenuto> contenuti = raggruppaPerFile(candidati, testi);
   Lettura lettura(ctx, reader, testi, candidati);

@@ -13,8 +13,8 @@ namespace pellak::scanners {
 /// on disk is read once at most, however many names it has, and stands in its group with the first
 /// of them. A file that can't be read, vanishes or is written to while it is read is left out.
 ///
-/// Refused roots and files go to the section's counter, folders refused on the way to the shared
-/// one. Throws `ScanCancelled`, within a block of each file being read.
+/// Refusals go to the section's counter. Throws `ScanCancelled`, within a block of each file being
+/// read, or what says why the rules could not be read.
 Finding scanDuplicati(const ScanContext& ctx, FileReader& reader);
 
 }  // namespace pellak::scanners

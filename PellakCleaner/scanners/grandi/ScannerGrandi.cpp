@@ -24,14 +24,17 @@ std::int64_t byteMinimi(double mib) {
   return byte < static_cast<double>(kMax) ? static_cast<std::int64_t>(byte) : kMax;
 }
 
-std::vector<Voce> cerca(const ScanContext& ctx, const walker::Ambiente& ambiente) {
-  const RegoleGrandi& regole = ctx.regole.grandi;
-  const RegoleDuplicati& condivise = ctx.regole.duplicati;
-  const walker::Filtro filtro{{condivise.excludeDirNames, condivise.excludeBundleSuffixes},
-                              byteMinimi(regole.minSizeMb)};
-  const auto radici = radiciEsistenti(ambiente, regole.roots, ctx.home);
+walker::Filtro filtroDi(const Regole& regole) {
+  const RegoleDuplicati& condivise = regole.duplicati;
+  return {{condivise.excludeDirNames, condivise.excludeBundleSuffixes},
+          byteMinimi(regole.grandi.minSizeMb)};
+}
+
+std::vector<Voce> cerca(const ScanContext& ctx, const Cammino& cammino,
+                        const walker::Filtro& filtro) {
   return walker::parallelWalk(
-      ambiente, radici, filtro, ctx.stop, [](std::string_view percorso, const struct stat& stato) {
+      cammino.ambiente(), cammino.radici(), filtro, ctx.stop,
+      [](std::string_view percorso, const struct stat& stato) {
         return std::optional<Voce>({std::string(percorso),
                                     static_cast<std::int64_t>(stato.st_blocks) * 512,
                                     static_cast<double>(stato.st_mtime), stato.st_size,
@@ -60,11 +63,13 @@ Finding segnalazione(std::string id, std::string nome, std::string nota) {
 }  // namespace
 
 std::vector<Finding> scanGrandi(const ScanContext& ctx) {
+  esigiRegole(ctx);
   const RegoleGrandi& regole = ctx.regole.grandi;
   const double limite = ctx.clock.now() - regole.minAgeDays * kSecondsPerDay;
   const auto massimo = static_cast<std::size_t>(std::max<std::int64_t>(regole.top, 0));
-  const walker::Ambiente ambiente{ctx.lister, registraDiniego};
-  std::vector<Voce> voci = cerca(ctx, ambiente);
+  const walker::Filtro filtro = filtroDi(ctx.regole);
+  const Cammino cammino(ctx, regole.roots, filtro);
+  std::vector<Voce> voci = cerca(ctx, cammino, filtro);
   ordina(voci);
   std::vector<Finding> trovati = {
       segnalazione("large-files", "File grandi",
@@ -74,6 +79,7 @@ std::vector<Finding> scanGrandi(const ScanContext& ctx) {
                    fmt::format("SOLO REPORT: file pesanti non modificati da oltre {} giorni: i "
                                "gigabyte dimenticati.",
                                regole.minAgeDays))};
+  for (Finding& trovato : trovati) cammino.segna(trovato);
   std::vector<Voce>& vecchi = trovati[1].items;
   for (const Voce& voce : voci) {
     if (vecchi.size() >= massimo) break;

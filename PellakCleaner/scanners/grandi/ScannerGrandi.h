@@ -14,8 +14,8 @@ namespace pellak::scanners {
 /// sparse file may be listed with little. Equal sizes are in byte order of their paths. What is
 /// reached through two roots counts once.
 ///
-/// Refusals of a root go to the section's counter, those met on the way to the shared one. Throws
-/// `ScanCancelled`.
+/// Refusals go to the section's counter. Throws `ScanCancelled`, or what says why the rules could
+/// not be read.
 std::vector<Finding> scanGrandi(const ScanContext& ctx);
 
 }  // namespace pellak::scanners

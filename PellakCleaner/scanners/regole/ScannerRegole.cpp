@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "PellakCore/base/BytePath.h"
+#include "scanners/Luoghi.h"
 #include "scanners/walker/StatRecord.h"
 #include "scanners/walker/Walker.h"
 
@@ -13,19 +14,23 @@ namespace {
 
 constexpr double kSecondsPerDay = 86'400;
 
-/// A place of the rules as a path: "~" expanded, no trailing slash. Empty when it isn't absolute.
-std::string luogo(std::string_view scritto, const std::string& home) {
-  std::string percorso = espandiTilde(scritto, home);
-  while (percorso.size() > 1 && percorso.back() == '/') percorso.pop_back();
-  if (percorso.empty() || percorso.front() != '/') percorso.clear();
-  return percorso;
-}
-
 std::string figlio(const std::string& cartella, std::string_view nome) {
   std::string percorso = cartella == "/" ? std::string() : cartella;
   percorso += '/';
   percorso += nome;
   return percorso;
+}
+
+/// A place of the rules as a path: "~" expanded and the folder above it real. Empty when the
+/// place isn't absolute or there is no such folder.
+std::string luogo(const walker::Ambiente& ambiente, std::string_view scritto,
+                  const std::string& home) {
+  const std::string percorso = standardizza(scritto, home);
+  if (percorso.empty() || percorso == "/") return percorso;
+  const std::size_t barra = percorso.rfind('/');
+  const auto sopra =
+      walker::realPath(ambiente, percorso.substr(0, std::max<std::size_t>(barra, 1)));
+  return sopra ? figlio(*sopra, percorso.substr(barra + 1)) : std::string();
 }
 
 char minuscola(char lettera) {
@@ -77,19 +82,19 @@ class Raccolta {
       : ambiente_(ambiente), home_(home) {}
 
   void figliDi(std::string_view scritto) {
-    const std::string cartella = luogo(scritto, home_);
+    const std::string cartella = luogo(ambiente_, scritto, home_);
     if (cartella.empty()) return;
     const auto stato = walker::statNoFollow(ambiente_, cartella);
     if (stato && S_ISDIR(stato->st_mode)) elenca(cartella, {});
   }
 
   void percorso(std::string_view scritto) {
-    std::string intero = luogo(scritto, home_);
+    std::string intero = luogo(ambiente_, scritto, home_);
     if (!intero.empty()) trovati_.push_back(std::move(intero));
   }
 
   void modello(std::string_view scritto) {
-    const std::string intero = luogo(scritto, home_);
+    const std::string intero = luogo(ambiente_, scritto, home_);
     const std::string_view ultimo = ultimoComponente(intero);
     if (ultimo.substr(0, 2) != "*.") return;
     const std::string cartella = intero.substr(0, intero.size() - ultimo.size() - 1);
@@ -143,6 +148,7 @@ Tenuti filtra(const walker::Ambiente& ambiente, const ScanContext& ctx,
   for (const std::string& candidato : candidati) {
     if (ctx.stop && ctx.stop()) throw ScanCancelled();
     if (!visti.insert(candidato).second || esclusa(regola, candidato)) continue;
+    if (ambiente.confini->fuori(candidato)) continue;
     const auto stato = walker::statNoFollow(ambiente, candidato);
     if (!stato) continue;
     const auto mtime = static_cast<double>(stato->st_mtime);
@@ -177,10 +183,12 @@ Finding scanRegola(const ScanContext& ctx, const RegolaCategoria& regola) {
   finding.name = regola.name;
   finding.mode = regola.mode;
   finding.note = regola.note;
-  const walker::Ambiente ambiente{
-      ctx.lister, [&ctx](std::string_view percorso) { ctx.contatore.add(percorso); }};
+  walker::Ambiente ambiente = ambienteDi(ctx);
   const Raccolta raccolta = raccogli(ambiente, ctx.home, regola);
+  walker::Confini confini(volumiLontani(ctx, raccolta.trovati()));
+  ambiente.confini = &confini;
   finding.items = misura(ambiente, ctx, filtra(ambiente, ctx, regola, raccolta.trovati()));
+  segnaVolumi(confini, finding);
   return finding;
 }
 

@@ -10,9 +10,11 @@ namespace pellak::scanners {
 ///
 /// Candidates are the children of `childrenOf`, of `folders`, then `paths`, then what `glob`
 /// matches, without those whose name `except` matches; one that several of them name counts once.
-/// Symbolic links are neither listed nor
-/// entered, and a folder that is one contributes nothing. What takes no room is left out. A
-/// place that does not begin with "/" once "~" is expanded is ignored.
+/// Symbolic links are neither listed nor entered, and a folder that is one contributes nothing;
+/// links above such a place, and the folder of a pattern, are followed, and the entries have their
+/// real paths. What takes no room is left out. A place that does not begin with "/" once "~" is
+/// expanded is ignored. Remote volumes that are candidates, or lie in one, are not read; the
+/// finding names them.
 ///
 /// Refusals, those met while measuring too, go to the section's counter; whatever else can't be
 /// read is left out silently. Throws `ScanCancelled`.

@@ -25,6 +25,13 @@ void tellRefusal(const Ambiente& ambiente, const Error& error, const PathOf& per
   if (error.kind == ErrorKind::denied && ambiente.diniego) ambiente.diniego(percorso());
 }
 
+bool staysOut(const Ambiente& ambiente, std::string_view name, const PathOf& percorso) {
+  if (ambiente.confini == nullptr || !ambiente.confini->forse(name)) return false;
+  std::string folder = percorso();
+  appendName(folder, name);
+  return ambiente.confini->fuori(folder);
+}
+
 bool readBulk(const Ambiente& ambiente, const OpenFolder& open, const PathOf& percorso,
               Listing& listing) {
   auto opened = open();

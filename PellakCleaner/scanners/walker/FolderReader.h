@@ -29,6 +29,10 @@ using PathOf = std::function<std::string()>;
 /// Tells `ambiente` when the error is a refusal; only then the path is built.
 void tellRefusal(const Ambiente& ambiente, const Error& error, const PathOf& percorso);
 
+/// Whether a folder found in the one at `percorso` is not to be entered; the path is built only
+/// when its name leaves that open.
+bool staysOut(const Ambiente& ambiente, std::string_view name, const PathOf& percorso);
+
 /// Opens a folder and reads it into an empty `listing` by the bulk call alone.
 bool readBulk(const Ambiente& ambiente, const OpenFolder& open, const PathOf& percorso,
               Listing& listing);

@@ -125,6 +125,7 @@ void Worker::execute(SliceTask& task) {
 
 void Worker::addFolder(const SliceTask& of, std::string_view name) {
   if (!walk_.client.entersName(name)) return;
+  if (staysOut(walk_.ambiente, name, [&] { return of.folder->path(); })) return;
   of.folder->claim();
   walk_.client.added(of.root, 1);
   push(FolderTask{of.folder, std::string(name), of.root, walk_.client.mark(index_, of.mark, name)});

@@ -103,6 +103,13 @@ std::optional<struct stat> statNoFollow(const Ambiente& ambiente, std::string_vi
   return std::nullopt;
 }
 
+std::optional<std::string> realPath(const Ambiente& ambiente, std::string_view percorso) {
+  auto real = ambiente.lister.resolve(percorso);
+  if (real) return std::move(real).value();
+  tellRefusal(ambiente, real.error(), same(percorso));
+  return std::nullopt;
+}
+
 namespace detail {
 
 void walk(const Ambiente& ambiente, std::span<const std::string> radici, const Filtro& filtro,
@@ -126,7 +133,9 @@ std::vector<std::string> walkLevel(const Ambiente& ambiente, std::string_view ca
   visitEntries(
       ambiente, listing, 0, listing.batch.entries.size(), true, same(cartella),
       [&](const ListedEntry& entry) {
-        if (!filtro.esclusioni.esclude(entry.name)) folders.push_back(child(entry.name));
+        if (filtro.esclusioni.esclude(entry.name)) return;
+        if (staysOut(ambiente, entry.name, same(cartella))) return;
+        folders.push_back(child(entry.name));
       },
       [&](std::string_view name, const EntryAttributes& attributes) {
         if (attributes.size < filtro.minBytes) return;

@@ -14,6 +14,7 @@
 
 #include "PellakCore/base/ScanCancelled.h"
 #include "platform/DirectoryLister.h"
+#include "scanners/walker/Confini.h"
 #include "scanners/walker/Esclusioni.h"
 
 /// Lists, measures and walks folders for every scanner.
@@ -34,10 +35,12 @@ using Stop = std::function<bool()>;
 /// Told every refused path. Called from any worker, several at once; empty: not told.
 using Diniego = std::function<void(std::string_view percorso)>;
 
-/// What every operation works with. The lister outlives the call.
+/// What every operation works with. The lister outlives the call, `confini` too.
 struct Ambiente {
   DirectoryLister& lister;
   Diniego diniego;
+  /// What walks and measures do not enter below their roots; none: everything is entered.
+  Confini* confini = nullptr;
 };
 
 /// What a walk leaves out.
@@ -71,6 +74,10 @@ std::optional<std::vector<std::string>> nameList(const Ambiente& ambiente,
 /// The path's own record: type and permissions, links, owner, device, inode, size, blocks, times of
 /// modification and status change and flags; other fields are 0.
 std::optional<struct stat> statNoFollow(const Ambiente& ambiente, std::string_view percorso);
+
+/// The path with every link on the way and at its end followed; absent when nothing is there or
+/// the way is refused.
+std::optional<std::string> realPath(const Ambiente& ambiente, std::string_view percorso);
 
 /// Bytes on disk of a file, or of everything below a folder: hard links count each time, folders
 /// and symbolic links themselves not; a root that is a link or missing is 0. Runs on the calling

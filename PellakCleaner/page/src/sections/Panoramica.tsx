@@ -169,7 +169,7 @@ function BarraSezioni({ totale }: { totale: number }) {
 function SpazioDisco() {
   const valori = disco.value;
   if (!valori || valori.totale <= 0) return null;
-  const usato = valori.totale - valori.libero;
+  const usato = valori.usato;
   const percento = Math.round((usato / valori.totale) * 100);
   const testo = `${dimensione(valori.libero)} liberi, ${dimensione(usato)} usati su ${dimensione(valori.totale)}`;
   return (

@@ -13,6 +13,7 @@ import { poll } from "../polling";
 import type { Finding, Sezione as DatiSezione } from "../rotte";
 import { cercaSezione, occupato, pronto, statoMostrato } from "../store";
 import { quando } from "../testo";
+import { LasciatiFuori } from "./LasciatiFuori";
 import { Negati } from "./Negati";
 import { descrizione } from "./descrizioni";
 import { SchedaAvvio } from "./SchedaAvvio";
@@ -77,6 +78,7 @@ export function Sezione({ id }: { id: string }) {
         )}
       </p>
       {sezione.denied > 0 && <Negati sezione={sezione} />}
+      <LasciatiFuori findings={sezione.findings} />
       {findings.map((finding) => (
         <Scheda
           key={finding.id}
@@ -143,7 +145,9 @@ function Niente({ sezione }: { sezione: DatiSezione }) {
   if (!sezione.scanned)
     return <Vuoto Icona={ScanSearch}>Questa sezione non è ancora stata scansionata.</Vuoto>;
   if (sezione.denied > 0) return null;
-  return <Vuoto Icona={Sparkles}>Niente da segnalare.</Vuoto>;
+  // A scan that failed, or had nothing to look at, says so itself.
+  const pulita = sezione.status.startsWith("Recuperabili") || sezione.status === "";
+  return <Vuoto Icona={Sparkles}>{pulita ? "Niente da segnalare." : sezione.status}</Vuoto>;
 }
 
 function Attesa() {

@@ -152,7 +152,7 @@ export const conScena: Ritocco = (rotta, risposta) => {
       fda_denied: true,
     });
     risposta.fda_denied = true;
-    risposta.disco = { totale: 500_107_862_016, libero: 183_500_000_000 };
+    risposta.disco = { totale: 500_107_862_016, libero: 183_500_000_000, usato: 316_607_862_016 };
   }
   if (rotta !== "/api/state" || !Array.isArray(risposta.sections)) return;
   const stato = risposta as unknown as RispostaStato;
