@@ -1,9 +1,7 @@
 import { render } from "preact";
 import "./styles/tokens.css";
 import "./styles/base.css";
-import "./styles/cornice.css";
-import "./styles/componenti.css";
-import "./styles/viste.css";
+import "./styles/comuni.css";
 import { api, invia } from "./api";
 import { Cornice } from "./components/Cornice";
 import { aggiungiEsclusa } from "./impostazioni";

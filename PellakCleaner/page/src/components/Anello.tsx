@@ -1,3 +1,5 @@
+import "./Anello.css";
+
 /** A ring that turns while something runs whose end can't be foretold. */
 export function Anello({ etichetta, grande }: { etichetta: string; grande?: boolean }) {
   const lato = grande ? 22 : 14;

@@ -6,6 +6,7 @@ import { casa } from "../store";
 import { conTilde, frase, mostrabile, quanti } from "../testo";
 import { Anello } from "./Anello";
 import { Pulsante, PulsanteIcona } from "./Pulsante";
+import "./Avvisi.css";
 
 const MAX_FALLITI = 50;
 

@@ -3,6 +3,7 @@ import { vista } from "../store";
 import { type GruppoViste, type Vista, titoliGruppi } from "../vista";
 import { viste } from "../viste";
 import { Anello } from "./Anello";
+import "./BarraLaterale.css";
 
 const gruppi = (Object.keys(titoliGruppi) as GruppoViste[])
   .map((gruppo) => ({ gruppo, sue: viste.filter((v) => v.gruppo === gruppo) }))

@@ -3,6 +3,7 @@ import { alLavoro } from "../cestino";
 import { type Scelto, byteScelti, quantiScelti } from "../sections/selezione";
 import { dimensione, quanti } from "../testo";
 import { Pulsante } from "./Pulsante";
+import "./BarraSelezione.css";
 
 interface Proprieta {
   scelti: readonly Scelto[];

@@ -1,5 +1,6 @@
 import { useEffect, useId, useState } from "preact/hooks";
 import { numero } from "../testo";
+import "./CampoNumero.css";
 
 interface Proprieta {
   id: string;

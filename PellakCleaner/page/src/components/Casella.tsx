@@ -1,4 +1,5 @@
 import { useLayoutEffect, useRef } from "preact/hooks";
+import "./Casella.css";
 
 interface Proprieta {
   /** "parte": some of what it stands for is chosen. */

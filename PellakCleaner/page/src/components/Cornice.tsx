@@ -4,6 +4,7 @@ import { seguiTasti } from "../tasti";
 import { cercaVista } from "../viste";
 import { BarraLaterale } from "./BarraLaterale";
 import { Dialogo } from "./Dialogo";
+import "./Cornice.css";
 
 /** The whole window: sidebar, the chosen view, and the question that lies over both. */
 export function Cornice() {

@@ -3,6 +3,7 @@ import { type Domanda, domanda } from "../dialogo";
 import { mostrabile, quanti } from "../testo";
 import { Pulsante } from "./Pulsante";
 import { conModali, rendiModale } from "./modale";
+import "./Dialogo.css";
 
 /** The open question. Esc and "Annulla" dismiss it. */
 export function Dialogo() {

@@ -2,6 +2,7 @@ import type { ComponentChildren } from "preact";
 import { useLayoutEffect, useRef, useState } from "preact/hooks";
 import { useRighe } from "./useRighe";
 import { useVirtuale } from "./useVirtuale";
+import "./Elenco.css";
 
 interface Proprieta<T> {
   etichetta: string;

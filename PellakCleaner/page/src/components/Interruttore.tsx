@@ -1,3 +1,5 @@
+import "./Interruttore.css";
+
 interface Proprieta {
   acceso: boolean;
   cambia: (acceso: boolean) => void;

@@ -1,5 +1,6 @@
 import { casa } from "../store";
 import { conTilde, mostrabile } from "../testo";
+import "./Percorso.css";
 
 /** A path or name: always text, never able to change what stands around it. */
 export function Percorso({ percorso, classe }: { percorso: string; classe?: string }) {

@@ -1,5 +1,6 @@
 import type { LucideIcon } from "lucide-preact";
 import type { ComponentChildren, JSX } from "preact";
+import "./Pulsante.css";
 
 interface Proprieta extends Omit<JSX.ButtonHTMLAttributes<HTMLButtonElement>, "icon"> {
   children: ComponentChildren;

@@ -1,4 +1,5 @@
 import { Search } from "lucide-preact";
+import "./Ricerca.css";
 
 interface Proprieta {
   valore: string;

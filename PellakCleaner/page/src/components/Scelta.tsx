@@ -1,4 +1,5 @@
 import { useId } from "preact/hooks";
+import "./Scelta.css";
 
 interface Proprieta<T extends string> {
   etichetta: string;

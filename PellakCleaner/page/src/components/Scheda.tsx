@@ -3,6 +3,7 @@ import type { ComponentChildren } from "preact";
 import { useId } from "preact/hooks";
 import type { Finding } from "../rotte";
 import { mostrabile, quanti } from "../testo";
+import "./Scheda.css";
 
 interface Proprieta {
   finding: Finding;

@@ -3,6 +3,7 @@ import { createContext } from "preact";
 import type { RefObject } from "preact";
 import { useContext, useRef } from "preact/hooks";
 import { Avvisi } from "./Avvisi";
+import "./Vista.css";
 
 const Scorrimento = createContext<RefObject<HTMLElement> | null>(null);
 

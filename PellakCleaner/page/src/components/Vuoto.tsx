@@ -1,5 +1,6 @@
 import type { LucideIcon } from "lucide-preact";
 import type { ComponentChildren } from "preact";
+import "./Vuoto.css";
 
 /** What stands where there is nothing to list. */
 export function Vuoto({ Icona, children }: { Icona: LucideIcon; children: ComponentChildren }) {

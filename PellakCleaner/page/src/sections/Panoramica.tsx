@@ -33,6 +33,7 @@ import {
 import { dimensione, numero, quando, quanti } from "../testo";
 import type { Vista as DatiVista } from "../vista";
 import { interrompi, scansiona } from "./Sezione";
+import "./Panoramica.css";
 
 export const panoramica: DatiVista = {
   id: "panoramica",

@@ -23,6 +23,7 @@ import {
 } from "./duplicati";
 import { type Vaglio, vaglia } from "./ordine";
 import { NOTA_CESTINO } from "./selezione";
+import "./SchedaDuplicati.css";
 
 type Riga =
   | { tipo: "testa"; insieme: Insieme }

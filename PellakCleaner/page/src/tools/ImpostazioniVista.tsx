@@ -13,6 +13,7 @@ import { impostazioni, limiti } from "../store";
 import { mostrabile } from "../testo";
 import type { Vista as DatiVista } from "../vista";
 import { type ChiaveInteri, type ChiaveSiNo, schede } from "./voci";
+import "./Impostazioni.css";
 
 export const impostazioniVista: DatiVista = {
   id: "impostazioni",

@@ -22,6 +22,7 @@ import type { Vista as DatiVista } from "../vista";
 import { MappaAlbero } from "./MappaAlbero";
 import { apriMappa, briciole, dentro, misuraDiNuovo, sopra, statoMappa, vai } from "./mappaStato";
 import { tipoDi } from "./tipi";
+import "./Mappa.css";
 
 export const mappa: DatiVista = {
   id: "mappa",
