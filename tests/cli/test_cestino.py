@@ -253,19 +253,6 @@ class AltriProgrammi(ConCestino):
                          (2, ["due è %.txt: non è più nel Cestino"]))
         self.assertEqual(self.contenuti(), prima)
 
-    def test_the_desktop_lists_ours(self):
-        if not shutil.which("gio"):
-            self.skipTest("gio is not installed")
-        self.cosa("uno due", "uno")
-        self.scandisci()
-        self.cestina()
-        sessione = ["dbus-run-session", "--"] if shutil.which("dbus-run-session") else []
-        esito = subprocess.run([*sessione, "gio", "trash", "--list"], env=self.ambiente, text=True,
-                               capture_output=True, timeout=60)
-        if "not supported" in esito.stderr:
-            self.skipTest("gio has no Trash back end here")
-        self.assertIn(str(self.casa / "cose/uno due"), esito.stdout)
-
 
 if __name__ == "__main__":
     unittest.main()
