@@ -30,8 +30,6 @@ Engine::Engine(AmbienteEngine ambiente)
   {
     const MutexLock ordine(saveLock_);
     stampRisultati_ = ambiente_.files.stamp(ambiente_.store.risultati());
-  }
-  {
     const MutexLock hold(lock_);
     for (const Meta& meta : metas()) state_.emplace(meta.id, Sec());
     caricaRisultati();
@@ -43,9 +41,12 @@ void Engine::caricaRisultati() {
   const Result<std::string> salvati =
       ambiente_.files.read(ambiente_.store.risultati(), kMaxResultBytes);
   if (!salvati && salvati.error().kind == ErrorKind::missing) return;
-  if (salvati && leggiRisultati(*salvati, state_)) return;
-  risultatiGuasti_ = true;
-  avvisa("risultati salvati illeggibili: si riparte da zero");
+  const auto letti = salvati ? leggiRisultati(*salvati, state_) : Result<void>(salvati.error());
+  if (letti) return;
+  daRileggere_ = true;
+  avvisa(letti.error().kind == ErrorKind::invalid
+             ? "risultati salvati illeggibili: si riparte da zero"
+             : "risultati salvati non letti: " + motivo(letti.error()));
 }
 
 Engine::~Engine() {
@@ -134,9 +135,15 @@ std::shared_ptr<const Snapshot> Engine::costruisciLocked() {
   for (const Meta& meta : metas()) {
     const Sec& sezione = state_.find(meta.id)->second;
     const bool inCoda = std::find(queue_.begin(), queue_.end(), meta.id) != queue_.end();
-    RiassuntoSezione riassunto{
-        std::string(meta.id), std::string(meta.name), sezione.status,  sezione.scanning, inCoda, 0,
-        sezione.totale(),     sezione.lastScan,       scandibile(meta)};
+    RiassuntoSezione riassunto{std::string(meta.id),
+                               std::string(meta.name),
+                               sezione.statoMostrato(),
+                               sezione.scanning,
+                               inCoda,
+                               0,
+                               sezione.totale(),
+                               sezione.lastScan,
+                               scandibile(meta)};
     for (const Finding& finding : sezione.findings) riassunto.voci += finding.quante();
     statoTesto_.scriviSezione(nuovo->testo, meta, sezione, inCoda, nuovo->sezioni.empty(), icona);
     nuovo->sezioni.push_back(std::move(riassunto));
@@ -146,13 +153,17 @@ std::shared_ptr<const Snapshot> Engine::costruisciLocked() {
   return nuovo;
 }
 
-/// What another process saved since we last looked: its newer scans win over ours.
-void Engine::accogliAltri() {
+/// What stands in the file: newer scans of another process win over ours. What is no results file
+/// is put aside. An error means that the file may be good and must not be replaced.
+Result<void> Engine::accogliAltri() {
   Sezioni altre;
   for (const Meta& meta : metas()) altre.emplace(meta.id, Sec());
-  const Result<std::string> salvati =
-      ambiente_.files.read(ambiente_.store.risultati(), kMaxResultBytes);
-  if (!salvati || !leggiRisultati(*salvati, altre)) return;
+  const std::string file = ambiente_.store.risultati();
+  const Result<std::string> salvati = ambiente_.files.read(file, kMaxResultBytes);
+  if (!salvati && salvati.error().kind == ErrorKind::missing) return {};
+  auto letti = salvati ? leggiRisultati(*salvati, altre) : Result<void>(salvati.error());
+  if (!letti && letti.error().kind == ErrorKind::invalid) return ambiente_.files.setAside(file);
+  if (!letti) return letti;
   const MutexLock hold(lock_);
   for (auto& [id, sezione] : state_) {
     Sec& altra = altre.find(id)->second;
@@ -161,32 +172,52 @@ void Engine::accogliAltri() {
     sezione = std::move(altra);
     touchLocked();
   }
+  return {};
+}
+
+Result<void> Engine::scriviFile() {
+  const std::string file = ambiente_.store.risultati();
+  const auto blocco = ambiente_.files.lock(ambiente_.store.blocco());
+  if (!blocco) return blocco.error();
+  if (daRileggere_ || ambiente_.files.stamp(file) != stampRisultati_) {
+    if (auto letti = accogliAltri(); !letti) return letti;
+    daRileggere_ = false;
+  }
+  std::string testo;
+  {
+    const MutexLock hold(lock_);
+    testo = scriviRisultati(state_);
+  }
+  const std::array<std::string_view, 1> pezzi = {testo};
+  auto scritto = ambiente_.files.replace(file, pezzi);
+  stampRisultati_ = ambiente_.files.stamp(file);
+  return scritto;
 }
 
 void Engine::save() {
   const MutexLock ordine(saveLock_);
-  const std::string file = ambiente_.store.risultati();
-  const auto blocco = ambiente_.files.lock(ambiente_.store.blocco());
-  Result<void> scritto;
-  if (blocco) {
-    if (risultatiGuasti_.exchange(false)) {
-      if (!ambiente_.files.renameOwn(file, file + ".guasto"))
-        avvisa("risultati guasti non messi da parte");
-    } else if (ambiente_.files.stamp(file) != stampRisultati_) {
-      accogliAltri();
-    }
-    std::string testo;
-    {
-      const MutexLock hold(lock_);
-      testo = scriviRisultati(state_);
-    }
-    const std::array<std::string_view, 1> pezzi = {testo};
-    scritto = ambiente_.files.replace(file, pezzi);
-    stampRisultati_ = ambiente_.files.stamp(file);
-  } else {
-    scritto = blocco.error();
+  const auto scritto = scriviFile();
+  if (!scritto) avvisa("risultati non salvati: " + motivoCompleto(scritto.error()));
+  const MutexLock hold(lock_);
+  for (auto& [id, sezione] : state_) {
+    if (!sezione.daSalvare) continue;
+    sezione.daSalvare = !scritto;
+    sezione.nonSalvata = scritto ? std::string() : motivo(scritto.error());
+    touchLocked();
   }
-  if (!scritto) avvisa("risultati non salvati: " + motivo(scritto.error()));
+}
+
+bool Engine::senzaRisultati(std::string_view categoria) {
+  const Regole regole = effectiveRules();
+  const MutexLock hold(lock_);
+  return std::any_of(metas().begin(), metas().end(), [&](const Meta& meta) {
+    const auto sua = categorie(meta, regole);
+    const bool qui =
+        std::count(meta.cats.begin(), meta.cats.end(), categoria) > 0 ||
+        std::count(meta.specials.begin(), meta.specials.end(), categoria) > 0 ||
+        std::any_of(sua.begin(), sua.end(), [&](const auto* r) { return r->id == categoria; });
+    return qui && !state_.find(meta.id)->second.scanned;
+  });
 }
 
 void Engine::invalidaDisco() {

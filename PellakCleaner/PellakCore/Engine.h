@@ -106,9 +106,10 @@ class Engine {
   void touch();
 
   /// Writes all results to the results file, replacing it at once. Sections that another process
-  /// has scanned since are taken over from the file first; a file that could not be read at the
-  /// start is kept aside as "risultati.json.guasto". A failure is announced through `avviso` and
-  /// leaves the old file.
+  /// has scanned since are taken over from the file first; a file that holds no results is kept
+  /// aside as "risultati.json.guasto". A failure, also to read a file that may be good, is
+  /// announced through `avviso` and by the status of the sections it is about; it leaves the old
+  /// file.
   void save();
 
   /// Drops what is derived from the disk's contents; called before every route that changes
@@ -132,6 +133,9 @@ class Engine {
     Finding finding;
   };
   std::vector<FindingDiSezione> findings(std::string_view sezione = {});
+
+  /// Whether a category of the catalogue or the rules is one of a section without results.
+  bool senzaRisultati(std::string_view categoria);
 
   /// A copy of one finding of whatever section; nothing when there is none.
   std::optional<Finding> finding(std::string_view id);
@@ -176,8 +180,9 @@ class Engine {
   void interrompi(const std::string& id);
   /// Whether this was the end of the periodic check's scan.
   bool concludi(const std::string& id);
-  void caricaRisultati() PELLAK_REQUIRES(lock_);
-  void accogliAltri();
+  void caricaRisultati() PELLAK_REQUIRES(lock_, saveLock_);
+  Result<void> accogliAltri();
+  Result<void> scriviFile() PELLAK_REQUIRES(saveLock_);
   bool scandibile(const Meta& meta) const;
   void mostraStato(const std::string& id, std::string stato);
   void avvisa(const std::string& testo) const;
@@ -198,7 +203,8 @@ class Engine {
   Mutex saveLock_;
   /// The results file as this process last read or wrote it.
   std::string stampRisultati_ PELLAK_GUARDED_BY(saveLock_);
-  std::atomic<bool> risultatiGuasti_{false};
+  /// What the file holds is not known and must be before it is replaced.
+  bool daRileggere_ PELLAK_GUARDED_BY(saveLock_) = false;
   Mutex lock_;
   Sezioni state_ PELLAK_GUARDED_BY(lock_);
   /// What went while the section that is being scanned was.

@@ -165,6 +165,8 @@ void Engine::pubblica(const std::string& id, Esito esito, const Contatore& conta
   sezione.findings = std::move(esito.findings);
   ++sezione.findingsVer;
   sezione.scanned = true;
+  sezione.daSalvare = true;
+  sezione.nonSalvata.clear();
   sezione.lastScan = ambiente_.clock.now();
   sezione.denied = contatore.n();
   sezione.deniedTop = radiciPeggiori(contatore);

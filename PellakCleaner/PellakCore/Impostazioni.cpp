@@ -48,8 +48,7 @@ Result<Config> Impostazioni::scrivi(Json richiesta) {
     // Writing the defaults over settings that are only unreadable would lose them.
     if (letto.errore) return *letto.errore;
     if (letto.guasto) {
-      const auto daParte =
-          files_.renameOwn(store_.impostazioni(), store_.impostazioni() + ".guasto");
+      const auto daParte = files_.setAside(store_.impostazioni());
       if (!daParte) return daParte.error();
     }
     nuove = std::move(letto.config);

@@ -30,8 +30,8 @@ class Impostazioni {
   Config leggi() const;
 
   /// Takes a write request over the current settings, applies the login item and stores the
-  /// result. A file that can't be read as settings is kept aside under the name
-  /// "impostazioni.json.guasto" before it is replaced. On an error nothing was stored.
+  /// result. A file that can't be read as settings is kept aside under a name
+  /// like "impostazioni.json.guasto" before it is replaced. On an error nothing was stored.
   Result<Config> scrivi(Json richiesta);
 
   /// Back to the defaults, login item included.

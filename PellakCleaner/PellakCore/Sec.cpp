@@ -17,6 +17,11 @@ bool Sec::haVoci() const {
                      [](const Finding& finding) { return !finding.vuoto(); });
 }
 
+std::string Sec::statoMostrato() const {
+  if (scanning || nonSalvata.empty()) return status;
+  return status + " Risultati non salvati: " + nonSalvata + ".";
+}
+
 std::string statoFinale(const Sec& sezione, const std::string& senzaNulla) {
   if (sezione.haVoci()) return "Recuperabili " + dimensione(sezione.totale()) + ".";
   if (sezione.denied < 1) return senzaNulla;

@@ -15,6 +15,8 @@ struct Sec {
   bool scanned = false;   ///< at least one scan ended, or results were loaded
   std::string status;
   std::string esito;        ///< the last result line; what is saved while a scan shows its progress
+  bool daSalvare = false;   ///< its last scan is not in the results file
+  std::string nonSalvata;   ///< why not, when that was tried
   std::int64_t denied = 0;  ///< paths the last scan could not read
   std::vector<RadiceNegata> deniedTop;
   double lastScan = 0;  ///< seconds since 1970; 0 when never scanned
@@ -25,6 +27,8 @@ struct Sec {
 
   std::int64_t totale() const;
   bool haVoci() const;
+  /// The status as it is shown: a result that a new start would not find says so.
+  std::string statoMostrato() const;
 };
 
 /// The result line of a section whose scan ended; `senzaNulla` when it found nothing and nothing

@@ -165,7 +165,7 @@ void StatoTesto::scriviSezione(Rope& uscita, const Meta& meta, const Sec& sezion
   testa.key("scanning").boolean(sezione.scanning);
   testa.key("scanned").boolean(sezione.scanned);
   testa.key("queued").boolean(inCoda);
-  testa.key("status").text(sezione.status);
+  testa.key("status").text(sezione.statoMostrato());
   testa.key("denied").integer(sezione.denied);
   scriviDinieghi(testa.key("denied_top"), sezione.deniedTop);
   testa.key("last_scan").number(sezione.lastScan);

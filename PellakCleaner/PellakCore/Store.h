@@ -27,6 +27,8 @@ class Store {
   std::string intento() const { return file("cestino-intento.json"); }
   /// Lock file of those moves.
   std::string bloccoCestino() const { return file(".cestino"); }
+  /// Folder of what is set aside against a full disk.
+  std::string riserva() const { return file("riserva"); }
   std::string loginItem() const;
 
  private:

@@ -1,4 +1,5 @@
 #include "PellakCore/base/JsonWriter.h"
+#include "PellakCore/base/Motivo.h"
 #include "api/Gestori.h"
 
 namespace pellak::api::gestori {
@@ -18,6 +19,15 @@ Risposta valori(const Config& config, bool conLimiti) {
   return conTesto(uscita.take());
 }
 
+Risposta nonScritte(const Error& perche) {
+  JsonWriter uscita;
+  uscita.beginObject().key("err").text("scrittura non riuscita");
+  uscita.key("causa").text(motivoCompleto(perche)).endObject();
+  Risposta risposta = conTesto(uscita.take());
+  risposta.stato = 500;
+  return risposta;
+}
+
 }  // namespace
 
 Risposta settings(Servizi& servizi, Json corpo) {
@@ -25,7 +35,7 @@ Risposta settings(Servizi& servizi, Json corpo) {
   if (corpo.quanti() == 0) return valori(impostazioni.leggi(), true);
   const Result<Config> esito =
       corpo.booleano("reset", false) ? impostazioni.azzera() : impostazioni.scrivi(corpo);
-  if (!esito) return errore("scrittura non riuscita", 500);
+  if (!esito) return nonScritte(esito.error());
   return valori(*esito, false);
 }
 

@@ -130,6 +130,7 @@ Applicazione::Applicazione(std::unique_ptr<Native> native, Ambiente ambiente,
       router_({engine_, impostazioni_, platform_.fileManager, platform_.applicazioni,
                platform_.files, comandi_, platform_.probe, ambiente_.famiglia, operazioni_,
                ambiente_.home}) {
+  native_->useReserve(Store(ambiente_.home).riserva());
   cestino_.riprendi();
 }
 

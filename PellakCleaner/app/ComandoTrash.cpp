@@ -140,6 +140,10 @@ int sposta(Applicazione& applicazione, const SceltaCestino& scelta,
 
 int comandoTrash(Applicazione& applicazione, const OpzioniTrash& opzioni) {
   const auto finding = applicazione.engine().finding(opzioni.finding);
+  if (!finding && applicazione.engine().senzaRisultati(opzioni.finding)) {
+    fmt::print(stderr, "nessun risultato salvato: rifai la scansione\n");
+    return kRefused;
+  }
   if (!finding) {
     fmt::print(stderr, "categoria inesistente: {}\n", perTerminale(opzioni.finding));
     return kUnknownFinding;

@@ -71,6 +71,14 @@ int esegui(const Comando& comando) {
     fmt::print(stderr, "{}\n", perTerminale(ambiente.error().text));
     return 1;
   }
+  if (const std::string altrui = native->otherOwner(ambiente->home); !altrui.empty()) {
+    fmt::print(
+        stderr,
+        "attenzione: sei root nella cartella utente di {0}. Quello che scrivo resta di {0}, "
+        "ma nel suo Cestino può finire anche ciò che {0} poi non riesce né a ripristinare né "
+        "a eliminare.\n",
+        perTerminale(altrui));
+  }
   const auto avvisi = std::make_shared<Avvisi>();
   const auto avviso = [avvisi](const std::string& testo) { (*avvisi)(testo); };
   if (std::holds_alternative<OpzioniFinestra>(comando)) {

@@ -18,6 +18,10 @@ class FileLock {
 };
 
 /// Our own small files: settings, results, logs. Paths are bytes, absolute. Any thread.
+///
+/// What is no regular file is neither read nor written (invalid), and a symbolic link that stands
+/// in the place of the log or of a lock is not followed. A write that finds the disk full is tried
+/// again with the room that is kept for that. Errors of writes name the file.
 class Files {
  public:
   virtual ~Files() = default;
@@ -33,8 +37,13 @@ class Files {
                                std::span<const std::string_view> pezzi) = 0;
 
   /// Appends `riga` and a newline with one write and syncs before it returns. Missing folders
-  /// are made.
+  /// are made. Where no room was left for all of it a part may stand there, which the next line
+  /// does not continue.
   virtual Result<void> appendLine(std::string_view percorso, std::string_view riga) = 0;
+
+  /// Sees to it that a line of `byte` bytes can be appended: the file is made when missing and,
+  /// where the file system can, has that room set aside. Errors as for `appendLine`.
+  virtual Result<void> appendable(std::string_view percorso, std::size_t byte) = 0;
 
   /// The folder and the ones above it. Success when it is there already.
   virtual Result<void> makeFolder(std::string_view percorso) = 0;
@@ -43,8 +52,9 @@ class Files {
   /// with a path of the user's. A missing file is success.
   virtual Result<void> removeOwn(std::string_view percorso) = 0;
 
-  /// Gives a file of our own another name, replacing what is there.
-  virtual Result<void> renameOwn(std::string_view da, std::string_view a) = 0;
+  /// Gives a file of our own that can't be understood a name ending in ".guasto" that is free, so
+  /// that it is in nobody's way and nothing of it is lost.
+  virtual Result<void> setAside(std::string_view percorso) = 0;
 
   /// Whether a file or folder can be opened for reading (and a folder listed); the error says
   /// why not. Touches nothing.

@@ -50,6 +50,11 @@ class Native {
   virtual std::string homeFolder() const = 0;
   /// Shows notices where the tools of this system do not. Lives as long as this.
   virtual Notifier& notifier() = 0;
+  /// The name of the user whom the home folder belongs to, when the process may write there only
+  /// because it is the administrator's; empty otherwise.
+  virtual std::string otherOwner(const std::string& home) const = 0;
+  /// Names the folder for what is set aside against a full disk. Before other threads use it.
+  virtual void useReserve(const std::string& cartella) = 0;
   /// What starts the program at login on this system, beside the property list that is written on
   /// every one; nothing where that suffices.
   virtual std::optional<LoginEntry> loginEntry(const std::string& home) const = 0;

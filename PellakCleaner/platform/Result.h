@@ -27,6 +27,7 @@ struct Error {
   ErrorKind kind = ErrorKind::failed;
   int code = 0;
   std::string text;
+  std::string percorso = {};  ///< of the file of ours that could not be written, where that is why
 };
 
 /// Either a value or an `Error`. Reading the wrong side throws std::bad_variant_access.

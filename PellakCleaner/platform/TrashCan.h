@@ -26,6 +26,10 @@ class TrashBatch {
  public:
   virtual ~TrashBatch() = default;
 
+  /// Names the operation that the moves belong to, before the first of them. Where records are
+  /// kept they name it too, so that `locate` takes no move of another one for this one's.
+  virtual void ofOperation(std::string_view /*id*/) {}
+
   /// Decides where an item would go. Changes nothing but that the Trash folders are made when
   /// missing. Errors: missing, denied, busy (a volume's root), invalid (a symbolic link on the way,
   /// no absolute path), failed (a Trash folder that can't be trusted).
@@ -43,7 +47,7 @@ class TrashBatch {
   virtual Result<std::string> move(const TrashPlan& piano) = 0;
 
   /// Where an item that came from `percorso` lies in the Trash; empty when it does not. What has
-  /// its name there but came from elsewhere is another item.
+  /// its name there but came from elsewhere, or with another operation, is another item.
   virtual std::string locate(const TrashPlan& piano) = 0;
 
   /// Moves an item of the Trash to `destinazione`; its record leaves the Trash in `sync` at the

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "PellakCore/Finding.h"
+#include "PellakCore/base/Motivo.h"
 #include "trash/Messaggi.h"
 
 namespace pellak::trash {
@@ -14,6 +15,10 @@ constexpr const char* kNonScritto =
     "gli elementi sono nel Cestino, ma il registro non è scrivibile: li annoto appena possibile";
 constexpr const char* kNonSincronizzato =
     "gli elementi sono nel Cestino, ma il disco non ha confermato la scrittura";
+constexpr const char* kPieno = "disco pieno: il registro non è scrivibile e non sposto nulla";
+constexpr const char* kNonScrivibile = "registro non scrivibile: non sposto nulla";
+/// A record holds what its intent holds and less, but for a remark.
+constexpr std::size_t kMargine = 512;
 constexpr const char* kNonValido = "percorso non valido";
 constexpr int kConflict = 409;
 constexpr int kServerError = 500;
@@ -60,21 +65,31 @@ Esito Cestino::rifiutoDi(const Error& errore) {
     case ErrorKind::busy:
       return rifiuto(kOccupato, kConflict);
     case ErrorKind::full:
-      return rifiuto("disco pieno: il registro non è scrivibile e non sposto nulla", kServerError);
+      return rifiuto(std::string(kPieno) + "; " + kComeFarePosto, kServerError);
     default:
-      return rifiuto("registro non scrivibile: non sposto nulla", kServerError);
+      return rifiuto(std::string(kNonScrivibile) + " (" + motivoCompleto(errore) + ")",
+                     kServerError);
   }
+}
+
+/// With the intent on the disk, and room in the log for the record that is going to come of it:
+/// from here on whatever moves can be put back by its operation.
+Result<void> Cestino::annota(const Intento& intento) {
+  const auto scritto = intenti_.scrivi(intento);
+  if (!scritto) return scritto.error();
+  return registro_.pronto(*scritto + kMargine);
 }
 
 Esito Cestino::trashWithSound(const Titolo& titolo, std::span<const Lotto> lotti) {
   const auto preso = blocco();
   if (!preso) return rifiutoDi(preso.error());
   Lavoro lavoro;
-  lavoro.batch = ambiente_.can.begin();
-  prepara(lavoro, lotti);
-  if (lavoro.voci.empty()) return std::move(lavoro.esito);
   Operazione& operazione = lavoro.intento.operazione;
   operazione.id = nuovoId();
+  lavoro.batch = ambiente_.can.begin();
+  lavoro.batch->ofOperation(operazione.id);
+  prepara(lavoro, lotti);
+  if (lavoro.voci.empty()) return std::move(lavoro.esito);
   operazione.ts = ambiente_.clock.now();
   operazione.azione = titolo(lavoro.voci.size());
   if (const auto scritto = trashAll(lavoro, lotti); !scritto) return rifiutoDi(scritto.error());
@@ -117,14 +132,20 @@ void Cestino::annuncia(Lavoro& lavoro) {
   lavoro.batch->announce(piani);
 }
 
-/// A failure means that nothing was moved: once something was, the intent of before is on disk.
+/// A failure means that nothing was moved, and leaves no intent. Once something was, the intent of
+/// before is on disk.
 Result<void> Cestino::trashAll(Lavoro& lavoro, std::span<const Lotto> lotti) {
   std::vector<std::optional<bool>> ammessi(lotti.size());
   lavoro.esito.mosse.reserve(lavoro.voci.size());
   bool restano = true;
+  Error perche = {ErrorKind::exists, 0, {}};
   for (int tentativo = 0; restano && tentativo < kTentativi; ++tentativo) {
-    if (auto scritto = intenti_.scrivi(lavoro.intento); !scritto) {
-      if (lavoro.esito.mosse.empty()) return scritto;
+    if (auto scritto = annota(lavoro.intento); !scritto) {
+      if (lavoro.esito.mosse.empty()) {
+        static_cast<void>(intenti_.togli());
+        return scritto;
+      }
+      perche = scritto.error();
       break;
     }
     annuncia(lavoro);
@@ -145,7 +166,7 @@ Result<void> Cestino::trashAll(Lavoro& lavoro, std::span<const Lotto> lotti) {
   for (std::size_t i = 0; restano && i < lavoro.voci.size(); ++i) {
     if (!lavoro.voci[i].daFare) continue;
     const std::string& percorso = lavoro.intento.passi[i].piano.percorso;
-    lavoro.esito.failed.push_back({percorso, trashMessage(percorso, {ErrorKind::exists, 0, {}})});
+    lavoro.esito.failed.push_back({percorso, trashMessage(percorso, perche)});
   }
   return {};
 }

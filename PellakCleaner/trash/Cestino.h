@@ -103,6 +103,7 @@ class Cestino {
   struct Ritorno;
 
   Result<std::unique_ptr<FileLock>> blocco();
+  Result<void> annota(const Intento& intento);
   static Esito rifiutoDi(const Error& errore);
   void prepara(Lavoro& lavoro, std::span<const Lotto> lotti) const;
   Result<void> trashAll(Lavoro& lavoro, std::span<const Lotto> lotti);

@@ -1,5 +1,6 @@
 #include "trash/Intenti.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string_view>
@@ -11,7 +12,7 @@
 namespace pellak::trash {
 namespace {
 
-constexpr std::size_t kLimite = std::size_t{1} << 32U;
+constexpr std::size_t kLimite = std::size_t{1} << 30U;
 
 /// As text: an inode number may be larger than a JSON reader's integers.
 std::uint64_t numero(const std::string& testo) {
@@ -34,7 +35,7 @@ Intento intentoDa(Json radice) {
   radice["passi"].perOgni([&](Json voce) {
     Intento::Passo passo;
     passo.piano = {voce.testo("orig"), voce.testo("trash"), numero(voce.testo("dev")),
-                   numero(voce.testo("ino")), 0};
+                   numero(voce.testo("ino")), std::max<std::int64_t>(voce.intero("size", 0), 0)};
     passo.destinazione = voce.testo("destinazione");
     passo.indice = static_cast<std::size_t>(voce.intero("indice", 0));
     intento.passi.push_back(std::move(passo));
@@ -44,7 +45,7 @@ Intento intentoDa(Json radice) {
 
 }  // namespace
 
-Result<void> Intenti::scrivi(const Intento& intento) {
+Result<std::size_t> Intenti::scrivi(const Intento& intento) {
   const Operazione& operazione = intento.operazione;
   JsonWriter uscita;
   uscita.beginObject().key("id").text(operazione.id).key("ts").number(operazione.ts);
@@ -55,6 +56,7 @@ Result<void> Intenti::scrivi(const Intento& intento) {
     uscita.key("trash").text(passo.piano.nelCestino);
     uscita.key("dev").text(std::to_string(passo.piano.dev));
     uscita.key("ino").text(std::to_string(passo.piano.ino));
+    if (passo.piano.size > 0) uscita.key("size").integer(passo.piano.size);
     if (!passo.destinazione.empty()) {
       uscita.key("destinazione").text(passo.destinazione);
       uscita.key("indice").integer(static_cast<std::int64_t>(passo.indice));
@@ -64,7 +66,8 @@ Result<void> Intenti::scrivi(const Intento& intento) {
   uscita.endArray().endObject();
   const std::string testo = uscita.take();
   const std::array<std::string_view, 1> pezzi = {testo};
-  return files_.replace(percorso_, pezzi);
+  if (auto scritto = files_.replace(percorso_, pezzi); !scritto) return scritto.error();
+  return testo.size();
 }
 
 Result<std::optional<Intento>> Intenti::leggi() const {

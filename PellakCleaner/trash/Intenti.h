@@ -31,15 +31,16 @@ class Intenti {
  public:
   Intenti(Files& files, const Store& store) : files_(files), percorso_(store.intento()) {}
 
-  /// Replaces the file; on disk when it returns. Errors: as for Files::replace.
-  Result<void> scrivi(const Intento& intento);
+  /// Replaces the file; on disk when it returns, with that many bytes. Errors: as for
+  /// Files::replace.
+  Result<std::size_t> scrivi(const Intento& intento);
   Result<void> togli() { return files_.removeOwn(percorso_); }
   bool presente() const { return files_.exists(percorso_); }
   /// What a process that ended too early left behind; nothing when the file is not there. Errors:
   /// invalid (it is no intent), denied, failed.
   Result<std::optional<Intento>> leggi() const;
-  /// Gives a file that is no intent the name with ".guasto", so that it is in nobody's way.
-  Result<void> accantona() { return files_.renameOwn(percorso_, percorso_ + ".guasto"); }
+  /// Puts a file that is no intent aside, so that it is in nobody's way.
+  Result<void> accantona() { return files_.setAside(percorso_); }
 
  private:
   Files& files_;

@@ -15,6 +15,8 @@ namespace pellak::trash {
 namespace {
 
 constexpr std::size_t kNessunLimite = std::numeric_limits<std::int64_t>::max();
+/// Millions of operations; a file beyond it is no log of ours.
+constexpr std::int64_t kMaxBytes = std::int64_t{1} << 30U;
 
 Operazione operazioneDa(Json riga) {
   Operazione letta;
@@ -83,11 +85,25 @@ Result<void> Registro::logRestore(std::string_view operazione,
   return scrivi(uscita.take());
 }
 
+Result<void> Registro::pronto(std::size_t byte) {
+  {
+    const MutexLock hold(lock_);
+    auto letto = aggiorna();
+    if (!letto) return letto;
+  }
+  return files_.appendable(percorso_, byte);
+}
+
+Error Registro::delFile(Error errore) const {
+  errore.percorso = percorso_;
+  return errore;
+}
+
 /// Reads what was appended since the last time; all of it when it is another file now.
-void Registro::aggiorna() {
+Result<void> Registro::aggiorna() {
   const auto file = reader_.open(percorso_, ReadPlan::whole);
   const auto stato = file ? (*file)->mark() : Result<FileMark>(file.error());
-  const bool leggibile = stato && stato->regular;
+  const bool leggibile = stato && stato->regular && stato->size <= kMaxBytes;
   const bool stesso =
       leggibile && stato->dev == dev_ && stato->ino == ino_ && stato->size >= letti_;
   if (!stesso) {
@@ -95,13 +111,16 @@ void Registro::aggiorna() {
     posti_.clear();
     letti_ = 0;
   }
-  if (!leggibile) return;
+  if (!stato && stato.error().kind == ErrorKind::missing) return {};
+  if (!stato) return delFile(stato.error());
+  if (!leggibile) return delFile({ErrorKind::invalid, 0, "non è un registro"});
   dev_ = stato->dev;
   ino_ = stato->ino;
   std::string testo(static_cast<std::size_t>(stato->size - letti_), '\0');
   const auto letti = (*file)->readAt(letti_, std::as_writable_bytes(std::span(testo)));
-  if (!letti) return;
+  if (!letti) return delFile(letti.error());
   leggiRighe(std::string_view(testo).substr(0, *letti));
+  return {};
 }
 
 /// The last line may be torn, or on its way: unless it is whole it is read again next time.
@@ -146,13 +165,13 @@ void Registro::leggiRipristino(Json riga) {
 
 void Registro::visita(const std::function<void(const Operazione&)>& visita) {
   const MutexLock hold(lock_);
-  aggiorna();
+  static_cast<void>(aggiorna());
   for (auto voce = operazioni_.rbegin(); voce != operazioni_.rend(); ++voce) visita(*voce);
 }
 
 std::optional<Operazione> Registro::cerca(std::string_view id) {
   const MutexLock hold(lock_);
-  aggiorna();
+  static_cast<void>(aggiorna());
   const auto posto = posti_.find(std::string(id));
   if (posto == posti_.end()) return {};
   Operazione trovata = operazioni_[posto->second];

@@ -48,6 +48,11 @@ class Registro {
   Registro(Files& files, FileReader& reader, const Store& store)
       : files_(files), reader_(reader), percorso_(store.registro()) {}
 
+  /// Whether the log can be read, and a record of `byte` bytes appended: what must be known before
+  /// anything moves. Errors: full, denied, readOnly, invalid (no regular file, or one far too
+  /// large), failed (a link among them).
+  Result<void> pronto(std::size_t byte);
+
   /// On disk when it returns. Errors: denied, full, readOnly, failed.
   Result<void> logOperation(const Operazione& operazione);
   Result<void> logRestore(std::string_view operazione, const std::vector<std::size_t>& indici,
@@ -60,7 +65,8 @@ class Registro {
  private:
   Result<void> scrivi(std::string riga);
   bool finisceACapo() const;
-  void aggiorna() PELLAK_REQUIRES(lock_);
+  Error delFile(Error errore) const;
+  Result<void> aggiorna() PELLAK_REQUIRES(lock_);
   void leggiRighe(std::string_view testo) PELLAK_REQUIRES(lock_);
   bool leggiRiga(std::string_view riga) PELLAK_REQUIRES(lock_);
   void leggiRipristino(Json riga) PELLAK_REQUIRES(lock_);

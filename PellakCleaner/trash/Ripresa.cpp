@@ -1,5 +1,6 @@
 // Finishing the books of a process that ended in the middle of an operation.
 
+#include "PellakCore/Finding.h"
 #include "trash/Cestino.h"
 
 namespace pellak::trash {
@@ -37,16 +38,20 @@ bool Cestino::stessoElemento(const std::string& percorso, const TrashPlan& piano
 }
 
 Result<void> Cestino::riprendiMosse(const Intento& intento, TrashBatch& batch) {
+  if (auto letto = registro_.pronto(0); !letto) return letto;
   // Everything but taking the intent away may have been done.
   if (registro_.cerca(intento.operazione.id)) return {};
   Operazione ripresa = intento.operazione;
   ripresa.nota = kNota;
+  ripresa.tot = 0;
+  batch.ofOperation(ripresa.id);
   for (const Intento::Passo& passo : intento.passi) {
     const std::string dove = batch.locate(passo.piano);
     if (dove.empty()) {
       batch.abandon(passo.piano);
     } else {
       ripresa.items.push_back({passo.piano.percorso, dove, false});
+      ripresa.tot = sommaSicura(ripresa.tot, passo.piano.size);
     }
   }
   if (ripresa.items.empty()) return {};

@@ -86,7 +86,8 @@ Esito Cestino::restore(std::string_view id, std::optional<std::int64_t> indice) 
     scegli(ritorno, primo + i, std::move(sguardi[i]));
   }
   if (!ritorno.intento.passi.empty()) {
-    if (const auto scritto = intenti_.scrivi(ritorno.intento); !scritto) {
+    if (const auto scritto = annota(ritorno.intento); !scritto) {
+      static_cast<void>(intenti_.togli());
       return rifiutoDi(scritto.error());
     }
   }

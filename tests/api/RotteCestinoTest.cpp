@@ -123,6 +123,20 @@ TEST_F(RotteCestinoTest, ATakenPlaceGetsANumberBeforeTheExtension) {
                           {home / "dati/report (ripristinato 2).pdf", "vecchio"}}));
 }
 
+TEST_F(RotteCestinoTest, WhatMovedIsToldWhenTheIntentForTheRestFindsNoRoom) {
+  for (const char* nome : {"dati/a", "dati/b"}) fakes::scriviFile(home / nome, nome);
+  trova(categoria({home / "dati/a", home / "dati/b"}));
+  scandisci("duplicati");
+  // A record without its item: the name for "b" is seen to be taken only when it is to move.
+  fakes::scriviFile(home / ".local/share/Trash/info/b.trashinfo", "");
+  files.scritture = 1;
+  const std::string mosse = chiedi("/api/trash", R"({"id":"duplicates"})");
+  EXPECT_EQ(mosse, R"(200 {"ok":1,"failed":[{"percorso":")" + (home / "dati/b") +
+                       R"(","err":"spazio esaurito sul volume: elemento non spostato"}],"op":")" +
+                       primaOp() + R"(","tot":10})");
+  EXPECT_EQ(utente(), (std::map<std::string, std::string>{{home / "dati/b", "dati/b"}}));
+}
+
 TEST_F(RotteCestinoTest, TheLastCopyStaysAndAChangedOneIsNoCopy) {
   trova(copie());
   scandisci("duplicati");

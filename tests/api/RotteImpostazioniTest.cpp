@@ -47,7 +47,8 @@ TEST_F(RotteImpostazioniTest, WritesWhatIsAllowedAndForgetsItOnReset) {
 TEST_F(RotteImpostazioniTest, AFailedWriteChangesNothingAndSaysSo) {
   ASSERT_EQ(chiedi("/api/settings", R"({"dup_min_mb":9})"), risposta(valori(9)));
   files.soloLettura = true;
-  const std::string rifiuto = R"(500 {"err":"scrittura non riuscita"})";
+  const std::string rifiuto =
+      R"(500 {"err":"scrittura non riuscita","causa":"volume in sola lettura"})";
   EXPECT_EQ(chiedi("/api/settings", R"({"dup_min_mb":10})"), rifiuto);
   EXPECT_EQ(chiedi("/api/settings", R"({"reset":true})"), rifiuto);
   files.soloLettura = false;

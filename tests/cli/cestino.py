@@ -77,7 +77,7 @@ class ConCestino(ConCasa):
     def scheda(self, nome, cestino=None):
         """The path that the record of an item names, decoded."""
         righe = ((cestino or self.cestino) / "info" / (nome + ".trashinfo")).read_text()
-        intestazione, percorso, data = righe.splitlines()
+        intestazione, percorso, data = righe.splitlines()[:3]
         self.assertEqual((intestazione, percorso[:5], data[:13]),
                          ("[Trash Info]", "Path=", "DeletionDate="))
         return urllib.parse.unquote_to_bytes(percorso[5:])

@@ -2,6 +2,7 @@
 
 import json
 import os
+import shutil
 import subprocess
 import unittest
 
@@ -126,6 +127,7 @@ class AltroVolume(ConVolumi):
                          (0, "spazio esaurito sul volume: elemento non spostato"))
         self.assertEqual(self.contenuti("cose"), prima)
         self.assertCestinoCoerente(self.cose / f".Trash-{UTENTE}")
+        self.assertTrue((self.supporto / "riserva/spazio").exists(), "no room for another volume")
 
     def test_a_volume_that_fills_up_in_the_middle_of_a_batch(self):
         quanti = 300
@@ -161,6 +163,53 @@ class AltroVolume(ConVolumi):
 
 @unittest.skipUnless(UTENTE == 0, "mounts volumes, so it needs root")
 class DiscoPieno(ConVolumi):
+    def casa_su(self, quanti, **opzioni):
+        """A home on a volume of its own, scanned, with so many things in it."""
+        self.casa = self.casa / opzioni["size"]
+        self.tmpfs(self.casa, ",".join([opzioni.pop("size")] + [f"{n}={v}" for n, v in opzioni.items()]))
+        self.ambiente["HOME"] = str(self.casa)
+        self.cestino = self.casa / ".local/share/Trash"
+        for i in range(quanti):
+            self.cosa(f"n{i}", f"n{i}")
+        self.regole([{"id": "x", "name": "X", "section": "sviluppo", "mode": "delete",
+                      "children_of": "~/cose"}])
+        self.scandisci()
+
+    def test_with_the_reserve_a_full_home_works_as_far_as_it_goes(self):
+        riserva = "riserva/spazio"
+        for quanti, opzioni in ((20, {"size": "40m"}), (1500, {"size": "48m"}),
+                                (20, {"size": "64m", "nr_inodes": 700})):
+            with self.subTest(**opzioni):
+                self.casa_su(quanti, **opzioni)
+                prima = self.contenuti()
+                blocchi = (self.supporto / riserva).stat().st_blocks * 512
+                self.assertTrue(1 << 20 <= blocchi <= 4 << 20, blocchi)
+                self.assertEqual(len(os.listdir(self.supporto / "riserva/nodi")), 64)
+                zavorre = self.casa / "zavorre"
+                zavorre.mkdir()
+                if "nr_inodes" in opzioni:
+                    with self.assertRaises(OSError):
+                        for i in range(1000):
+                            (zavorre / str(i)).touch()
+                else:
+                    self.riempi(zavorre)
+                risposta = self.cestina()
+                self.assertFalse((self.supporto / riserva).exists())
+                self.assertEqual(risposta["ok"] + len(risposta["failed"]), quanti)
+                self.assertTrue(risposta["ok"] == quanti or 200 < risposta["ok"] < quanti == 1500)
+                self.assertLessEqual({v["err"] for v in risposta["failed"]},
+                                     {"spazio esaurito sul volume: elemento non spostato"})
+                self.assertEqual(len(self.operazioni()[0]["items"]), risposta["ok"])
+                self.assertCestinoCoerente()
+                self.assertEqual(self.ripristina()["items"], risposta["ok"])
+                self.assertEqual(self.contenuti(), prima)
+                self.assertNotIn("non salvati", "".join(self.esegui("scan", "sviluppo")))
+                self.api("/api/settings", {"dup_min_mb": 9})
+                shutil.rmtree(zavorre)
+                self.api("/api/settings", {"dup_min_mb": 8})
+                self.assertTrue((self.supporto / riserva).exists())
+                self.casa = self.casa.parent
+
     def test_a_home_with_little_room_loses_nothing(self):
         """From no room at all to enough, one page at a time."""
         disco = self.casa / "disco"
@@ -189,7 +238,8 @@ class DiscoPieno(ConVolumi):
             self.assertEqual(stato == 0, "ok" in risposta, risposta)
             esiti.add(risposta.get("err", "ok" if mossi == 6 else "some"))
             self.torna(prima)
-        self.assertIn("disco pieno: il registro non è scrivibile e non sposto nulla", esiti)
+        self.assertIn("disco pieno: il registro non è scrivibile e non sposto nulla; libera a mano un "
+                      "po' di posto su quel disco, per esempio svuotando il Cestino, e riprova", esiti)
         self.assertIn("ok", esiti)
 
     def prova(self, rotta, corpo):
@@ -232,7 +282,7 @@ class SenzaDiritti(ConCestino):
         esito = self.da_nessuno("api", "/api/trash", '{"id":"x"}')
         risposta = json.loads(esito.stdout)
         self.assertTrue((self.casa / "cose/a").exists())
-        self.assertEqual((risposta.get("ok"), self.registro.exists()), (0, False), risposta)
+        self.assertEqual((risposta.get("ok"), self.operazioni()), (0, []), risposta)
         return risposta["failed"][0]["err"]
 
     def test_a_trash_that_cannot_be_used(self):
@@ -255,6 +305,40 @@ class SenzaDiritti(ConCestino):
         os.symlink(altrove, self.cestino)
         self.assertEqual(self.rifiuto(), "il Cestino è un collegamento simbolico: non lo uso")
         self.assertEqual(list(altrove.glob("*/*")), [])
+
+    def test_a_log_that_cannot_be_written_is_known_before_anything_moves(self):
+        altrove = self.casa / "altrove"
+        altrove.write_text("di un altro")
+        for caso in ("link", "somebody else's"):
+            if caso == "link":
+                self.registro.symlink_to(altrove)
+            else:
+                self.registro.unlink()
+                self.registro.touch(mode=0o644)
+            esito = self.da_nessuno("trash", "x", "--yes")
+            self.assertEqual((esito.returncode, esito.stdout), (1, ""))
+            motivo = "errore di sistema (è un collegamento" if caso == "link" else "permesso negato"
+            self.assertIn(f"non sposto nulla ({self.registro}: {motivo}", esito.stderr)
+            self.assertTrue((self.casa / "cose/a").exists())
+            self.assertFalse(self.intento.exists())
+        self.assertEqual(altrove.read_text(), "di un altro")
+
+    def test_root_leaves_nothing_behind_that_the_user_cannot_write(self):
+        shutil.rmtree(self.cestino.parent)
+        shutil.rmtree(self.casa / "Library")
+        _, errori = self.esegui("scan", "sviluppo")
+        self.assertTrue(errori.startswith("attenzione: sei root nella cartella utente di "), errori)
+        self.cosa("d/b", "b")
+        os.chown(self.casa / "cose/d", NOBODY, NOBODY)
+        self.scandisci()
+        self.assertEqual(self.cestina(), {"ok": 2, "failed": []})
+        self.api("/api/settings", {"dup_min_mb": 9, "login_item": True})
+        di_root = [os.path.join(r, n) for r, c, f in os.walk(self.casa) for n in c + f
+                   if os.lstat(os.path.join(r, n)).st_uid != NOBODY]
+        self.assertEqual(di_root, [str(self.cestino / "files/d/b")])
+        esito = self.da_nessuno("restore", self.operazioni()[0]["id"])
+        self.assertEqual((esito.returncode, esito.stderr), (0, ""))
+        self.assertEqual(sorted(os.listdir(self.casa / "cose")), ["a", "d"])
 
     def test_a_folder_that_nothing_may_be_taken_out_of(self):
         os.chmod(self.casa / "cose", 0o555)

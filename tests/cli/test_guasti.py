@@ -2,6 +2,8 @@
 
 import json
 import os
+import socket
+import stat
 import subprocess
 import unittest
 
@@ -47,9 +49,11 @@ class FileRotti(ConCasa):
 
     def test_results_that_cannot_be_read_as_such_are_kept_aside(self):
         self.supporto.mkdir(parents=True)
-        (self.supporto / "risultati.json").write_text("{")
-        _, errori = self.esegui("scan", "sviluppo")
-        self.assertIn("risultati salvati illeggibili", errori)
+        for testo, nome in (("{", "risultati.json.guasto"), ("[", "risultati.json.2.guasto")):
+            (self.supporto / "risultati.json").write_text(testo)
+            _, errori = self.esegui("scan", "sviluppo")
+            self.assertIn("risultati salvati illeggibili", errori)
+            self.assertEqual((self.supporto / nome).read_text(), testo)
         self.assertEqual((self.supporto / "risultati.json.guasto").read_text(), "{")
 
     def test_closed_standard_streams_write_into_no_file_of_ours(self):
@@ -59,11 +63,59 @@ class FileRotti(ConCasa):
         self.assertEqual((self.supporto / ".blocco").read_bytes(), b"")
         json.loads((self.supporto / "risultati.json").read_text())
 
-    def test_a_fifo_in_place_of_a_file_hangs_nothing(self):
-        self.supporto.mkdir(parents=True)
-        for nome in ("impostazioni.json", "risultati.json", "icone.json"):
-            os.mkfifo(self.supporto / nome)
-        self.assertEqual(self.api("/api/settings")["valori"]["dup_min_mb"], 5)
+    def strani(self, percorso):
+        """Stands things that are no files at the path, one after the other."""
+        def presa():
+            with socket.socket(socket.AF_UNIX) as aperta:
+                aperta.bind(os.path.relpath(percorso))
+        modi = [lambda: os.mkfifo(percorso), presa, percorso.mkdir,
+                lambda: (percorso.touch(), os.truncate(percorso, 1 << 40))]
+        if os.geteuid() == 0:
+            modi.append(lambda: os.mknod(percorso, stat.S_IFCHR | 0o600, os.makedev(1, 5)))
+        for modo in modi:
+            percorso.parent.mkdir(parents=True, exist_ok=True)
+            percorso.unlink(missing_ok=True)
+            modo()
+            tipo = stat.S_IFMT(os.lstat(percorso).st_mode)
+            with self.subTest(nome=percorso.name, tipo=oct(tipo)):
+                yield
+                if percorso.exists():
+                    self.assertEqual(stat.S_IFMT(os.lstat(percorso).st_mode), tipo)
+                    percorso.rmdir() if percorso.is_dir() else percorso.unlink()
+
+    def test_what_is_no_file_in_place_of_one_hangs_nothing_and_is_kept(self):
+        os.chdir(self.casa)
+        self.addCleanup(os.chdir, "/")
+        self.regole([{"id": "x", "name": "X", "section": "sviluppo", "mode": "delete",
+                      "children_of": "~/cose"}])
+        self.file("cose/d/a")
+        self.esegui("scan", "sviluppo")
+        for numero, _ in enumerate(self.strani(self.supporto / "risultati.json")):
+            self.assertIn("risultati salvati illeggibili", self.esegui("scan", "sviluppo")[1])
+            self.assertTrue(self.api("/api/state")["sections"][0]["scanned"])
+            (self.supporto / "risultati.json").unlink()
+        self.assertEqual(len(list(self.supporto.glob("risultati.json*.guasto"))), numero + 1)
+        for _ in self.strani(self.supporto / "impostazioni.json"):
+            self.assertEqual(self.api("/api/settings")["valori"]["dup_min_mb"], 5)
+            self.assertEqual(self.api("/api/settings", {"dup_min_mb": 9})["valori"]["dup_min_mb"], 9)
+            (self.supporto / "impostazioni.json").unlink()
+        for nome in (".blocco", "impostazioni.json.nuovo", "icone.json"):
+            for _ in self.strani(self.supporto / nome):
+                risposta = self.api("/api/settings", {"dup_min_mb": 9}, stato=None)
+                self.assertTrue("valori" in risposta or nome in risposta["causa"], risposta)
+        self.esegui("scan", "sviluppo")
+        for _ in self.strani(self.supporto / "registro.jsonl"):
+            err = self.api("/api/trash", {"id": "x"}, stato=1)["err"]
+            self.assertRegex(err, r"^registro non scrivibile: non sposto nulla \(.*registro\.jsonl: ")
+            self.assertEqual(self.api("/api/log")["ops"], [])
+            self.assertTrue((self.casa / "cose/d/a").exists())
+            self.assertFalse((self.supporto / "cestino-intento.json").exists())
+        cestino = self.casa / ".local/share/Trash"
+        for nome in (cestino / "directorysizes", self.supporto / "cestino-intento.json"):
+            for _ in self.strani(nome):
+                op = self.api("/api/trash", {"id": "x"})["op"]
+                self.assertEqual(self.api("/api/restore", {"op": op})["items"], 1)
+                self.esegui("scan", "sviluppo")
 
 
 @unittest.skipUnless(os.geteuid() == 0, "gives its home to another user, so it needs root")
@@ -109,8 +161,9 @@ class SenzaDiritti(ConCasa):
         self.assertRegex(esito.stdout, r"Sviluppo +Recuperabili")
         self.assertIn("risultati non salvati", esito.stderr)
         esito = self.da_nessuno("api", "/api/settings", '{"dup_min_mb":9}')
-        self.assertEqual((esito.returncode, json.loads(esito.stdout)),
-                         (1, {"err": "scrittura non riuscita"}))
+        risposta = json.loads(esito.stdout)
+        self.assertEqual((esito.returncode, risposta["err"]), (1, "scrittura non riuscita"))
+        self.assertRegex(risposta["causa"], r"PellakCleaner/\.blocco: permesso negato$")
         esito = self.da_nessuno("api", "/api/settings")
         self.assertEqual(json.loads(esito.stdout)["valori"]["dup_min_mb"], 8)
 
@@ -132,10 +185,12 @@ class DiscoPieno(ConCasa):
         prima = (self.supporto / "risultati.json").read_bytes()
         uscita, errori = self.esegui("scan", "sviluppo")
         self.assertIn("Recuperabili", uscita)
-        self.assertIn("risultati non salvati", errori)
+        self.assertIn("Risultati non salvati: spazio esaurito.", uscita)
+        self.assertRegex(errori, r"risultati non salvati: .*risultati\.json: spazio esaurito; libera")
         self.assertEqual((self.supporto / "risultati.json").read_bytes(), prima)
-        self.assertEqual(self.api("/api/settings", {"dup_min_mb": 9}, stato=1),
-                         {"err": "scrittura non riuscita"})
+        risposta = self.api("/api/settings", {"dup_min_mb": 9}, stato=1)
+        self.assertEqual(risposta["err"], "scrittura non riuscita")
+        self.assertRegex(risposta["causa"], r"impostazioni\.json.*: spazio esaurito; libera a mano")
         self.assertEqual(self.api("/api/settings")["valori"]["dup_min_mb"], 7)
 
 

@@ -119,6 +119,17 @@ class Categoria(ConOperazioni):
     def test_what_cannot_be_meant(self):
         self.assertEqual(self.esegui("trash", "boh", stato=2),
                          ("", "categoria inesistente: boh\n"))
+        for mai_cercata in ("npm-cache", "docker-disk", "altra"):
+            self.regole([{"id": "altra", "name": "A", "section": "avvio", "mode": "delete"}])
+            if mai_cercata != "altra":
+                (self.supporto / "risultati.json").unlink(missing_ok=True)
+            self.assertEqual(self.esegui("trash", mai_cercata, "--yes", stato=1),
+                             ("", "nessun risultato salvato: rifai la scansione\n"))
+            self.assertEqual(self.api("/api/trash", {"id": mai_cercata}, stato=1),
+                             {"err": "categoria inesistente"})
+        self.regole([{"id": FINDING, "name": "X", "section": "sviluppo", "mode": "delete",
+                      "children_of": "~/cose"}])
+        self.scandisci()
         self.assertEqual(self.esegui("trash", FINDING, "--group", "0", "--yes", stato=1),
                          ("", "gruppo inesistente\n"))
         for argomenti in (["trash"], ["trash", FINDING, "--group", "-1"], ["restore"],

@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <filesystem>
 #include <stdexcept>
 
@@ -231,6 +232,24 @@ TEST_F(EngineTest, ASaveTakesOverWhatAnotherProcessScannedSince) {
   questo->save();
   EXPECT_EQ(questo->findings("privacy").size(), 1U);
   EXPECT_EQ(crea()->findings("privacy").size(), 1U);
+}
+
+TEST_F(EngineTest, ResultsThatCannotBeReadJustNowAreNeitherReplacedNorPutAside) {
+  speciale("startup-user");
+  speciale("recent-items");
+  scandisci(*crea(), "avvio");
+  const std::string prima = fakes::leggiFile(store.risultati());
+  files.nonLetto = Error{ErrorKind::failed, EMFILE, "EMFILE", {}};
+  const auto engine = crea();
+  scandisci(*engine, "privacy");
+  EXPECT_EQ(fakes::leggiFile(store.risultati()), prima);
+  EXPECT_EQ(sezione(*engine->snapshot(), "privacy").status,
+            "Recuperabili 1.0 KiB. Risultati non salvati: errore di sistema (EMFILE).");
+  files.nonLetto.reset();
+  engine->save();
+  EXPECT_EQ(sezione(*engine->snapshot(), "privacy").status, "Recuperabili 1.0 KiB.");
+  EXPECT_EQ(crea()->findings().size(), 2U) << "those of before and the new ones";
+  EXPECT_FALSE(std::filesystem::exists(store.risultati() + ".guasto"));
 }
 
 TEST_F(EngineTest, AProgressLineIsNeverSavedAsAResult) {

@@ -62,6 +62,12 @@ class Controllo(unittest.TestCase):
                 b'openat2(AT_FDCWD</h>, "/h/a", {flags=O_RDWR|O_CLOEXEC, resolve=0}, 24) = 5</h/a>',
                 b'open("%b/../a", O_WRONLY) = 5' % self.SUO,
                 b'rename("/h/a", "/h/.local/share/Trash/files/a") = 0',
+                b'rename("%b/x.nuovo", "%b/x") = 0' % (self.SUO, self.SUO),
+                b'fsync(5<%b/x.nuovo>) = 0\n1 openat(4</h>, "%b/x.nuovo", O_RDWR|O_CREAT) = 5\n'
+                b'1 rename("%b/x.nuovo", "%b/x") = 0' % ((self.SUO,) * 4),
+                b'fsync(5<%b/x.nuovo>) = 0\n1 rename("%b/x.nuovo", "%b/x") = 0\n1 renameat2('
+                b'4</h>, "a", 5</h/.local/share/Trash/files>, "a", RENAME_NOREPLACE) = 0' % (
+                    (self.SUO,) * 3),
                 b'rename("%b/x.nuovo", "/h/a") = 0' % self.SUO,
                 b'renameat(4</h>, "a", 5</h/.local/share/Trash/files>, "a") = 0',
                 b'renameat2(4</h>, "a", 5</h/.local/share/Trash/files>, "a", 0) = 0',
@@ -92,7 +98,8 @@ class Controllo(unittest.TestCase):
                 b'openat(AT_FDCWD</h>, "/dev/null", O_RDWR) = 5</dev/null>',
                 b'openat(AT_FDCWD</h>, "%b/x", O_RDWR|O_CREAT, 0600 <unfinished ...>' % self.SUO,
                 b'ftruncate(5<%b/x.nuovo>, 0) = 0' % self.SUO,
-                b'rename("%b/x.nuovo", "%b/x") = 0' % (self.SUO, self.SUO),
+                b'fsync(5<%b/x.nuovo>) = 0\n1 rename("%b/x.nuovo", "%b/x") = 0' % (
+                    self.SUO, self.SUO, self.SUO),
                 b'unlink("%b/x") = 0' % self.SUO,
                 b'openat(8</h/.local/share/Trash/info>, "a\\n\\377.trashinfo", '
                 b'O_WRONLY|O_CREAT|O_EXCL, 0600) = 9</h/.local/share/Trash/info/a\\n\\377.trashinfo>',
@@ -191,6 +198,38 @@ class Sessione(ConCestino):
             if ritorno:
                 self.uccisa("/api/restore", {"op": self.operazioni()[0]["id"]}, ritorno)
                 self.ripristina()
+
+    def test_what_an_interruption_left_is_told_by_whom_it_moved_and_once(self):
+        """Another home with the same Trash moves the rest before the books are finished."""
+        pesi = {v["path"]: v["size"] for v in self.api("/api/voci", {"id": "x"})["items"]}
+        self.uccisa("/api/trash", {"id": "x"}, "renameat2:when=4")
+        casa = self.ambiente["HOME"]
+        regole = json.loads((self.casa / "regole.json").read_text())
+        regole["categories"][0]["children_of"] = str(self.casa / "cose")
+        (self.casa / "regole.json").write_text(json.dumps(regole))
+        self.ambiente["XDG_DATA_HOME"] = str(self.casa / ".local/share")
+        self.ambiente["HOME"] = str(self.casa / "altra")
+        os.mkdir(self.ambiente["HOME"])
+        self.scandisci()
+        self.assertEqual(self.cestina()["ok"], 6)
+        self.assertEqual(len(self.operazioni()), 1)
+        self.ambiente["HOME"] = casa
+        ripresa, = self.operazioni()
+        self.assertEqual(len(ripresa["items"]), 3)
+        self.assertEqual(ripresa["tot"], sum(pesi[v["orig"]] for v in ripresa["items"]))
+        self.assertEqual(self.ripristina()["items"], 3)
+
+    def test_a_quota_reached_is_a_full_disk(self):
+        for guasto in ("fsync:error=EDQUOT:when=1", "fsync:error=ENOSPC:when=1"):
+            spazio = self.supporto / "riserva/spazio"
+            self.assertTrue(spazio.exists())
+            prima = spazio.read_bytes()
+            self.ambiente["PELLAK_GUASTO"] = guasto
+            self.assertEqual(self.cestina(items=[str(self.casa / "cose/n0")])["ok"], 1)
+            del self.ambiente["PELLAK_GUASTO"]
+            self.assertNotEqual(spazio.read_bytes(), prima, "given up, and made again with room")
+            self.ripristina()
+            self.scandisci()
 
     def altro_volume(self):
         volume = self.casa / "volume"

@@ -2,16 +2,17 @@
 have deleted, emptied or overwritten something that is not the program's own.
 
 Allowed everywhere: a rename that can't replace anything, into a Trash or out of one. Everything
-else that removes or writes must be about our own files or the Trash's books. What can't be
-understood is a complaint, unless the thread was killed while it stood before that call: the tracer
-finds nothing left to read then, and the kernel never makes the call.
+else that removes or writes must be about our own files or the Trash's books. A file of ours must be
+on the disk before it takes its name, and that name before an item moves. What can't be understood
+is a complaint, unless the thread was killed while it stood before that call: the tracer finds
+nothing left to read then, and the kernel never makes the call.
 """
 
 import os
 import re
 
 CHIAMATE = ("open,openat,openat2,creat,truncate,ftruncate,fallocate,unlink,unlinkat,rmdir,rename,"
-            "renameat,renameat2,open_by_handle_at,io_uring_setup")
+            "renameat,renameat2,open_by_handle_at,io_uring_setup,fsync")
 
 RIGA = re.compile(rb"^\d+ +(?:(\w+)\((.*)|\+\+\+ .*|--- .*|<\.\.\. [\w?]+ resumed>.*)$",
                   re.DOTALL)
@@ -125,7 +126,35 @@ def _lamentela(chiamata, proprio):
             moto = proprio.elemento(da) or proprio.elemento(a)
             return None if moto else "moves, but neither into a Trash nor out of one"
         return None if proprio.e(da) and proprio.e(a) else "may overwrite"
-    return None if nome == b"syncfs" else "can't be judged"
+    return None if nome in (b"syncfs", b"fsync") else "can't be judged"
+
+
+class Ordine:
+    """What is on the disk when: a new file before it is renamed, its name before an item moves."""
+
+    NUOVO = b".nuovo"
+
+    def __init__(self, proprio):
+        self.proprio = proprio
+        self.sincroni = set()
+        self.rinominati = set()  # folders with a name that is not on the disk yet
+
+    def lamentela(self, chiamata):
+        nome = chiamata.nome
+        if nome == b"fsync":
+            percorso = chiamata.percorso()
+            self.sincroni.add(percorso)
+            self.rinominati.discard(percorso)
+        elif nome == b"openat" and chiamata.dice(b"O_CREAT"):
+            self.sincroni.discard(chiamata.percorso())
+        elif nome == b"rename" and chiamata.testi[0].endswith(self.NUOVO):
+            if chiamata.testi[0] not in self.sincroni:
+                return "renames before it is on the disk"
+            self.rinominati.add(os.path.dirname(chiamata.testi[1]))
+        elif nome == b"renameat2" and self.proprio.elemento(chiamata.testi[1]):
+            if self.proprio.supporto.rstrip(b"/") in self.rinominati:
+                return "moves before the intent is on the disk"
+        return None
 
 
 def _mai_fatte(righe):
@@ -152,18 +181,19 @@ class Tracciato:
         fine = re.search(rb"^%b +\+\+\+ (.*) \+\+\+$" % pid, testo, re.MULTILINE)
         self.finito = fine is not None
         self.ucciso = self.finito and fine.group(1).startswith(b"killed by SIGKILL")
+        ordine = Ordine(proprio)
         righe = testo.splitlines()
         mai_fatte = _mai_fatte(righe)
         for posto, riga in enumerate(righe):
-            self._giudica(riga, proprio, posto in mai_fatte)
+            self._giudica(riga, proprio, ordine, posto in mai_fatte)
 
-    def _giudica(self, riga, proprio, mai_fatta):
+    def _giudica(self, riga, proprio, ordine, mai_fatta):
         trovata = RIGA.match(riga)
         if trovata and trovata.group(1) is None:
             return
         try:
             chiamata = Chiamata(*trovata.groups())
-            perche = _lamentela(chiamata, proprio)
+            perche = _lamentela(chiamata, proprio) or ordine.lamentela(chiamata)
         except (AttributeError, ValueError) as errore:
             if mai_fatta:
                 return

@@ -36,4 +36,11 @@ std::string motivo(const Error& errore) {
   return testo;
 }
 
+std::string motivoCompleto(const Error& errore) {
+  std::string testo = motivo(errore);
+  if (!errore.percorso.empty()) testo = errore.percorso + ": " + testo;
+  if (errore.kind == ErrorKind::full) testo.append("; ").append(kComeFarePosto);
+  return testo;
+}
+
 }  // namespace pellak

@@ -1,27 +1,38 @@
 #include <algorithm>
+#include <cerrno>
 #include <fcntl.h>
+#include <optional>
 #include <set>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "platform/linux/TrashFolder.h"
 #include "platform/linux/TrashRecord.h"
+#include "platform/posix/OwnFile.h"
 
 namespace pellak::native {
 namespace {
 
 constexpr const char* kCache = "directorysizes";
+/// A line for each folder in the Trash: far more than anybody has.
+constexpr std::size_t kMaxCache = std::size_t{64} << 20U;
 
-std::string readCache(int cartella) {
-  const posix::Descriptor file(::openat(cartella, kCache, O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
+/// Nothing when what stands there is no cache of ours to replace.
+std::optional<std::string> readCache(int cartella) {
+  const auto file = posix::openOwnAt(cartella, kCache, O_RDONLY);
+  if (!file) {
+    const bool manca = file.error().kind == ErrorKind::missing;
+    return manca ? std::optional<std::string>(std::string()) : std::nullopt;
+  }
   std::string testo;
   char parte[8192];
-  while (file) {
-    const ssize_t letti = ::read(file.get(), parte, sizeof parte);
-    if (letti <= 0) break;
+  while (testo.size() <= kMaxCache) {
+    const ssize_t letti = ::read(file->get(), parte, sizeof parte);
+    if (letti < 0 && errno == EINTR) continue;
+    if (letti <= 0) return letti < 0 ? std::nullopt : std::optional<std::string>(std::move(testo));
     testo.append(parte, static_cast<std::size_t>(letti));
   }
-  return testo;
+  return std::nullopt;
 }
 
 bool isThere(int cartella, const std::string& nome) {
@@ -59,6 +70,7 @@ void replaceCache(const TrashFolder& cestino, const std::string& testo) {
   const posix::Descriptor file(::openat(
       cartella, nuovo.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600));
   if (!file) return;
+  posix::giveToOwner(file.get(), cartella);
   const ssize_t scritti = ::write(file.get(), testo.data(), testo.size());
   if (scritti != static_cast<ssize_t>(testo.size()) ||
       ::renameat(cartella, nuovo.c_str(), cartella, kCache) != 0) {
@@ -69,8 +81,9 @@ void replaceCache(const TrashFolder& cestino, const std::string& testo) {
 }  // namespace
 
 void recordDirectorySizes(const TrashFolder& cestino, const std::vector<FolderSize>& arrivate) {
-  const std::string vecchie = readCache(cestino.radice.get());
-  std::string testo = stillThere(cestino, vecchie, arrivate);
+  const auto vecchie = readCache(cestino.radice.get());
+  if (!vecchie) return;
+  std::string testo = stillThere(cestino, *vecchie, arrivate);
   for (const FolderSize& cartella : arrivate) {
     struct stat info {};
     const std::string record = recordName(cartella.nome);
@@ -78,7 +91,7 @@ void recordDirectorySizes(const TrashFolder& cestino, const std::vector<FolderSi
     testo += std::to_string(cartella.size) + " " + std::to_string(modified(info)) + " " +
              percentEncoded(cartella.nome) + "\n";
   }
-  if (testo != vecchie) replaceCache(cestino, testo);
+  if (testo != *vecchie) replaceCache(cestino, testo);
 }
 
 }  // namespace pellak::native

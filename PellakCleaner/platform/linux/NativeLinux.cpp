@@ -41,18 +41,23 @@ class NativeLinux : public Native {
 
   Notifier& notifier() override { return notifier_; }
 
+  std::string otherOwner(const std::string& home) const override { return posix::otherOwner(home); }
+
+  void useReserve(const std::string& cartella) override { riserva_.usa(cartella); }
+
   std::optional<LoginEntry> loginEntry(const std::string& home) const override {
     return native::autostartEntry(executablePath(), home);
   }
 
  private:
-  posix::FilesPosix files_;
+  posix::Riserva riserva_;
+  posix::FilesPosix files_{&riserva_};
   posix::ClockPosix clock_;
   native::DirectoryListerLinux lister_;
   posix::ProcessLauncherPosix launcher_;
   native::FileManagerLinux fileManager_{launcher_};
   native::ApplicationsLinux applicazioni_;
-  native::TrashCanLinux trash_;
+  native::TrashCanLinux trash_{&riserva_};
   native::SoundPlayerLinux suono_{launcher_};
   native::SystemProbeLinux probe_;
   native::MountsLinux mounts_;

@@ -7,9 +7,10 @@
 
 namespace pellak::native {
 
-RecordsAhead::RecordsAhead(std::vector<Record> records, std::string date)
+RecordsAhead::RecordsAhead(std::vector<Record> records, std::string date, std::string operation)
     : records_(std::move(records)),
       date_(std::move(date)),
+      operation_(std::move(operation)),
       done_(records_.size()),
       failures_(records_.size()),
       taken_(records_.size(), false) {
@@ -38,9 +39,8 @@ bool RecordsAhead::writeNext() {
   const std::size_t i = begun_++;
   if (i >= records_.size()) return false;
   const Record& record = records_[i];
-  if (auto made = writeRecord(*record.cestino, record.nome, record.percorso, date_); !made) {
-    failures_[i] = made.error();
-  }
+  auto made = writeRecord(*record.cestino, record.nome, record.percorso, date_, operation_);
+  if (!made) failures_[i] = made.error();
   done_[i] = true;
   done_[i].notify_one();
   return true;

@@ -23,7 +23,7 @@ class RecordsAhead {
   };
 
   /// Begins. Where the system gives no thread, the user's writes them all in `take`.
-  RecordsAhead(std::vector<Record> records, std::string date);
+  RecordsAhead(std::vector<Record> records, std::string date, std::string operation);
   /// Stops, and takes away the records that nobody took.
   ~RecordsAhead();
   RecordsAhead(const RecordsAhead&) = delete;
@@ -38,6 +38,7 @@ class RecordsAhead {
 
   const std::vector<Record> records_;
   const std::string date_;
+  const std::string operation_;
   std::atomic<std::size_t> begun_{0};    ///< records somebody writes or has written
   std::vector<std::atomic<bool>> done_;  ///< of each record; its failure is there to read then
   std::vector<std::optional<Error>> failures_;

@@ -18,6 +18,7 @@
 #include "platform/linux/TrashRecord.h"
 #include "platform/linux/XdgFolders.h"
 #include "platform/posix/ErrnoError.h"
+#include "platform/posix/HomeFolder.h"
 
 namespace pellak::native {
 namespace {
@@ -53,7 +54,7 @@ bool passesThrough(std::string_view percorso, std::string_view nome) {
 }
 
 std::string ownVolumeTrash() {
-  return std::string(kVolumeTrash) + "-" + std::to_string(::getuid());
+  return std::string(kVolumeTrash) + "-" + std::to_string(posix::trashUser(xdgFolders().home));
 }
 
 bool isInside(std::string_view percorso, std::string_view cartella) {
@@ -90,6 +91,9 @@ Result<void> renameExclusively(int da, const std::string& nome, int a, const std
 
 class BatchLinux final : public TrashBatch {
  public:
+  explicit BatchLinux(posix::Riserva* riserva) : riserva_(riserva) {}
+
+  void ofOperation(std::string_view id) override { operazione_ = id; }
   Result<TrashPlan> plan(std::string_view percorso) override;
   void announce(std::span<const TrashPlan* const> piani) override;
   Result<std::string> move(const TrashPlan& piano) override;
@@ -119,6 +123,8 @@ class BatchLinux final : public TrashBatch {
 
   const std::string home_ = xdgFolders().home;
   const std::string data_ = recordDate();
+  posix::Riserva* const riserva_;
+  std::string operazione_;
   std::string cartellaNome_;
   Descriptor cartella_;
   Volume cartellaVolume_;
@@ -141,12 +147,15 @@ Result<int> BatchLinux::folder(std::string_view cartella) {
 
 BatchLinux::Aperto* BatchLinux::keep(TrashFolder cestino) {
   aperti_.push_back(std::make_unique<Aperto>());
+  // A volume of its own gets no room from what is kept on the home's.
+  if (cestino.cima.empty()) cestino.riserva = riserva_;
   aperti_.back()->cestino = std::move(cestino);
   return aperti_.back().get();
 }
 
 Result<BatchLinux::Aperto*> BatchLinux::homeTrash() {
-  auto casa = openHomeTrash();
+  auto casa =
+      riserva_ == nullptr ? openHomeTrash() : riserva_->conRiserva(homeTrashPath(), openHomeTrash);
   if (!casa) return casa.error();
   return keep(std::move(*casa));
 }
@@ -224,7 +233,7 @@ void BatchLinux::announce(std::span<const TrashPlan* const> piani) {
     if (!aperto) continue;
     schede.push_back({&(*aperto)->cestino, split(piano->nelCestino).nome, piano->percorso});
   }
-  pronte_.emplace(std::move(schede), data_);
+  pronte_.emplace(std::move(schede), data_, operazione_);
 }
 
 Result<std::string> BatchLinux::move(const TrashPlan& piano) {
@@ -241,9 +250,15 @@ Result<std::string> BatchLinux::move(const TrashPlan& piano) {
   }
   if (info.st_dev != piano.dev || info.st_ino != piano.ino) return errnoError(EINVAL);
   auto pronta = pronte_ ? pronte_->take(cestino, nome) : std::nullopt;
-  if (!pronta) pronta = writeRecord(cestino, nome, piano.percorso, data_);
+  if (!pronta) pronta = writeRecord(cestino, nome, piano.percorso, data_, operazione_);
   if (!*pronta) return pronta->error();
-  if (auto mosso = renameExclusively(*cartella, da.nome, cestino.files.get(), nome); !mosso) {
+  const auto rinomina = [&] {
+    return renameExclusively(*cartella, da.nome, cestino.files.get(), nome);
+  };
+  const auto mosso = cestino.riserva == nullptr
+                         ? rinomina()
+                         : cestino.riserva->conRiserva(cestino.percorso, rinomina);
+  if (!mosso) {
     removeRecord(cestino, nome);
     return mosso.error();
   }
@@ -268,6 +283,10 @@ std::string BatchLinux::locate(const TrashPlan& piano) {
   const TrashFolder& cestino = (*aperto)->cestino;
   const std::string nome = split(piano.nelCestino).nome;
   if (!existsAt(cestino.files.get(), nome)) return {};
+  if (!operazione_.empty()) {
+    const std::string mossoDa = recordedOperation(cestino, nome);
+    if (!mossoDa.empty() && mossoDa != operazione_) return {};
+  }
   const auto da = recordedPath(cestino, nome);
   const bool suo = da ? *da == piano.percorso : piano.ino == 0;
   return suo || isItem(cestino.files.get(), nome, piano) ? piano.nelCestino : std::string();
@@ -314,7 +333,9 @@ Result<void> BatchLinux::sync() {
 
 }  // namespace
 
-std::unique_ptr<TrashBatch> TrashCanLinux::begin() { return std::make_unique<BatchLinux>(); }
+std::unique_ptr<TrashBatch> TrashCanLinux::begin() {
+  return std::make_unique<BatchLinux>(riserva_);
+}
 
 bool TrashCanLinux::insideTrash(std::string_view percorso) const {
   // Nearly no path has the beginning that both names share.

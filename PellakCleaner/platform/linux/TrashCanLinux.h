@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "platform/TrashCan.h"
+#include "platform/posix/Riserva.h"
 
 namespace pellak::native {
 
@@ -11,8 +12,14 @@ namespace pellak::native {
 /// or ".Trash-<uid>" at the top of every other volume.
 class TrashCanLinux final : public TrashCan {
  public:
+  /// The home Trash's records draw on `riserva`, which outlives it, when the disk is full.
+  explicit TrashCanLinux(posix::Riserva* riserva = nullptr) : riserva_(riserva) {}
+
   std::unique_ptr<TrashBatch> begin() override;
   bool insideTrash(std::string_view percorso) const override;
+
+ private:
+  posix::Riserva* const riserva_;
 };
 
 }  // namespace pellak::native

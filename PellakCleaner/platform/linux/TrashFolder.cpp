@@ -8,6 +8,8 @@
 
 #include "platform/linux/XdgFolders.h"
 #include "platform/posix/ErrnoError.h"
+#include "platform/posix/HomeFolder.h"
+#include "platform/posix/OwnFile.h"
 
 namespace pellak::native {
 namespace {
@@ -25,6 +27,8 @@ Error linkOnTheWay() {
 
 Error untrusted(const std::string& perche) { return {ErrorKind::failed, 0, perche}; }
 
+uid_t user() { return posix::trashUser(xdgFolders().home); }
+
 bool isLinkAt(int cartella, const char* nome) {
   struct stat info {};
   return ::fstatat(cartella, nome, &info, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(info.st_mode);
@@ -38,7 +42,8 @@ std::string_view parentOf(std::string_view percorso) {
 
 /// Makes and opens a folder of ours: no link, owned by the user.
 Result<Descriptor> ownFolderAt(int sopra, const std::string& nome) {
-  if (::mkdirat(sopra, nome.c_str(), kPrivate) != 0 && errno != EEXIST) return errnoError(errno);
+  const bool fatta = ::mkdirat(sopra, nome.c_str(), kPrivate) == 0;
+  if (!fatta && errno != EEXIST) return errnoError(errno);
   Descriptor cartella(::openat(sopra, nome.c_str(), kFolder));
   if (!cartella) {
     if (isLinkAt(sopra, nome.c_str())) {
@@ -46,9 +51,13 @@ Result<Descriptor> ownFolderAt(int sopra, const std::string& nome) {
     }
     return errnoError(errno);
   }
+  // Made by root in somebody's Trash it would keep out whom the Trash is for.
+  if (fatta && user() != ::geteuid() && ::fchown(cartella.get(), user(), -1) != 0) {
+    return errnoError(errno);
+  }
   struct stat info {};
   if (::fstat(cartella.get(), &info) != 0) return errnoError(errno);
-  if (info.st_uid != ::getuid()) return untrusted("il Cestino appartiene a un altro utente");
+  if (info.st_uid != user()) return untrusted("il Cestino appartiene a un altro utente");
   return cartella;
 }
 
@@ -88,14 +97,6 @@ Result<Volume> volumeAt(const std::string& percorso) {
   const auto voce = statItem(AT_FDCWD, percorso.c_str(), 0);
   if (!voce) return voce.error();
   return voce->volume;
-}
-
-Result<void> makeFolders(const std::string& cartella) {
-  if (::mkdir(cartella.c_str(), kPrivate) == 0 || errno == EEXIST) return {};
-  if (errno != ENOENT || cartella.size() < 2) return errnoError(errno);
-  if (auto sopra = makeFolders(std::string(parentOf(cartella))); !sopra) return sopra;
-  if (::mkdir(cartella.c_str(), kPrivate) == 0 || errno == EEXIST) return {};
-  return errnoError(errno);
 }
 
 /// ".Trash/<uid>", when an administrator has set it up as it must be.
@@ -158,7 +159,7 @@ Result<TrashFolder> openHomeTrash() {
   TrashFolder cestino;
   cestino.percorso = homeTrashPath();
   const std::string sopra(parentOf(cestino.percorso));
-  if (auto fatte = makeFolders(sopra); !fatte) return fatte.error();
+  if (auto fatte = posix::makeFolders(sopra, kPrivate); !fatte) return fatte.error();
   const Descriptor dati(::open(sopra.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!dati) return errnoError(errno);
   auto radice = ownFolderAt(dati.get(), "Trash");
@@ -170,7 +171,7 @@ Result<TrashFolder> openHomeTrash() {
 Result<TrashFolder> openVolumeTrash(const std::string& cima) {
   const Descriptor sopra(::open(cima.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!sopra) return errnoError(errno);
-  const std::string utente = std::to_string(::getuid());
+  const std::string utente = std::to_string(user());
   TrashFolder cestino;
   cestino.cima = cima;
   const std::string base = cima == "/" ? std::string() : cima;

@@ -7,6 +7,7 @@
 
 #include "platform/Result.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/Riserva.h"
 
 namespace pellak::native {
 
@@ -37,6 +38,7 @@ struct TrashFolder {
   posix::Descriptor radice;
   posix::Descriptor files;
   posix::Descriptor info;
+  posix::Riserva* riserva = nullptr;  ///< what records may draw on when the disk is full
 };
 
 /// Opens a folder with no symbolic link on the way below `fidata`, which may be a link itself (a

@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include "platform/posix/ErrnoError.h"
+#include "platform/posix/OwnFile.h"
 
 namespace pellak::native {
 namespace {
@@ -21,18 +22,11 @@ using posix::errnoError;
 
 constexpr mode_t kPrivate = 0600;
 /// Far more than any path needs: records are read whole.
-constexpr std::size_t kMaxRecord = std::size_t{64} << 20U;
+constexpr std::size_t kMaxRecord = std::size_t{1} << 20U;
 constexpr std::size_t kMaxLanes = 7;  ///< beside the caller's own
 constexpr std::size_t kRecordsPerLane = 100;
-
-Result<void> writeAll(int file, std::string_view testo) {
-  while (!testo.empty()) {
-    const ssize_t scritti = ::write(file, testo.data(), testo.size());
-    if (scritti < 0 && errno != EINTR) return errnoError(errno);
-    if (scritti > 0) testo.remove_prefix(static_cast<std::size_t>(scritti));
-  }
-  return {};
-}
+/// A line of our own, which other readers of records must pass over.
+constexpr std::string_view kOperation = "X-Pellak-Op=";
 
 std::string readAll(int file) {
   std::string testo;
@@ -44,6 +38,23 @@ std::string readAll(int file) {
     testo.append(parte, static_cast<std::size_t>(letti));
   }
   return testo;
+}
+
+/// Nothing when there is no file.
+std::optional<std::string> readRecord(const TrashFolder& cestino, const std::string& nome) {
+  const Descriptor file(::openat(cestino.info.get(), recordName(nome).c_str(),
+                                 O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+  if (!file && errno == ENOENT) return std::nullopt;
+  return file ? readAll(file.get()) : std::string();
+}
+
+/// The rest of the first whole line that begins with `chiave`.
+std::string_view lineOf(std::string_view testo, std::string_view chiave) {
+  const std::size_t inizio = testo.find("\n" + std::string(chiave));
+  if (inizio == std::string_view::npos) return {};
+  const std::size_t da = inizio + 1 + chiave.size();
+  const std::size_t fine = testo.find('\n', da);
+  return fine == std::string_view::npos ? std::string_view() : testo.substr(da, fine - da);
 }
 
 int digit(char carattere) {
@@ -91,37 +102,39 @@ std::string recordDate() {
 }
 
 Result<void> writeRecord(const TrashFolder& cestino, const std::string& nome,
-                         std::string_view percorso, std::string_view data) {
+                         std::string_view percorso, std::string_view data,
+                         std::string_view operazione) {
   // Records of a volume's own Trash name the place from its top.
   if (!cestino.cima.empty())
     percorso.remove_prefix(cestino.cima == "/" ? 1 : cestino.cima.size() + 1);
-  const std::string scheda = recordName(nome);
-  const Descriptor file(::openat(cestino.info.get(), scheda.c_str(),
-                                 O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, kPrivate));
-  if (!file) return errnoError(errno);
   std::string testo = "[Trash Info]\nPath=";
   appendEncoded(testo, percorso);
   testo.append("\nDeletionDate=").append(data).append("\n");
-  auto scritto = writeAll(file.get(), testo);
-  if (!scritto) removeRecord(cestino, nome);
-  return scritto;
+  if (!operazione.empty()) testo.append(kOperation).append(operazione).append("\n");
+  const auto scrivi = [&]() -> Result<void> {
+    const Descriptor file(::openat(cestino.info.get(), recordName(nome).c_str(),
+                                   O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, kPrivate));
+    if (!file) return errnoError(errno);
+    posix::giveToOwner(file.get(), cestino.info.get());
+    auto scritto = posix::writeAll(file.get(), testo);
+    if (!scritto) removeRecord(cestino, nome);
+    return scritto;
+  };
+  if (cestino.riserva == nullptr) return scrivi();
+  return cestino.riserva->conRiserva(cestino.percorso, scrivi);
 }
 
 std::optional<std::string> recordedPath(const TrashFolder& cestino, const std::string& nome) {
-  const Descriptor file(::openat(cestino.info.get(), recordName(nome).c_str(),
-                                 O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-  if (!file && errno == ENOENT) return std::nullopt;
-  if (!file) return std::string();
-  const std::string testo = readAll(file.get());
-  constexpr std::string_view kKey = "\nPath=";
-  const std::size_t inizio = testo.find(kKey);
-  if (inizio == std::string::npos) return std::string();
-  const std::size_t da = inizio + kKey.size();
-  const std::size_t fine = testo.find('\n', da);
-  if (fine == std::string::npos) return std::string();
-  std::string percorso = percentDecoded(std::string_view(testo).substr(da, fine - da));
+  const auto testo = readRecord(cestino, nome);
+  if (!testo) return std::nullopt;
+  std::string percorso = percentDecoded(lineOf(*testo, "Path="));
   if (percorso.empty() || percorso[0] == '/' || cestino.cima.empty()) return percorso;
   return (cestino.cima == "/" ? std::string() : cestino.cima) + "/" + percorso;
+}
+
+std::string recordedOperation(const TrashFolder& cestino, const std::string& nome) {
+  const auto testo = readRecord(cestino, nome);
+  return testo ? std::string(lineOf(*testo, kOperation)) : std::string();
 }
 
 void removeRecord(const TrashFolder& cestino, const std::string& nome) {

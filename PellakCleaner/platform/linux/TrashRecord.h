@@ -20,13 +20,18 @@ std::string recordName(std::string_view nome);
 std::string recordDate();
 
 /// Makes the record of an item from `percorso`, which thereby has the name for itself. Errors:
-/// exists, full, denied, readOnly, failed; then there is no new record.
+/// exists, full, denied, readOnly, failed; then there is no new record. `operazione` is named in a
+/// line of our own.
 Result<void> writeRecord(const TrashFolder& cestino, const std::string& nome,
-                         std::string_view percorso, std::string_view data);
+                         std::string_view percorso, std::string_view data,
+                         std::string_view operazione = {});
 
 /// Where the item came from, absolute; empty when the record is cut short or no record. Nothing
 /// when there is no file.
 std::optional<std::string> recordedPath(const TrashFolder& cestino, const std::string& nome);
+
+/// The operation that a record names; empty when it names none.
+std::string recordedOperation(const TrashFolder& cestino, const std::string& nome);
 
 void removeRecord(const TrashFolder& cestino, const std::string& nome);
 

@@ -55,10 +55,15 @@ class NativeMac : public Native {
 
   Notifier& notifier() override { return notifier_; }
 
+  std::string otherOwner(const std::string& home) const override { return posix::otherOwner(home); }
+
+  void useReserve(const std::string& cartella) override { riserva_.usa(cartella); }
+
   std::optional<LoginEntry> loginEntry(const std::string& /*home*/) const override { return {}; }
 
  private:
-  posix::FilesPosix files_;
+  posix::Riserva riserva_;
+  posix::FilesPosix files_{&riserva_};
   posix::ClockPosix clock_;
   native::DirectoryListerMac lister_;
   posix::ProcessLauncherPosix launcher_;

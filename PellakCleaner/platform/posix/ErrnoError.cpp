@@ -38,6 +38,8 @@ ErrorKind kindOf(int number) {
 }  // namespace
 
 Error errnoError(int number) {
+  // Nothing of ours follows a link: the system's words would speak of too many of them.
+  if (number == ELOOP) return {ErrorKind::failed, ELOOP, "è un collegamento simbolico"};
   return {kindOf(number), number, std::generic_category().message(number)};
 }
 

@@ -14,17 +14,18 @@
 
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/ErrnoError.h"
-#include "platform/posix/SyncToDisk.h"
+#include "platform/posix/OwnFile.h"
+#include "platform/posix/RoomAhead.h"
 
 namespace pellak::posix {
 namespace {
 
-constexpr mode_t kOwnFile = 0600;
-constexpr mode_t kFolder = 0777;
 /// How long another process may hold the lock before a write gives up instead of hanging.
 constexpr std::chrono::seconds kLockPatience{5};
 constexpr std::chrono::milliseconds kLockPoll{10};
 constexpr std::string_view kTemporary = ".nuovo";
+constexpr std::string_view kBroken = ".guasto";
+constexpr int kMaxBroken = 1000;
 
 class HeldLock : public FileLock {
  public:
@@ -36,42 +37,20 @@ class HeldLock : public FileLock {
 
 Error lastError() { return errnoError(errno); }
 
-Descriptor openFile(const std::string& percorso, int flags) {
+/// For reading, links followed: settings and rules may be kept elsewhere.
+Descriptor openForReading(const std::string& percorso) {
   for (;;) {
-    const int number = ::open(percorso.c_str(), flags | O_CLOEXEC, kOwnFile);
+    const int number = ::open(percorso.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (number >= 0 || errno != EINTR) return Descriptor(number);
   }
 }
 
-std::string parentOf(std::string_view percorso) {
-  const std::size_t barra = percorso.rfind('/');
-  if (barra == std::string_view::npos) return ".";
-  return barra == 0 ? "/" : std::string(percorso.substr(0, barra));
-}
-
-Result<void> writeAll(int file, std::string_view testo) {
-  while (!testo.empty()) {
-    const ssize_t scritti = ::write(file, testo.data(), testo.size());
-    if (scritti < 0 && errno != EINTR) return lastError();
-    if (scritti > 0) testo.remove_prefix(static_cast<std::size_t>(scritti));
-  }
-  return {};
-}
-
-Result<void> syncFile(int file) {
-  while (syncToDisk(file) != 0) {
-    if (errno == EINTR) continue;
-    // Some file systems can't sync; that is no reason to lose the write.
-    if (errno == EINVAL || errno == ENOTSUP) return {};
-    return lastError();
-  }
-  return {};
-}
-
-Result<void> syncFolder(const std::string& cartella) {
-  const Descriptor aperta = openFile(cartella, O_RDONLY | O_DIRECTORY);
-  if (!aperta) return lastError();
-  return syncFile(aperta.get());
+template <class T>
+Result<T> named(std::string_view percorso, Result<T> esito) {
+  if (esito || !esito.error().percorso.empty()) return esito;
+  Error errore = esito.error();
+  errore.percorso = percorso;
+  return errore;
 }
 
 Result<void> takeLock(int file, std::chrono::milliseconds attesa) {
@@ -97,12 +76,12 @@ bool stillNamed(int file, const std::string& percorso) {
 /// leaves at most this one behind, and the next write takes it over.
 Result<Descriptor> openTemporary(const std::string& temporaneo) {
   for (;;) {
-    Descriptor file = openFile(temporaneo, O_RDWR | O_CREAT | O_NOFOLLOW);
-    if (!file) return lastError();
-    if (const auto preso = takeLock(file.get(), kLockPatience); !preso) return preso.error();
+    auto file = openOwn(temporaneo, O_RDWR | O_CREAT);
+    if (!file) return file;
+    if (const auto preso = takeLock(file->get(), kLockPatience); !preso) return preso.error();
     // While we waited its owner may have renamed it into place.
-    if (!stillNamed(file.get(), temporaneo)) continue;
-    if (::ftruncate(file.get(), 0) != 0) return lastError();
+    if (!stillNamed(file->get(), temporaneo)) continue;
+    if (::ftruncate(file->get(), 0) != 0) return lastError();
     return file;
   }
 }
@@ -117,35 +96,48 @@ Result<void> fillAndRename(int file, const std::string& temporaneo, const std::s
   return {};
 }
 
-Result<void> makeFolders(std::string_view percorso) {
-  const std::string cartella(percorso);
-  if (::mkdir(cartella.c_str(), kFolder) == 0) return {};
-  if (errno == ENOENT && cartella.find('/', 1) != std::string::npos) {
-    if (auto sopra = makeFolders(parentOf(cartella)); !sopra) return sopra;
-    if (::mkdir(cartella.c_str(), kFolder) == 0) return {};
+Result<void> replaceWhole(const std::string& percorso, std::span<const std::string_view> pezzi) {
+  const std::string cartella = folderOf(percorso);
+  if (auto fatta = makeFolders(cartella); !fatta) return fatta;
+  const std::string temporaneo = percorso + std::string(kTemporary);
+  const auto file = openTemporary(temporaneo);
+  if (!file) return named<void>(temporaneo, file.error());
+  if (auto fatto = fillAndRename(file->get(), temporaneo, percorso, pezzi); !fatto) {
+    ::unlink(temporaneo.c_str());
+    return fatto;
   }
-  const int perche = errno;
-  struct stat info {};
-  if (::stat(cartella.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) return {};
-  return errnoError(perche);
+  return syncFolder(cartella);
 }
 
-Result<std::unique_ptr<FileLock>> lockWithin(std::string_view percorso,
+Result<Descriptor> openLog(const std::string& percorso) {
+  if (auto fatta = makeFolders(folderOf(percorso)); !fatta) return fatta.error();
+  return openOwn(percorso, O_WRONLY | O_CREAT | O_APPEND);
+}
+
+Result<std::unique_ptr<FileLock>> lockWithin(const std::string& percorso,
                                              std::chrono::milliseconds attesa) {
-  if (auto fatta = makeFolders(parentOf(percorso)); !fatta) return fatta.error();
-  Descriptor file = openFile(std::string(percorso), O_RDWR | O_CREAT | O_NOFOLLOW);
-  if (!file) return lastError();
-  if (const auto preso = takeLock(file.get(), attesa); !preso) return preso.error();
-  return std::unique_ptr<FileLock>(std::make_unique<HeldLock>(std::move(file)));
+  if (auto fatta = makeFolders(folderOf(percorso)); !fatta) return fatta.error();
+  auto file = openOwn(percorso, O_RDWR | O_CREAT);
+  if (!file) return file.error();
+  if (const auto preso = takeLock(file->get(), attesa); !preso) return preso.error();
+  return std::unique_ptr<FileLock>(std::make_unique<HeldLock>(std::move(*file)));
 }
 
 }  // namespace
 
+/// A write that may draw on the reserve; its error names the file.
+template <class Scrivi>
+auto FilesPosix::conRiserva(std::string_view percorso, Scrivi&& scrivi) {
+  return named(percorso, riserva_ == nullptr ? scrivi() : riserva_->conRiserva(percorso, scrivi));
+}
+
 Result<std::string> FilesPosix::read(std::string_view percorso, std::size_t limite) {
-  const Descriptor file = openFile(std::string(percorso), O_RDONLY | O_NONBLOCK);
-  if (!file) return lastError();
   struct stat info {};
-  if (::fstat(file.get(), &info) != 0) return lastError();
+  const std::string nome(percorso);
+  // To open a device, or a pipe, is to do something with it.
+  if (::stat(nome.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) return errnoError(EINVAL);
+  const Descriptor file = openForReading(nome);
+  if (!file || ::fstat(file.get(), &info) != 0) return lastError();
   const auto attesi = static_cast<std::size_t>(info.st_size);
   if (!S_ISREG(info.st_mode) || attesi > limite) return errnoError(EINVAL);
   std::string testo(attesi, '\0');
@@ -162,47 +154,63 @@ Result<std::string> FilesPosix::read(std::string_view percorso, std::size_t limi
 
 Result<void> FilesPosix::replace(std::string_view percorso,
                                  std::span<const std::string_view> pezzi) {
-  const std::string cartella = parentOf(percorso);
-  if (auto fatta = makeFolder(cartella); !fatta) return fatta;
   const std::string finale(percorso);
-  const std::string temporaneo = finale + std::string(kTemporary);
-  const auto file = openTemporary(temporaneo);
-  if (!file) return file.error();
-  if (auto fatto = fillAndRename(file->get(), temporaneo, finale, pezzi); !fatto) {
-    ::unlink(temporaneo.c_str());
-    return fatto;
-  }
-  return syncFolder(cartella);
+  auto fatto = conRiserva(percorso, [&] { return replaceWhole(finale, pezzi); });
+  if (fatto && riserva_ != nullptr) riserva_->rifornisci();
+  return fatto;
 }
 
 Result<void> FilesPosix::appendLine(std::string_view percorso, std::string_view riga) {
-  if (auto fatta = makeFolder(parentOf(percorso)); !fatta) return fatta;
-  const Descriptor file =
-      openFile(std::string(percorso), O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW);
-  if (!file) return lastError();
+  const std::string nome(percorso);
+  const auto file = conRiserva(percorso, [&] { return openLog(nome); });
+  if (!file) return file.error();
   std::string intera(riga);
   intera += '\n';
-  if (auto scritta = writeAll(file.get(), intera); !scritta) return scritta;
-  return syncFile(file.get());
+  bool provata = false;
+  auto scritta = conRiserva(percorso, [&] {
+    // What is left of the first attempt stays on a line of its own.
+    if (std::exchange(provata, true)) intera.insert(intera.begin(), '\n');
+    return writeAll(file->get(), intera);
+  });
+  if (!scritta) return scritta;
+  return conRiserva(percorso, [&] { return syncFile(file->get()); });
 }
 
-Result<void> FilesPosix::makeFolder(std::string_view percorso) { return makeFolders(percorso); }
+Result<void> FilesPosix::appendable(std::string_view percorso, std::size_t byte) {
+  const std::string nome(percorso);
+  return conRiserva(percorso, [&]() -> Result<void> {
+    const auto file = openLog(nome);
+    return file ? roomAhead(file->get(), static_cast<std::int64_t>(byte)) : file.error();
+  });
+}
+
+Result<void> FilesPosix::makeFolder(std::string_view percorso) {
+  return conRiserva(percorso, [&] { return makeFolders(percorso); });
+}
 
 Result<void> FilesPosix::removeOwn(std::string_view percorso) {
   if (::unlink(std::string(percorso).c_str()) == 0 || errno == ENOENT || errno == ENOTDIR) {
     return {};
   }
-  return lastError();
+  return named<void>(percorso, lastError());
 }
 
-Result<void> FilesPosix::renameOwn(std::string_view da, std::string_view a) {
-  if (::rename(std::string(da).c_str(), std::string(a).c_str()) != 0) return lastError();
-  return {};
+Result<void> FilesPosix::setAside(std::string_view percorso) {
+  const std::string nome(percorso);
+  for (int numero = 1; numero < kMaxBroken; ++numero) {
+    std::string libero = nome;
+    if (numero > 1) libero.append(".").append(std::to_string(numero));
+    libero += kBroken;
+    if (exists(libero)) continue;
+    if (::rename(nome.c_str(), libero.c_str()) == 0) return {};
+    return named<void>(percorso, lastError());
+  }
+  return named<void>(percorso, errnoError(EEXIST));
 }
 
 Result<void> FilesPosix::readable(std::string_view percorso) {
   // Not blocking: opening a FIFO must not wait for a writer.
-  const Descriptor file = openFile(std::string(percorso), O_RDONLY | O_NONBLOCK | O_NOCTTY);
+  const Descriptor file = openForReading(std::string(percorso));
   if (!file) return lastError();
   struct stat info {};
   if (::fstat(file.get(), &info) != 0) return lastError();
@@ -232,11 +240,13 @@ bool FilesPosix::exists(std::string_view percorso) {
 }
 
 Result<std::unique_ptr<FileLock>> FilesPosix::lock(std::string_view percorso) {
-  return lockWithin(percorso, kLockPatience);
+  const std::string nome(percorso);
+  return conRiserva(percorso, [&] { return lockWithin(nome, kLockPatience); });
 }
 
 Result<std::unique_ptr<FileLock>> FilesPosix::tryLock(std::string_view percorso) {
-  return lockWithin(percorso, std::chrono::seconds(0));
+  const std::string nome(percorso);
+  return conRiserva(percorso, [&] { return lockWithin(nome, std::chrono::seconds(0)); });
 }
 
 }  // namespace pellak::posix
