@@ -86,12 +86,15 @@ Result<void> Registro::logRestore(std::string_view operazione,
 }
 
 Result<void> Registro::pronto(std::size_t byte) {
-  {
-    const MutexLock hold(lock_);
-    auto letto = aggiorna();
-    if (!letto) return letto;
+  if (const auto file = apri(); !file && file.error().kind != ErrorKind::missing) {
+    return file.error();
   }
   return files_.appendable(percorso_, byte);
+}
+
+Result<void> Registro::leggi() {
+  const MutexLock hold(lock_);
+  return aggiorna();
 }
 
 Error Registro::delFile(Error errore) const {
@@ -99,25 +102,34 @@ Error Registro::delFile(Error errore) const {
   return errore;
 }
 
+Result<Registro::Aperto> Registro::apri() const {
+  auto file = reader_.open(percorso_, ReadPlan::whole);
+  if (!file) return delFile(file.error());
+  const auto stato = (*file)->mark();
+  if (!stato) return delFile(stato.error());
+  if (!stato->regular || stato->size > kMaxBytes) {
+    return delFile({ErrorKind::invalid, 0, "non è un registro"});
+  }
+  return Aperto{std::move(*file), *stato};
+}
+
 /// Reads what was appended since the last time; all of it when it is another file now.
 Result<void> Registro::aggiorna() {
-  const auto file = reader_.open(percorso_, ReadPlan::whole);
-  const auto stato = file ? (*file)->mark() : Result<FileMark>(file.error());
-  const bool leggibile = stato && stato->regular && stato->size <= kMaxBytes;
+  const auto aperto = apri();
+  const FileMark* stato = aperto ? &aperto->stato : nullptr;
   const bool stesso =
-      leggibile && stato->dev == dev_ && stato->ino == ino_ && stato->size >= letti_;
+      stato != nullptr && stato->dev == dev_ && stato->ino == ino_ && stato->size >= letti_;
   if (!stesso) {
     operazioni_.clear();
     posti_.clear();
     letti_ = 0;
   }
-  if (!stato && stato.error().kind == ErrorKind::missing) return {};
-  if (!stato) return delFile(stato.error());
-  if (!leggibile) return delFile({ErrorKind::invalid, 0, "non è un registro"});
+  if (!aperto && aperto.error().kind == ErrorKind::missing) return {};
+  if (!aperto) return aperto.error();
   dev_ = stato->dev;
   ino_ = stato->ino;
   std::string testo(static_cast<std::size_t>(stato->size - letti_), '\0');
-  const auto letti = (*file)->readAt(letti_, std::as_writable_bytes(std::span(testo)));
+  const auto letti = aperto->file->readAt(letti_, std::as_writable_bytes(std::span(testo)));
   if (!letti) return delFile(letti.error());
   leggiRighe(std::string_view(testo).substr(0, *letti));
   return {};

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -48,10 +49,14 @@ class Registro {
   Registro(Files& files, FileReader& reader, const Store& store)
       : files_(files), reader_(reader), percorso_(store.registro()) {}
 
-  /// Whether the log can be read, and a record of `byte` bytes appended: what must be known before
+  /// Whether the log is one, and a record of `byte` bytes appended: what must be known before
   /// anything moves. Errors: full, denied, readOnly, invalid (no regular file, or one far too
   /// large), failed (a link among them).
   Result<void> pronto(std::size_t byte);
+
+  /// Reads what is new in it. What the other functions find none of may stand in a log that could
+  /// not be read: this tells. A missing one is success. Errors: as above.
+  Result<void> leggi();
 
   /// On disk when it returns. Errors: denied, full, readOnly, failed.
   Result<void> logOperation(const Operazione& operazione);
@@ -63,7 +68,13 @@ class Registro {
   void visita(const std::function<void(const Operazione&)>& visita);
 
  private:
+  struct Aperto {
+    std::unique_ptr<OpenFile> file;
+    FileMark stato;
+  };
+
   Result<void> scrivi(std::string riga);
+  Result<Aperto> apri() const;
   bool finisceACapo() const;
   Error delFile(Error errore) const;
   Result<void> aggiorna() PELLAK_REQUIRES(lock_);

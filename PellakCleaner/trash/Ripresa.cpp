@@ -38,7 +38,7 @@ bool Cestino::stessoElemento(const std::string& percorso, const TrashPlan& piano
 }
 
 Result<void> Cestino::riprendiMosse(const Intento& intento, TrashBatch& batch) {
-  if (auto letto = registro_.pronto(0); !letto) return letto;
+  if (auto letto = registro_.leggi(); !letto) return letto;
   // Everything but taking the intent away may have been done.
   if (registro_.cerca(intento.operazione.id)) return {};
   Operazione ripresa = intento.operazione;
