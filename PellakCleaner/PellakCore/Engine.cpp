@@ -210,14 +210,16 @@ void Engine::save() {
 bool Engine::senzaRisultati(std::string_view categoria) {
   const Regole regole = effectiveRules();
   const MutexLock hold(lock_);
-  return std::any_of(metas().begin(), metas().end(), [&](const Meta& meta) {
-    const auto sua = categorie(meta, regole);
+  for (const Meta& meta : metas()) {
+    if (state_.find(meta.id)->second.scanned) continue;
+    const auto sue = categorie(meta, regole);
     const bool qui =
         std::count(meta.cats.begin(), meta.cats.end(), categoria) > 0 ||
         std::count(meta.specials.begin(), meta.specials.end(), categoria) > 0 ||
-        std::any_of(sua.begin(), sua.end(), [&](const auto* r) { return r->id == categoria; });
-    return qui && !state_.find(meta.id)->second.scanned;
-  });
+        std::any_of(sue.begin(), sue.end(), [&](const auto* r) { return r->id == categoria; });
+    if (qui) return true;
+  }
+  return false;
 }
 
 void Engine::invalidaDisco() {

@@ -52,7 +52,8 @@ Result<Descriptor> ownFolderAt(int sopra, const std::string& nome) {
     return errnoError(errno);
   }
   // Made by root in somebody's Trash it would keep out whom the Trash is for.
-  if (fatta && user() != ::geteuid() && ::fchown(cartella.get(), user(), -1) != 0) {
+  if (fatta && user() != ::geteuid() &&
+      ::fchown(cartella.get(), user(), static_cast<gid_t>(-1)) != 0) {
     return errnoError(errno);
   }
   struct stat info {};
