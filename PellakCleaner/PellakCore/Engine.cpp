@@ -1,7 +1,6 @@
 #include "PellakCore/Engine.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cstdlib>
 #include <exception>
@@ -14,7 +13,6 @@ namespace pellak {
 namespace {
 
 constexpr std::size_t kMaxRulesBytes = std::size_t{16} << 20U;
-constexpr std::size_t kMaxResultBytes = std::size_t{1} << 30U;
 /// Icons come in bursts; one write serves a burst.
 constexpr std::chrono::milliseconds kIconSaveDelay{2000};
 /// Folders measured at once; each measure has threads of its own.
@@ -35,18 +33,6 @@ Engine::Engine(AmbienteEngine ambiente)
     caricaRisultati();
   }
   icone_.carica();
-}
-
-void Engine::caricaRisultati() {
-  const Result<std::string> salvati =
-      ambiente_.files.read(ambiente_.store.risultati(), kMaxResultBytes);
-  if (!salvati && salvati.error().kind == ErrorKind::missing) return;
-  const auto letti = salvati ? leggiRisultati(*salvati, state_) : Result<void>(salvati.error());
-  if (letti) return;
-  daRileggere_ = true;
-  avvisa(letti.error().kind == ErrorKind::invalid
-             ? "risultati salvati illeggibili: si riparte da zero"
-             : "risultati salvati non letti: " + motivo(letti.error()));
 }
 
 Engine::~Engine() {
@@ -151,60 +137,6 @@ std::shared_ptr<const Snapshot> Engine::costruisciLocked() {
   nuovo->testo.add(std::string("],\"busy\":") + (nuovo->busy ? "true" : "false") +
                    ",\"ver\":" + std::to_string(nuovo->ver) + "}");
   return nuovo;
-}
-
-/// What stands in the file: newer scans of another process win over ours. What is no results file
-/// is put aside. An error means that the file may be good and must not be replaced.
-Result<void> Engine::accogliAltri() {
-  Sezioni altre;
-  for (const Meta& meta : metas()) altre.emplace(meta.id, Sec());
-  const std::string file = ambiente_.store.risultati();
-  const Result<std::string> salvati = ambiente_.files.read(file, kMaxResultBytes);
-  if (!salvati && salvati.error().kind == ErrorKind::missing) return {};
-  auto letti = salvati ? leggiRisultati(*salvati, altre) : Result<void>(salvati.error());
-  if (!letti && letti.error().kind == ErrorKind::invalid) return ambiente_.files.setAside(file);
-  if (!letti) return letti;
-  const MutexLock hold(lock_);
-  for (auto& [id, sezione] : state_) {
-    Sec& altra = altre.find(id)->second;
-    if (sezione.scanning || altra.lastScan <= sezione.lastScan) continue;
-    altra.findingsVer = sezione.findingsVer + 1;
-    sezione = std::move(altra);
-    touchLocked();
-  }
-  return {};
-}
-
-Result<void> Engine::scriviFile() {
-  const std::string file = ambiente_.store.risultati();
-  const auto blocco = ambiente_.files.lock(ambiente_.store.blocco());
-  if (!blocco) return blocco.error();
-  if (daRileggere_ || ambiente_.files.stamp(file) != stampRisultati_) {
-    if (auto letti = accogliAltri(); !letti) return letti;
-    daRileggere_ = false;
-  }
-  std::string testo;
-  {
-    const MutexLock hold(lock_);
-    testo = scriviRisultati(state_);
-  }
-  const std::array<std::string_view, 1> pezzi = {testo};
-  auto scritto = ambiente_.files.replace(file, pezzi);
-  stampRisultati_ = ambiente_.files.stamp(file);
-  return scritto;
-}
-
-void Engine::save() {
-  const MutexLock ordine(saveLock_);
-  const auto scritto = scriviFile();
-  if (!scritto) avvisa("risultati non salvati: " + motivoCompleto(scritto.error()));
-  const MutexLock hold(lock_);
-  for (auto& [id, sezione] : state_) {
-    if (!sezione.daSalvare) continue;
-    sezione.daSalvare = !scritto;
-    sezione.nonSalvata = scritto ? std::string() : motivo(scritto.error());
-    touchLocked();
-  }
 }
 
 bool Engine::senzaRisultati(std::string_view categoria) {
