@@ -37,7 +37,7 @@ AscoltoSegnali::AscoltoSegnali() {
 
 AscoltoSegnali::~AscoltoSegnali() {
   finito_ = true;
-  ::pthread_kill(thread_.native_handle(), SIGTERM);
+  ::pthread_kill(thread_.native_handle(), SIGINT);
   thread_.join();
   ::pthread_sigmask(SIG_SETMASK, &prima_, nullptr);
 }
