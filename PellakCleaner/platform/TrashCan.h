@@ -50,6 +50,10 @@ class TrashBatch {
   /// its name there but came from elsewhere, or with another operation, is another item.
   virtual std::string locate(const TrashPlan& piano) = 0;
 
+  /// Whether `locate` can find an item of this plan at all. Errors, where the Trash has to be
+  /// listed for that and can't be: denied, missing, failed.
+  virtual Result<void> searchable(const TrashPlan& /*piano*/) { return {}; }
+
   /// Moves an item of the Trash to `destinazione`; its record leaves the Trash in `sync` at the
   /// latest. Nothing is replaced, nothing copied. Errors: as for `move`; missing also when the
   /// folder is not there.

@@ -7,6 +7,10 @@
 
 namespace pellak::trash {
 
+/// The refusal while the Trash can't be listed to finish an interrupted operation's books.
+inline constexpr const char* kNonElencato =
+    "il Cestino non è leggibile: non so come è finita un'operazione interrotta e non sposto nulla";
+
 /// Something is not any more as the page or the scan saw it.
 inline constexpr const char* kCambiato = "lo stato è cambiato: ricarica e riprova";
 

@@ -2,6 +2,7 @@
 
 #include "PellakCore/Finding.h"
 #include "trash/Cestino.h"
+#include "trash/Messaggi.h"
 
 namespace pellak::trash {
 namespace {
@@ -27,6 +28,12 @@ Result<void> Cestino::finisciLibri() {
   }
   if (!*intento) return {};
   const auto batch = ambiente_.can.begin();
+  for (const Intento::Passo& passo : (*intento)->passi) {
+    // What can't be looked for must not pass for not moved.
+    if (const auto certo = batch->searchable(passo.piano); !certo) {
+      return Error{ErrorKind::denied, certo.error().code, kNonElencato};
+    }
+  }
   auto scritto = (*intento)->ripristino.empty() ? riprendiMosse(**intento, *batch)
                                                 : riprendiRipristino(**intento, *batch);
   return scritto ? intenti_.togli() : scritto;
