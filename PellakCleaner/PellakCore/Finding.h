@@ -92,6 +92,8 @@ struct Finding {
   void trattieni(std::string percorso, std::string perche);
 
   bool duplicati() const { return id == "duplicates"; }
+  /// Whether each of its groups moves to the Trash whole or not at all.
+  bool insieme() const { return kind == "cache" || kind == "stato" || kind == "privacy"; }
   bool vuoto() const { return items.empty() && groups.empty(); }
   std::int64_t quante() const { return static_cast<std::int64_t>(items.size() + groups.size()); }
   /// Bytes that can be freed: all entries, and for duplicates what discarding frees.

@@ -97,7 +97,9 @@ void scriviOperazione(JsonWriter& uscita, const trash::Operazione& operazione) {
   for (const trash::Mossa& mossa : operazione.items) {
     uscita.beginObject().key("orig").text(mossa.orig);
     if (!mossa.trash.empty()) uscita.key("trash").text(mossa.trash);
-    uscita.key("rip").boolean(mossa.rip).endObject();
+    uscita.key("rip").boolean(mossa.rip);
+    if (mossa.insieme != 0) uscita.key("insieme").integer(mossa.insieme);
+    uscita.endObject();
   }
   uscita.endArray().endObject();
 }

@@ -131,6 +131,9 @@ Applicazione::Applicazione(std::unique_ptr<Native> native, Ambiente ambiente,
                platform_.files, comandi_, platform_.probe, ambiente_.famiglia, operazioni_,
                ambiente_.home}) {
   native_->useReserve(Store(ambiente_.home).riserva());
+  if (ambiente_.famiglia == FamigliaStrumenti::macos) {
+    platform_.trash.alsoFrom(ambiente_.home + "/.Trash");
+  }
   cestino_.riprendi();
 }
 

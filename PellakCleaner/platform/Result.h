@@ -16,6 +16,7 @@ enum class ErrorKind {
   full,       ///< no room, or a quota reached
   exists,     ///< the target name is taken
   readOnly,   ///< the volume can't be written
+  mounted,    ///< another volume is mounted below; the text says where
   cancelled,  ///< the user or a stop request ended it
   invalid,    ///< the argument can't be meant (empty, NUL inside, wrong type)
   failed      ///< anything else

@@ -31,8 +31,9 @@ class TrashBatch {
   virtual void ofOperation(std::string_view /*id*/) {}
 
   /// Decides where an item would go. Changes nothing but that the Trash folders are made when
-  /// missing. Errors: missing, denied, busy (a volume's root), invalid (a symbolic link on the way,
-  /// no absolute path), failed (a Trash folder that can't be trusted).
+  /// missing. Errors: missing, denied, busy (a volume's root), mounted (a volume is mounted below),
+  /// invalid (a symbolic link on the way, no absolute path), failed (a Trash folder that can't be
+  /// trusted).
   virtual Result<TrashPlan> plan(std::string_view percorso) = 0;
 
   /// Tells which moves follow, in their order, so that their records may be made ahead of them:
@@ -42,12 +43,15 @@ class TrashBatch {
 
   /// Moves what was planned by one rename within its volume; content is never copied and nothing is
   /// ever replaced. Returns the place in the Trash. A final symbolic link is moved itself. Errors,
-  /// the item being where it was: missing, denied, busy, full, readOnly, exists (the name in the
-  /// Trash was taken meanwhile: plan anew), invalid (something else lies at the path now), failed.
+  /// the item being where it was: missing, denied, busy, mounted (meanwhile), full, readOnly,
+  /// exists (the name in the Trash was taken meanwhile: plan anew), invalid (something else lies at
+  /// the path now), failed.
   virtual Result<std::string> move(const TrashPlan& piano) = 0;
 
-  /// Where an item that came from `percorso` lies in the Trash; empty when it does not. What has
-  /// its name there but came from elsewhere, or with another operation, is another item.
+  /// Where an item that came from `percorso` lies in the Trash; empty when it does not. Only a
+  /// Trash of this user counts, and an item whose record names that path; one whose record is lost
+  /// or cut short is known by its number, when the plan holds it. What was moved there with
+  /// another operation is another item.
   virtual std::string locate(const TrashPlan& piano) = 0;
 
   /// Whether `locate` can find an item of this plan at all. Errors, where the Trash has to be
@@ -55,9 +59,12 @@ class TrashBatch {
   virtual Result<void> searchable(const TrashPlan& /*piano*/) { return {}; }
 
   /// Moves an item of the Trash to `destinazione`; its record leaves the Trash in `sync` at the
-  /// latest. Nothing is replaced, nothing copied. Errors: as for `move`; missing also when the
-  /// folder is not there.
+  /// latest. Folders above it that are missing are made, never through a link. Nothing is replaced,
+  /// nothing copied. Errors: as for `move`.
   virtual Result<void> putBack(std::string_view nelCestino, std::string_view destinazione) = 0;
+
+  /// Takes back what `putBack` did in this batch. Errors: as for `move`.
+  virtual Result<void> undoPutBack(std::string_view nelCestino, std::string_view destinazione) = 0;
 
   /// Takes away what a process that ended too early left of a planned move, or of a way back: the
   /// record without its item.
@@ -77,6 +84,10 @@ class TrashCan {
 
   /// Whether the path is a Trash folder, lies in one or holds the user's.
   virtual bool insideTrash(std::string_view percorso) const = 0;
+
+  /// Lets what lies in a folder that keeps no records, as another system's Trash does, be put back
+  /// too. At most once, before the first batch.
+  virtual void alsoFrom(std::string cartella) = 0;
 };
 
 }  // namespace pellak

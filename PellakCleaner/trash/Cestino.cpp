@@ -19,6 +19,8 @@ constexpr const char* kPieno = "disco pieno: il registro non è scrivibile e non
 constexpr const char* kNonScrivibile = "registro non scrivibile: non sposto nulla";
 /// A record holds what its intent holds and less, but for a remark.
 constexpr std::size_t kMargine = 512;
+constexpr const char* kNonTornato =
+    "una parte di un insieme è rimasta nel Cestino: ripristinala dal registro";
 constexpr const char* kNonValido = "percorso non valido";
 constexpr int kConflict = 409;
 constexpr int kServerError = 500;
@@ -32,12 +34,18 @@ struct Cestino::Lavoro {
   struct Voce {
     std::size_t lotto;
     bool daFare = true;
+    std::string dove;  ///< its place in the Trash once it has moved
   };
   std::unique_ptr<TrashBatch> batch;
   Intento intento;
   std::vector<Voce> voci;  ///< one for each step of the intent
   Esito esito;
-  std::int64_t liberati = 0;
+  std::size_t mossi = 0;
+
+  void fallito(std::size_t posto, std::string err) {
+    voci[posto].daFare = false;
+    esito.failed.push_back({intento.passi[posto].piano.percorso, std::move(err)});
+  }
 };
 
 Esito rifiuto(std::string testo, int stato) {
@@ -105,23 +113,43 @@ void Cestino::prepara(Lavoro& lavoro, std::span<const Lotto> lotti) const {
   lavoro.voci.reserve(quanti);
   lavoro.intento.passi.reserve(quanti);
   for (std::size_t i = 0; i < lotti.size(); ++i) {
+    const std::size_t primo = lavoro.voci.size();
+    const std::size_t falliti = lavoro.esito.failed.size();
     for (const Candidato& voce : lotti[i].voci) {
-      if (!visti.insert(voce.percorso).second) continue;
-      if (!custode_.ammesso(voce.percorso)) {
-        lavoro.esito.failed.push_back({voce.percorso, kNonValido});
-        continue;
-      }
-      auto piano = lavoro.batch->plan(voce.percorso);
-      if (!piano) {
-        lavoro.esito.failed.push_back({voce.percorso, trashMessage(voce.percorso, piano.error())});
-        continue;
-      }
-      lavoro.intento.operazione.tot = sommaSicura(lavoro.intento.operazione.tot, voce.size);
-      piano->size = voce.size;
-      lavoro.intento.passi.push_back({std::move(*piano), {}, 0});
-      lavoro.voci.push_back({i});
+      if (visti.insert(voce.percorso).second) preparaUno(lavoro, voce, i);
+    }
+    if (!lotti[i].insieme) continue;
+    if (lavoro.esito.failed.size() > falliti) lasciaStare(lavoro, primo);
+    for (std::size_t posto = primo; posto < lavoro.voci.size(); ++posto) {
+      lavoro.intento.passi[posto].insieme = static_cast<std::int64_t>(i) + 1;
     }
   }
+}
+
+void Cestino::preparaUno(Lavoro& lavoro, const Candidato& voce, std::size_t lotto) const {
+  if (!custode_.ammesso(voce.percorso)) {
+    lavoro.esito.failed.push_back({voce.percorso, kNonValido});
+    return;
+  }
+  auto piano = lavoro.batch->plan(voce.percorso);
+  if (!piano) {
+    lavoro.esito.failed.push_back({voce.percorso, trashMessage(voce.percorso, piano.error())});
+    return;
+  }
+  lavoro.intento.operazione.tot = sommaSicura(lavoro.intento.operazione.tot, voce.size);
+  piano->size = voce.size;
+  lavoro.intento.passi.push_back({std::move(*piano), {}, 0, 0});
+  lavoro.voci.push_back({lotto, true, {}});
+}
+
+/// Nothing of a set is begun when one of it can't go; the steps from `primo` on are its own.
+void Cestino::lasciaStare(Lavoro& lavoro, std::size_t primo) {
+  for (std::size_t posto = primo; posto < lavoro.voci.size(); ++posto) {
+    lavoro.intento.operazione.tot -= lavoro.intento.passi[posto].piano.size;
+    lavoro.fallito(posto, kInsieme);
+  }
+  lavoro.voci.resize(primo, {0, false, {}});
+  lavoro.intento.passi.resize(primo);
 }
 
 void Cestino::annuncia(Lavoro& lavoro) {
@@ -137,12 +165,13 @@ void Cestino::annuncia(Lavoro& lavoro) {
 /// before is on disk.
 Result<void> Cestino::trashAll(Lavoro& lavoro, std::span<const Lotto> lotti) {
   std::vector<std::optional<bool>> ammessi(lotti.size());
-  lavoro.esito.mosse.reserve(lavoro.voci.size());
   bool restano = true;
   Error perche = {ErrorKind::exists, 0, {}};
   for (int tentativo = 0; restano && tentativo < kTentativi; ++tentativo) {
     if (auto scritto = annota(lavoro.intento); !scritto) {
-      if (lavoro.esito.mosse.empty()) {
+      if (lavoro.mossi == 0) {
+        // Records of what was put back go before the intent does.
+        static_cast<void>(lavoro.batch->sync());
         static_cast<void>(intenti_.togli());
         return scritto;
       }
@@ -155,21 +184,41 @@ Result<void> Cestino::trashAll(Lavoro& lavoro, std::span<const Lotto> lotti) {
       if (!lavoro.voci[i].daFare) continue;
       const std::size_t lotto = lavoro.voci[i].lotto;
       if (!ammessi[lotto]) ammessi[lotto] = !lotti[lotto].ancora || lotti[lotto].ancora();
-      if (*ammessi[lotto]) {
-        muoviUno(lavoro, i);
-        restano = restano || lavoro.voci[i].daFare;
-      } else {
-        lavoro.voci[i].daFare = false;
-        lavoro.esito.failed.push_back({lavoro.intento.passi[i].piano.percorso, kCambiato});
+      if (!*ammessi[lotto]) {
+        lavoro.fallito(i, kCambiato);
+        continue;
       }
+      muoviUno(lavoro, i);
+      restano = restano || lavoro.voci[i].daFare;
+      const bool fallita = !lavoro.voci[i].daFare && lavoro.voci[i].dove.empty();
+      if (fallita && lotti[lotto].insieme) ritira(lavoro, lotto);
     }
   }
   for (std::size_t i = 0; restano && i < lavoro.voci.size(); ++i) {
     if (!lavoro.voci[i].daFare) continue;
     const std::string& percorso = lavoro.intento.passi[i].piano.percorso;
-    lavoro.esito.failed.push_back({percorso, trashMessage(percorso, perche)});
+    lavoro.fallito(i, trashMessage(percorso, perche));
+    if (lotti[lavoro.voci[i].lotto].insieme) ritira(lavoro, lavoro.voci[i].lotto);
   }
   return {};
+}
+
+/// One of a set could not move: what moved of it goes back, and the rest stays.
+void Cestino::ritira(Lavoro& lavoro, std::size_t lotto) {
+  for (std::size_t i = 0; i < lavoro.voci.size(); ++i) {
+    Lavoro::Voce& voce = lavoro.voci[i];
+    if (voce.lotto != lotto) continue;
+    if (voce.daFare) lavoro.fallito(i, kInsieme);
+    if (voce.dove.empty()) continue;
+    if (lavoro.batch->putBack(voce.dove, lavoro.intento.passi[i].piano.percorso)) {
+      voce.dove.clear();
+      --lavoro.mossi;
+      lavoro.fallito(i, kInsieme);
+    } else {
+      // Its place was taken meanwhile: it is in the Trash, and in the record.
+      lavoro.esito.avviso = kNonTornato;
+    }
+  }
 }
 
 void Cestino::muoviUno(Lavoro& lavoro, std::size_t posto) {
@@ -184,14 +233,13 @@ void Cestino::muoviUno(Lavoro& lavoro, std::size_t posto) {
       return;
     }
   }
-  lavoro.voci[posto].daFare = false;
   if (mosso) {
-    lavoro.esito.mosse.push_back({piano.percorso, std::move(*mosso), false});
-    lavoro.liberati = sommaSicura(lavoro.liberati, piano.size);
+    lavoro.voci[posto].daFare = false;
+    lavoro.voci[posto].dove = std::move(*mosso);
+    ++lavoro.mossi;
   } else {
     const bool altro = mosso.error().kind == ErrorKind::invalid;
-    lavoro.esito.failed.push_back(
-        {piano.percorso, altro ? kCambiato : trashMessage(piano.percorso, mosso.error())});
+    lavoro.fallito(posto, altro ? kCambiato : trashMessage(piano.percorso, mosso.error()));
   }
 }
 
@@ -199,13 +247,20 @@ Esito Cestino::concludi(Lavoro& lavoro, const Titolo& titolo) {
   Esito& esito = lavoro.esito;
   // Where nothing moved, too: records without items must go before the intent does.
   const bool sincrono = lavoro.batch->sync().ok();
-  if (!esito.mosse.empty()) {
+  if (lavoro.mossi > 0) {
     if (!sincrono) esito.avviso = kNonSincronizzato;
     if (ambiente_.suono) ambiente_.suono();
     Operazione fatta = lavoro.intento.operazione;
-    fatta.azione = titolo(esito.mosse.size());
-    fatta.tot = lavoro.liberati;
-    fatta.items = std::move(esito.mosse);
+    fatta.azione = titolo(lavoro.mossi);
+    fatta.tot = 0;
+    fatta.items.reserve(lavoro.mossi);
+    for (std::size_t i = 0; i < lavoro.voci.size(); ++i) {
+      if (lavoro.voci[i].dove.empty()) continue;
+      Intento::Passo& passo = lavoro.intento.passi[i];
+      fatta.tot = sommaSicura(fatta.tot, passo.piano.size);
+      fatta.items.push_back({std::move(passo.piano.percorso), std::move(lavoro.voci[i].dove), false,
+                             false, passo.insieme});
+    }
     esito.op = fatta.id;
     esito.tot = fatta.tot;
     // Without a record the intent stays: the next operation or start writes the record from it.

@@ -47,6 +47,8 @@ struct Candidato {
 struct Lotto {
   std::vector<Candidato> voci;
   std::function<bool()> ancora;
+  /// All or nothing: when one of them can't move, those that did come back and all have failed.
+  bool insieme = false;
 };
 
 struct Fallito {
@@ -101,11 +103,15 @@ class Cestino {
  private:
   struct Lavoro;
   struct Ritorno;
+  struct Scelto;
 
   Result<std::unique_ptr<FileLock>> blocco();
   Result<void> annota(const Intento& intento);
   static Esito rifiutoDi(const Error& errore);
   void prepara(Lavoro& lavoro, std::span<const Lotto> lotti) const;
+  void preparaUno(Lavoro& lavoro, const Candidato& voce, std::size_t lotto) const;
+  static void lasciaStare(Lavoro& lavoro, std::size_t primo);
+  static void ritira(Lavoro& lavoro, std::size_t lotto);
   Result<void> trashAll(Lavoro& lavoro, std::span<const Lotto> lotti);
   static void annuncia(Lavoro& lavoro);
   static void muoviUno(Lavoro& lavoro, std::size_t posto);
@@ -113,10 +119,16 @@ class Cestino {
 
   Result<void> finisciLibri();
   Result<void> riprendiMosse(const Intento& intento, TrashBatch& batch);
+  std::vector<std::string> postiDi(const Intento& intento, TrashBatch& batch) const;
   Result<void> riprendiRipristino(const Intento& intento, TrashBatch& batch);
+  bool finisci(const Intento::Passo& passo, TrashBatch& batch) const;
 
-  void scegli(Ritorno& ritorno, std::size_t indice, Sguardo sguardo) const;
-  void restore(Ritorno& ritorno) const;
+  void guardaTutti(Ritorno& ritorno, const std::vector<std::size_t>& quali) const;
+  bool rimettibile(Ritorno& ritorno, const Scelto& scelto) const;
+  void scegli(Ritorno& ritorno, Scelto scelto) const;
+  void scegliInsieme(Ritorno& ritorno, std::vector<Scelto> scelti) const;
+  static void restore(Ritorno& ritorno);
+  static void rimetti(Ritorno& ritorno, std::span<const Intento::Passo> passi);
   std::string destinazione(const std::string& orig, Result<EntryAttributes> voce,
                            const std::unordered_set<std::string>& promesse) const;
   bool stessoElemento(const std::string& percorso, const TrashPlan& piano) const;

@@ -19,6 +19,13 @@ constexpr std::array<std::string_view, 19> kDelSistema = {"/System",      "/bin"
                                                           "/usr/sbin",    "/usr/libexec",
                                                           "/usr/share"};
 
+/// Never written to, whatever a record says. Besides these: all of "/lib…".
+constexpr std::array<std::string_view, 11> kMaiDestinazione = {
+    "/bin", "/sbin", "/boot",   "/dev",     "/etc",        "/proc",
+    "/sys", "/usr",  "/System", "/Library", "/private/etc"};
+constexpr std::array<std::string_view, 2> kDiAvvio = {"/Library/LaunchAgents",
+                                                      "/Library/LaunchDaemons"};
+
 constexpr std::array<std::string_view, 15> kDiCasa = {
     "Desktop", "Documents", "Downloads", "Library", "Library/Caches",
     "Movies",  "Music",     "Pictures",  "Public",  "Templates",
@@ -40,6 +47,17 @@ bool Custode::ammesso(std::string_view percorso) const {
     const std::string_view inCasa = percorso.substr(home == "/" ? 1 : home.size() + 1);
     if (std::find(kDiCasa.begin(), kDiCasa.end(), inCasa) != kDiCasa.end()) return false;
   }
+  return !can_.insideTrash(percorso);
+}
+
+bool Custode::destinazione(std::string_view percorso) const {
+  const auto contiene = [&](std::string_view cartella) {
+    return dentroCartella(percorso, cartella);
+  };
+  if (!standard(percorso) || percorso.starts_with("/lib")) return false;
+  if (contiene(store_.cartella()) || dentroCartella(store_.cartella(), percorso)) return false;
+  const bool sistema = std::any_of(kMaiDestinazione.begin(), kMaiDestinazione.end(), contiene);
+  if (sistema && std::none_of(kDiAvvio.begin(), kDiAvvio.end(), contiene)) return false;
   return !can_.insideTrash(percorso);
 }
 

@@ -8,8 +8,8 @@
 
 namespace pellak::trash {
 
-/// Says which paths may be moved to the Trash at all, whoever found them. Purely textual; any
-/// thread.
+/// Says which paths may be moved to the Trash at all, whoever found them, and where something may
+/// come back to. Purely textual; any thread.
 class Custode {
  public:
   Custode(const Store& store, const TrashCan& can) : store_(store), can_(can) {}
@@ -18,6 +18,10 @@ class Custode {
   /// is made of, the home folder or one that holds it, its standard folders, the Trash, and our
   /// own files.
   bool ammesso(std::string_view percorso) const;
+
+  /// Not: a path that is not in its plain form, what the system is made of or configured by (the
+  /// folders of items that start by themselves may be), a Trash, and our own files.
+  bool destinazione(std::string_view percorso) const;
 
  private:
   const Store store_;

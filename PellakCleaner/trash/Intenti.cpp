@@ -38,6 +38,7 @@ Intento intentoDa(Json radice) {
                    numero(voce.testo("ino")), std::max<std::int64_t>(voce.intero("size", 0), 0)};
     passo.destinazione = voce.testo("destinazione");
     passo.indice = static_cast<std::size_t>(voce.intero("indice", 0));
+    passo.insieme = voce.intero("insieme", 0);
     intento.passi.push_back(std::move(passo));
   });
   return intento;
@@ -61,6 +62,7 @@ Result<std::size_t> Intenti::scrivi(const Intento& intento) {
       uscita.key("destinazione").text(passo.destinazione);
       uscita.key("indice").integer(static_cast<std::int64_t>(passo.indice));
     }
+    if (passo.insieme != 0) uscita.key("insieme").integer(passo.insieme);
     uscita.endObject();
   }
   uscita.endArray().endObject();

@@ -19,6 +19,7 @@ struct Intento {
     TrashPlan piano;
     std::string destinazione;  ///< of a way back
     std::size_t indice = 0;    ///< of the item in the operation that is restored
+    std::int64_t insieme = 0;  ///< as in the record; steps of one set follow each other
   };
   std::string ripristino;  ///< the operation that is restored; empty for a move to the Trash
   Operazione operazione;   ///< the record to be; `items` stays empty

@@ -37,6 +37,8 @@ std::string trashMessage(std::string_view percorso, const Error& errore) {
       return "spazio esaurito sul volume: elemento non spostato";
     case ErrorKind::readOnly:
       return "il volume e' in sola lettura: elemento non spostato";
+    case ErrorKind::mounted:
+      return "contiene un altro disco: smontalo e riprova";
     default:
       if (!errore.text.empty()) return errore.text;
       return ("errore " + std::to_string(errore.code)).substr(0, kMaxDescription);

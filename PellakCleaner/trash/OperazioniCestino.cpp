@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <set>
 #include <span>
 #include <unordered_set>
 #include <utility>
 
 #include "trash/Gruppi.h"
+#include "trash/Insiemi.h"
 #include "trash/Messaggi.h"
 
 namespace pellak::trash {
@@ -32,12 +34,12 @@ Esito OperazioniCestino::trash(std::string_view id,
   if (!cestinabile(*finding)) return rifiuto(kNonCestinabile);
   std::unordered_set<std::string> scelti;
   if (solo) scelti.insert(solo->begin(), solo->end());
-  Lotto lotto;
+  std::vector<Candidato> voci;
   for (const Voce& voce : finding->items) {
-    if (!solo || scelti.contains(voce.path)) lotto.voci.push_back({voce.path, voce.size});
+    if (!solo || scelti.contains(voce.path)) voci.push_back({voce.path, voce.size});
   }
-  if (lotto.voci.empty()) return rifiuto("nessun elemento trattabile");
-  return sposta(id, titoloFisso("Categoria: " + finding->name), std::span(&lotto, 1));
+  if (voci.empty()) return rifiuto("nessun elemento trattabile");
+  return sposta(id, titoloFisso("Categoria: " + finding->name), lottiDi(std::move(voci)));
 }
 
 std::optional<Esito> OperazioniCestino::appAperta(const Finding& finding, const Group& gruppo,
@@ -66,9 +68,7 @@ Esito OperazioniCestino::trashGroup(std::string_view id, std::int64_t indice,
   if (gruppo->paths.empty() || gruppo->paths.front() != first) return rifiuto(kCambiato);
   if (finding->duplicati()) return rifiuto(kUltimaCopia, kConflict);
   if (auto aperta = appAperta(*finding, *gruppo, chiudiPrima)) return *aperta;
-  Lotto lotto;
-  aggiungiPercorsi(*gruppo, lotto.voci);
-  return sposta(id, titoloFisso(titoloGruppo(*finding, *gruppo)), std::span(&lotto, 1));
+  return sposta(id, titoloFisso(titoloGruppo(*finding, *gruppo)), lottiDi(*finding, *gruppo));
 }
 
 Esito OperazioniCestino::trashSel(std::string_view id, std::span<const std::int64_t> gruppi,
@@ -87,20 +87,21 @@ Esito OperazioniCestino::trashSel(std::string_view id, std::span<const std::int6
     scelti.insert(gruppi[i]);
   }
   if (finding->duplicati()) return rifiuto(kUltimaCopia, kConflict);
-  Lotto lotto;
+  std::vector<Lotto> lotti;
   std::vector<std::string> saltati;
   for (const std::int64_t indice : scelti) {
     const Group& gruppo = *gruppoDi(finding, indice);
     if (appAperta(*finding, gruppo, chiudiPrima)) {
       saltati.push_back(nomeGruppo(gruppo) + " (app aperta)");
     } else {
-      aggiungiPercorsi(gruppo, lotto.voci);
+      std::vector<Lotto> suoi = lottiDi(*finding, gruppo);
+      std::move(suoi.begin(), suoi.end(), std::back_inserter(lotti));
     }
   }
   Esito esito;
   if (const std::size_t presi = scelti.size() - saltati.size(); presi > 0) {
-    esito = sposta(id, titoloFisso("Selezione multipla (" + std::to_string(presi) + " voci)"),
-                   std::span(&lotto, 1));
+    esito =
+        sposta(id, titoloFisso("Selezione multipla (" + std::to_string(presi) + " voci)"), lotti);
   }
   esito.saltati = std::move(saltati);
   return esito;

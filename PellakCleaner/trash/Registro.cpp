@@ -27,7 +27,8 @@ Operazione operazioneDa(Json riga) {
   letta.nota = riga.testo("nota");
   letta.items.reserve(riga["items"].quanti());
   riga["items"].perOgni([&](Json voce) {
-    letta.items.push_back({voce.testo("orig"), voce.testo("trash"), voce.booleano("rip", false)});
+    letta.items.push_back({voce.testo("orig"), voce.testo("trash"), voce.booleano("rip", false),
+                           false, voce.intero("insieme", 0)});
   });
   return letta;
 }
@@ -67,7 +68,9 @@ Result<void> Registro::logOperation(const Operazione& operazione) {
   for (const Mossa& mossa : operazione.items) {
     uscita.beginObject().key("orig").text(mossa.orig);
     if (!mossa.trash.empty()) uscita.key("trash").text(mossa.trash);
-    uscita.key("rip").boolean(mossa.rip).endObject();
+    uscita.key("rip").boolean(mossa.rip);
+    if (mossa.insieme != 0) uscita.key("insieme").integer(mossa.insieme);
+    uscita.endObject();
   }
   uscita.endArray().endObject();
   return scrivi(uscita.take());

@@ -26,6 +26,8 @@ struct Mossa {
   std::string trash;      ///< empty when the system did not tell
   bool rip = false;       ///< put back since
   bool superata = false;  ///< a later operation gave its place in the Trash to another item
+  /// Items with the same number belong together: none comes back alone. 0: stands alone.
+  std::int64_t insieme = 0;
 };
 
 /// One operation.

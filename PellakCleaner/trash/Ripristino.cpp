@@ -1,5 +1,7 @@
 // The way back out of the Trash.
 
+#include <algorithm>
+#include <map>
 #include <span>
 #include <unordered_set>
 #include <utility>
@@ -7,6 +9,7 @@
 #include "PellakCore/Contatore.h"
 #include "PellakCore/base/BytePath.h"
 #include "trash/Cestino.h"
+#include "trash/Insiemi.h"
 #include "trash/Sguardi.h"
 
 namespace pellak::trash {
@@ -16,29 +19,35 @@ constexpr const char* kNonTracciato = "percorso nel Cestino non tracciato";
 constexpr const char* kNonPiu = "non è più nel Cestino";
 constexpr const char* kPermesso =
     "serve il permesso: concedi a PellakCleaner l'Accesso completo al disco (pannello Permessi)";
+constexpr const char* kNonAmmessa =
+    "il posto da cui veniva è riservato al sistema: non lo ripristino";
 constexpr int kNotFound = 404;
-
-/// report.pdf and 1: "report (ripristinato 1).pdf"
-std::string conNumero(const std::string& percorso, std::size_t numero) {
-  const std::size_t nome = percorso.rfind('/') + 1;
-  const std::size_t punto = percorso.rfind('.');
-  const bool estensione = punto != std::string::npos && punto > nome && punto + 1 < percorso.size();
-  const std::string aggiunta = " (ripristinato " + std::to_string(numero) + ")";
-  if (!estensione) return percorso + aggiunta;
-  return percorso.substr(0, punto) + aggiunta + percorso.substr(punto);
-}
-
-std::string sopra(const std::string& percorso) {
-  const std::size_t barra = percorso.rfind('/');
-  return barra == 0 || barra == std::string::npos ? "/" : percorso.substr(0, barra);
-}
 
 bool giaTornato(const EntryAttributes& dentro, const EntryAttributes& fuori) {
   return dentro.type != EntryType::directory && fuori.type != EntryType::directory &&
          dentro.size == fuori.size && dentro.mtime == fuori.mtime;
 }
 
+/// The items that go back when one is asked for, or all are: none of a set comes back alone.
+std::vector<std::size_t> daRimettere(const std::vector<Mossa>& items,
+                                     std::optional<std::int64_t> indice) {
+  std::vector<std::size_t> quali;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    const bool chiesto = !indice || i == static_cast<std::size_t>(*indice);
+    const bool conLui = !chiesto && !items[i].rip && items[i].insieme != 0 &&
+                        items[i].insieme == items[static_cast<std::size_t>(*indice)].insieme;
+    if (chiesto || conLui) quali.push_back(i);
+  }
+  return quali;
+}
+
 }  // namespace
+
+/// An item that is to go back, and how things stand with it.
+struct Cestino::Scelto {
+  std::size_t indice;
+  Sguardo sguardo;
+};
 
 /// One operation on its way back.
 struct Cestino::Ritorno {
@@ -64,6 +73,22 @@ struct Cestino::Ritorno {
     esito.mosse.push_back(operazione.items[indice]);
     esito.tornati.push_back(std::move(dove));
   }
+  void riuscito(const Intento::Passo& passo) {
+    fatti.push_back(passo.indice);
+    tornato(passo.indice, passo.destinazione);
+    if (passo.destinazione != passo.piano.percorso) {
+      esito.rinominati.push_back(passo.destinazione);
+    }
+  }
+  void prometti(Scelto scelto, std::string destinazione) {
+    const Mossa& mossa = operazione.items[scelto.indice];
+    const EntryAttributes& voce = *scelto.sguardo.dentro;
+    promesse.insert(destinazione);
+    TrashPlan piano = {std::move(scelto.sguardo.orig), mossa.trash,
+                       static_cast<std::uint64_t>(voce.dev), voce.ino, 0};
+    intento.passi.push_back(
+        {std::move(piano), std::move(destinazione), scelto.indice, mossa.insieme});
+  }
 };
 
 Esito Cestino::restore(std::string_view id, std::optional<std::int64_t> indice) {
@@ -77,14 +102,7 @@ Esito Cestino::restore(std::string_view id, std::optional<std::int64_t> indice) 
   ritorno.batch = ambiente_.can.begin();
   ritorno.operazione = std::move(*operazione);
   ritorno.intento.ripristino = ritorno.operazione.id;
-  const auto primo = static_cast<std::size_t>(indice.value_or(0));
-  const std::span mosse = std::span(ritorno.operazione.items)
-                              .subspan(primo, indice ? 1 : ritorno.operazione.items.size());
-  auto sguardi = guarda(ambiente_.can, ambiente_.lister, ambiente_.store.home(), mosse);
-  ritorno.aspetta(mosse.size());
-  for (std::size_t i = 0; i < sguardi.size(); ++i) {
-    scegli(ritorno, primo + i, std::move(sguardi[i]));
-  }
+  guardaTutti(ritorno, daRimettere(ritorno.operazione.items, indice));
   if (!ritorno.intento.passi.empty()) {
     if (const auto scritto = annota(ritorno.intento); !scritto) {
       static_cast<void>(intenti_.togli());
@@ -104,41 +122,118 @@ Esito Cestino::restore(std::string_view id, std::optional<std::int64_t> indice) 
   return std::move(ritorno.esito);
 }
 
-/// Decides what becomes of one item: a reason why not, already back, or a step of the intent.
-void Cestino::scegli(Ritorno& ritorno, std::size_t indice, Sguardo sguardo) const {
-  const Mossa& mossa = ritorno.operazione.items[indice];
-  if (mossa.trash.empty()) return ritorno.fallito(indice, kNonTracciato);
-  const auto& dentro = sguardo.dentro;
-  if (!sguardo.suo || !dentro) return ritorno.fallito(indice, kNonPiu);
-  // Nothing moves, so the item stays in the Trash and can still be put back.
-  if (sguardo.fuori && giaTornato(*dentro, *sguardo.fuori)) {
-    return ritorno.tornato(indice, std::move(sguardo.orig));
+/// Decides what becomes of each item.
+void Cestino::guardaTutti(Ritorno& ritorno, const std::vector<std::size_t>& quali) const {
+  const std::vector<Mossa>& items = ritorno.operazione.items;
+  std::vector<Mossa> poche;
+  if (quali.size() < items.size()) {
+    for (const std::size_t i : quali) poche.push_back(items[i]);
   }
-  std::string dove = destinazione(sguardo.orig, std::move(sguardo.fuori), ritorno.promesse);
-  ritorno.promesse.insert(dove);
-  TrashPlan piano = {std::move(sguardo.orig), mossa.trash, static_cast<std::uint64_t>(dentro->dev),
-                     dentro->ino, 0};
-  ritorno.intento.passi.push_back({std::move(piano), std::move(dove), indice});
+  auto sguardi = guarda(ambiente_.can, ambiente_.lister, ambiente_.store.home(),
+                        poche.empty() ? std::span(items) : std::span<const Mossa>(poche));
+  ritorno.aspetta(quali.size());
+  std::map<std::int64_t, std::vector<Scelto>> insiemi;
+  for (std::size_t i = 0; i < quali.size(); ++i) {
+    Scelto scelto = {quali[i], std::move(sguardi[i])};
+    const std::int64_t insieme = items[quali[i]].insieme;
+    if (!rimettibile(ritorno, scelto)) scelto.sguardo.suo = false;
+    if (insieme != 0) {
+      insiemi[insieme].push_back(std::move(scelto));
+    } else if (scelto.sguardo.suo) {
+      scegli(ritorno, std::move(scelto));
+    }
+  }
+  for (auto& [insieme, scelti] : insiemi) scegliInsieme(ritorno, std::move(scelti));
 }
 
-void Cestino::restore(Ritorno& ritorno) const {
-  for (const Intento::Passo& passo : ritorno.intento.passi) {
-    const auto prova = [&] {
-      return ritorno.batch->putBack(passo.piano.nelCestino, passo.destinazione);
-    };
-    auto tornato = prova();
-    if (!tornato && tornato.error().kind == ErrorKind::missing &&
-        ambiente_.files.makeFolder(sopra(passo.destinazione))) {
-      tornato = prova();
-    }
-    if (tornato) {
-      ritorno.fatti.push_back(passo.indice);
-      ritorno.tornato(passo.indice, passo.destinazione);
-      if (passo.destinazione != passo.piano.percorso) {
-        ritorno.esito.rinominati.push_back(passo.destinazione);
-      }
+/// Whether an item can go back at all; the reason why not becomes part of the answer.
+bool Cestino::rimettibile(Ritorno& ritorno, const Scelto& scelto) const {
+  const char* perche = nullptr;
+  if (ritorno.operazione.items[scelto.indice].trash.empty()) {
+    perche = kNonTracciato;
+  } else if (!scelto.sguardo.suo || !scelto.sguardo.dentro) {
+    perche = kNonPiu;
+  } else if (!custode_.destinazione(scelto.sguardo.orig)) {
+    perche = kNonAmmessa;
+  }
+  if (perche != nullptr) ritorno.fallito(scelto.indice, perche);
+  return perche == nullptr;
+}
+
+/// Already back, or a step of the intent.
+void Cestino::scegli(Ritorno& ritorno, Scelto scelto) const {
+  Sguardo& sguardo = scelto.sguardo;
+  // Nothing moves, so the item stays in the Trash and can still be put back.
+  if (sguardo.fuori && giaTornato(*sguardo.dentro, *sguardo.fuori)) {
+    return ritorno.tornato(scelto.indice, std::move(sguardo.orig));
+  }
+  std::string dove = destinazione(sguardo.orig, std::move(sguardo.fuori), ritorno.promesse);
+  ritorno.prometti(std::move(scelto), std::move(dove));
+}
+
+/// All of a set that is still there goes back under one number, the smallest that finds every place
+/// free: those of companions that are gone, too, for what lies there now belongs to another set.
+void Cestino::scegliInsieme(Ritorno& ritorno, std::vector<Scelto> scelti) const {
+  const auto libero = [&](const std::string& posto) {
+    const auto voce = ambiente_.lister.attributes(posto);
+    if (!voce && voce.error().kind == ErrorKind::denied) registraDiniego(posto);
+    return !voce && !ritorno.promesse.contains(posto);
+  };
+  std::unordered_set<std::string> suoi;
+  for (const Scelto& scelto : scelti) suoi.insert(scelto.sguardo.orig);
+  const auto tuttiLiberi = [&](const Scelto& scelto, std::size_t numero) {
+    const auto& [orig, suo, dentro, fuori] = scelto.sguardo;
+    const bool tornato = numero == 0 && suo && fuori && giaTornato(*dentro, *fuori);
+    const std::string posto = numero == 0 ? orig : conNumeroComune(orig, numero);
+    if (!tornato && !libero(posto)) return false;
+    const std::vector<std::string> compagni = compagniDi(posto);
+    return std::all_of(compagni.begin(), compagni.end(), [&](const std::string& compagno) {
+      return (numero == 0 && suoi.contains(compagno)) || libero(compagno);
+    });
+  };
+  std::size_t numero = 0;
+  while (!std::all_of(scelti.begin(), scelti.end(),
+                      [&](const Scelto& scelto) { return tuttiLiberi(scelto, numero); })) {
+    ++numero;
+  }
+  for (Scelto& scelto : scelti) {
+    if (!scelto.sguardo.suo) continue;
+    std::string posto = scelto.sguardo.orig;
+    if (numero > 0) posto = conNumeroComune(posto, numero);
+    if (numero == 0 && scelto.sguardo.fuori) {
+      ritorno.tornato(scelto.indice, std::move(posto));
     } else {
-      ritorno.fallito(passo.indice, kPermesso);
+      ritorno.prometti(std::move(scelto), std::move(posto));
+    }
+  }
+}
+
+void Cestino::restore(Ritorno& ritorno) {
+  const std::vector<Intento::Passo>& passi = ritorno.intento.passi;
+  for (std::size_t primo = 0; primo < passi.size();) {
+    std::size_t fine = primo + 1;
+    while (passi[primo].insieme != 0 && fine < passi.size() &&
+           passi[fine].insieme == passi[primo].insieme) {
+      ++fine;
+    }
+    rimetti(ritorno, std::span(passi).subspan(primo, fine - primo));
+    primo = fine;
+  }
+}
+
+/// One item, or a set: what of it is back goes into the Trash again when one of them can't come.
+void Cestino::rimetti(Ritorno& ritorno, std::span<const Intento::Passo> passi) {
+  const auto bloccato = std::find_if_not(passi.begin(), passi.end(), [&](const auto& passo) {
+    return ritorno.batch->putBack(passo.piano.nelCestino, passo.destinazione).ok();
+  });
+  for (auto passo = passi.begin(); passo != passi.end(); ++passo) {
+    const bool resta = bloccato != passi.end() &&
+                       (passo >= bloccato ||
+                        ritorno.batch->undoPutBack(passo->piano.nelCestino, passo->destinazione));
+    if (resta) {
+      ritorno.fallito(passo->indice, kPermesso);
+    } else {
+      ritorno.riuscito(*passo);
     }
   }
 }

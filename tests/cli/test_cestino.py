@@ -158,6 +158,7 @@ class Meanwhile(ConCestino):
         self.cosa("svuotato", "svuotato")
         self.cosa("sostituito", "sostituito")
         self.cosa("senzascheda", "senzascheda")
+        self.cosa("suo", "suo")
         self.scandisci()
         self.cestina()
         for nome in ("svuotato", "sostituito"):
@@ -170,9 +171,9 @@ class Meanwhile(ConCestino):
         (self.cestino / "info/senzascheda.trashinfo").unlink()
         esito = self.ripristina()
         self.assertEqual(esito["items"], 1)
-        self.assertEqual(sorted(esito["errors"]), ["sostituito: non è più nel Cestino",
-                                                   "svuotato: non è più nel Cestino"])
-        self.assertEqual(os.listdir(self.casa / "cose"), ["senzascheda"])
+        self.assertEqual(sorted(esito["errors"]), [
+            f"{nome}: non è più nel Cestino" for nome in ("senzascheda", "sostituito", "svuotato")])
+        self.assertEqual(os.listdir(self.casa / "cose"), ["suo"])
         self.assertEqual((self.cestino / "files/sostituito").read_text(), "di un altro")
         self.assertTrue((self.cestino / "info/sostituito.trashinfo").exists())
 
@@ -208,6 +209,63 @@ class Libri(ConCestino):
                     guasto.unlink()
                 self.assertEqual(self.ripristina(0)["items"], 1)
                 self.assertEqual(self.contenuti(), prima)
+
+    def voce(self, cestino, nome, orig):
+        """What a move of `nome` to that folder would have left, the record too."""
+        self.file(f"{cestino}/files/{nome}")
+        self.file(f"{cestino}/info/{nome}.trashinfo", 0)
+        (self.casa / cestino / f"info/{nome}.trashinfo").write_text(
+            f"[Trash Info]\nPath={orig}\nDeletionDate=2024-01-01T00:00:00\n")
+        return str(self.casa / cestino / "files" / nome)
+
+    def test_forged_books_move_nothing_and_make_nothing(self):
+        """Records and intents that name folders which are no Trash, or no place to go to."""
+        orig = str(self.casa / "rimesso/dato")
+        uid = os.getuid()
+        altrove = self.casa / "altrove"
+        altrove.mkdir()
+        (self.casa / "via").symlink_to(altrove)
+        casi = [(self.voce("x", "a", orig), orig),
+                (self.voce(f"sotto/.Trash-{uid}", "b", orig), orig),
+                (self.voce(f"sotto/.Trash/{uid}", "c", orig), orig),
+                (str(self.casa / "nuova/Trash/files/d"), orig),
+                (f"{self.cestino}/files/..", orig),
+                (self.voce(".local/share/Trash", "e", orig), str(self.casa / "altra/dato")),
+                (self.voce(".local/share/Trash", "f", self.supporto / "nuovo"),
+                 str(self.supporto / "nuovo")),
+                (self.voce(".local/share/Trash", "g", self.casa / "via/g/h"),
+                 str(self.casa / "via/g/h"))]
+        self.supporto.mkdir(parents=True)
+        self.registro.write_text(json.dumps({"id": "A", "ts": 1, "azione": "x", "tot": 1, "items": [
+            {"orig": da, "trash": trash, "rip": False} for trash, da in casi]}) + "\n")
+        prima = self.albero()
+        esito = self.api("/api/restore", {"op": "A"})
+        self.assertEqual((esito["items"], len(esito["errors"])), (0, len(casi)))
+        self.assertEqual(self.albero(), prima)
+        (self.casa / "x/files/a").unlink()  # its record is now what a killed move leaves
+        prima = self.albero()
+        for ripristino in ("", "A"):
+            self.intento.write_text(json.dumps({
+                "id": "B", "ts": 1, "azione": "x", "tot": 1, "ripristino": ripristino, "passi": [
+                    {"orig": da, "trash": trash, "dev": "1", "ino": "2", "destinazione": da,
+                     "indice": 0, "insieme": 1} for trash, da in casi]}))
+            self.operazioni()
+            self.assertFalse(self.intento.exists())
+            self.assertEqual(self.albero(), prima)
+
+    def albero(self):
+        return sorted(str(p) for p in self.casa.rglob("*") if self.supporto not in p.parents)
+
+    def test_the_other_system_s_trash_has_no_records(self):
+        self.file(".Trash/dato")
+        self.supporto.mkdir(parents=True)
+        self.registro.write_text(json.dumps({"id": "A", "ts": 1, "azione": "x", "tot": 1, "items": [
+            {"orig": "~/cose/dato", "trash": str(self.casa / ".Trash/dato"), "rip": False}]}) + "\n")
+        self.assertEqual(self.ripristina()["items"], 0)
+        self.ambiente["PELLAK_TOOLS"] = "macos"
+        self.assertEqual(self.ripristina(), {"ok": True, "items": 1, "errors": []})
+        self.assertEqual((os.listdir(self.casa / ".Trash"), os.listdir(self.casa / "cose")),
+                         ([], ["dato"]))
 
     def test_many_operations_newest_first(self):
         quante = 20_000 if LENTO else 100_000

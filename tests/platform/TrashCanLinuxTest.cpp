@@ -5,7 +5,9 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <set>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -132,13 +134,32 @@ TEST_F(TrashCanLinuxTest, WhatWasPutAtThePathAfterThePlanStays) {
   EXPECT_EQ(can_.begin()->plan(home_ / "a/tenuto").error().kind, ErrorKind::invalid);
 }
 
+TEST_F(TrashCanLinuxTest, AVolumeMountedBelowAfterThePlanKeepsTheFolder) {
+  file("d/dentro/a");
+  const TrashPlan piano = plan(home_ / "d");
+  if (::unshare(CLONE_NEWNS) != 0 ||
+      ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
+    GTEST_SKIP() << "mounts a volume, so it needs root";
+  }
+  const std::string dentro = home_ / "d/dentro";
+  ASSERT_EQ(::mount("tmpfs", dentro.c_str(), "tmpfs", 0, nullptr), 0);
+  EXPECT_EQ(batch_->move(piano).error().kind, ErrorKind::mounted);
+  EXPECT_EQ(can_.begin()->plan(home_ / "d").error().kind, ErrorKind::mounted);
+  EXPECT_EQ(can_.begin()->plan(dentro).error().kind, ErrorKind::busy);
+  ASSERT_EQ(::umount(dentro.c_str()), 0);
+  EXPECT_TRUE(batch_->move(piano).ok());
+  EXPECT_EQ(leggiFile(trash_ + "/files/d/dentro/a"), "x");
+}
+
 TEST_F(TrashCanLinuxTest, PuttingBackNeverReplacesAndTakesOnlyItsOwnRecordAway) {
   const TrashPlan uno = plan(file("uno", "1"));
   const TrashPlan due = plan(file("due", "2"));
   ASSERT_TRUE(batch_->move(uno).ok() && batch_->move(due).ok());
   file("uno", "nuovo");
   EXPECT_EQ(batch_->putBack(uno.nelCestino, home_ / "uno").error().kind, ErrorKind::exists);
-  EXPECT_EQ(batch_->putBack(uno.nelCestino, home_ / "manca/uno").error().kind, ErrorKind::missing);
+  fs::create_directory_symlink(home_.percorso(), home_ / "via");
+  EXPECT_FALSE(batch_->putBack(uno.nelCestino, home_ / "via/manca/uno").ok());
+  EXPECT_FALSE(fs::exists(home_ / "manca"));
   ASSERT_TRUE(batch_->putBack(due.nelCestino, home_ / "due").ok());
   // Somebody else gives the name, free again, to an item before the batch ends.
   scriviFile(due.nelCestino, "di un altro");

@@ -17,6 +17,8 @@ const char* frase(ErrorKind tipo) {
       return "il nome è già occupato";
     case ErrorKind::readOnly:
       return "volume in sola lettura";
+    case ErrorKind::mounted:
+      return "contiene un altro disco";
     case ErrorKind::cancelled:
       return "operazione annullata";
     case ErrorKind::invalid:

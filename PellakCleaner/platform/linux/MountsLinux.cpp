@@ -78,6 +78,8 @@ Result<std::vector<Mount>> MountsLinux::list() {
       mounts.push_back(std::move(*mount));
     }
   }
+  // A list cut short would show places as free that are not.
+  if (input.bad()) return posix::errnoError(EIO);
   return mounts;
 }
 

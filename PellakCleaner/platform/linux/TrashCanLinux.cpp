@@ -1,7 +1,6 @@
 #include "platform/linux/TrashCanLinux.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <fcntl.h>
 #include <memory>
 #include <optional>
@@ -13,6 +12,9 @@
 #include <utility>
 #include <vector>
 
+#include "platform/linux/ItemFolder.h"
+#include "platform/linux/ItemMove.h"
+#include "platform/linux/MountTable.h"
 #include "platform/linux/RecordsAhead.h"
 #include "platform/linux/TrashFolder.h"
 #include "platform/linux/TrashRecord.h"
@@ -30,18 +32,6 @@ constexpr std::size_t kNameMax = 255;
 constexpr std::size_t kWorthAThread = 100;
 constexpr std::string_view kVolumeTrash = "/.Trash";
 constexpr std::string_view kFiles = "/files";
-
-/// A folder, part of the path it was taken from, and a name in it.
-struct Split {
-  std::string_view cartella;
-  std::string nome;
-};
-
-Split split(std::string_view percorso) {
-  const std::size_t barra = percorso.rfind('/');
-  if (barra == std::string_view::npos) return {};
-  return {percorso.substr(0, barra == 0 ? 1 : barra), std::string(percorso.substr(barra + 1))};
-}
 
 /// Whether a folder `nome` ("/name") is on the path or its end.
 bool passesThrough(std::string_view percorso, std::string_view nome) {
@@ -62,36 +52,16 @@ bool isInside(std::string_view percorso, std::string_view cartella) {
          (percorso.size() == cartella.size() || percorso[cartella.size()] == '/');
 }
 
-bool existsAt(int cartella, const std::string& nome) {
-  struct stat info {};
-  return ::fstatat(cartella, nome.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0;
-}
-
-bool isItem(int cartella, const std::string& nome, const TrashPlan& piano) {
-  struct stat info {};
-  return ::fstatat(cartella, nome.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0 &&
-         info.st_dev == piano.dev && info.st_ino == piano.ino;
-}
-
-/// Renames without ever replacing. A volume that can't promise that itself is asked first; in the
-/// Trash the record holds the name meanwhile.
-Result<void> renameExclusively(int da, const std::string& nome, int a, const std::string& nuovo) {
-  if (::renameat2(da, nome.c_str(), a, nuovo.c_str(), RENAME_NOREPLACE) == 0) return {};
-  if (errno == EINVAL || errno == ENOSYS || errno == ENOTSUP) {
-    if (existsAt(a, nuovo)) return errnoError(EEXIST);
-    if (::renameat(da, nome.c_str(), a, nuovo.c_str()) == 0) return {};
-  }
-  if (errno == EXDEV) {
-    return Error{ErrorKind::failed, EXDEV,
-                 "il Cestino e' su un altro volume e una copia non sarebbe sicura: elemento non "
-                 "spostato"};
-  }
-  return errnoError(errno);
+Error fromBelow() {
+  return {ErrorKind::failed, EXDEV,
+          "la cartella fa parte del sistema di base, che non si può modificare: elemento non "
+          "spostato"};
 }
 
 class BatchLinux final : public TrashBatch {
  public:
-  explicit BatchLinux(posix::Riserva* riserva) : riserva_(riserva) {}
+  BatchLinux(posix::Riserva* riserva, std::string senzaSchede)
+      : senzaSchede_(std::move(senzaSchede)), riserva_(riserva) {}
 
   void ofOperation(std::string_view id) override { operazione_ = id; }
   Result<TrashPlan> plan(std::string_view percorso) override;
@@ -99,6 +69,7 @@ class BatchLinux final : public TrashBatch {
   Result<std::string> move(const TrashPlan& piano) override;
   std::string locate(const TrashPlan& piano) override;
   Result<void> putBack(std::string_view nelCestino, std::string_view destinazione) override;
+  Result<void> undoPutBack(std::string_view nelCestino, std::string_view destinazione) override;
   void abandon(const TrashPlan& piano) override;
   Result<void> sync() override;
 
@@ -112,7 +83,6 @@ class BatchLinux final : public TrashBatch {
     std::vector<FolderSize> arrivate;
   };
 
-  Result<int> folder(std::string_view cartella);
   Result<Aperto*> trashFor(std::string_view cartella, Volume volume);
   Result<Aperto*> homeTrash();
   Result<Aperto*> trashAt(const std::string& nelCestino);
@@ -121,29 +91,16 @@ class BatchLinux final : public TrashBatch {
   static Result<void> undo(const Aperto& aperto, const std::string& nelCestino, int cartella,
                            const std::string& nome);
 
+  const std::string senzaSchede_;
   const std::string home_ = xdgFolders().home;
   const std::string data_ = recordDate();
   posix::Riserva* const riserva_;
   std::string operazione_;
-  std::string cartellaNome_;
-  Descriptor cartella_;
-  Volume cartellaVolume_;
+  ItemFolder cartella_{home_};
+  MountTable montati_;
   std::vector<std::unique_ptr<Aperto>> aperti_;
   std::optional<RecordsAhead> pronte_;  ///< after the folders it writes in
 };
-
-/// The folder of the item before is usually the one of the next.
-Result<int> BatchLinux::folder(std::string_view cartella) {
-  if (cartella_ && cartellaNome_ == cartella) return cartella_.get();
-  auto aperta = openWithoutLinks(cartella, home_);
-  if (!aperta) return aperta.error();
-  const auto qui = itemAt(aperta->get());
-  if (!qui) return qui.error();
-  cartella_ = std::move(*aperta);
-  cartellaNome_ = cartella;
-  cartellaVolume_ = qui->volume;
-  return cartella_.get();
-}
 
 BatchLinux::Aperto* BatchLinux::keep(TrashFolder cestino) {
   aperti_.push_back(std::make_unique<Aperto>());
@@ -162,7 +119,7 @@ Result<BatchLinux::Aperto*> BatchLinux::homeTrash() {
 
 Result<BatchLinux::Aperto*> BatchLinux::trashFor(std::string_view cartella, Volume volume) {
   for (const auto& aperto : aperti_) {
-    if (aperto->cestino.volume == volume) return aperto.get();
+    if (aperto->cestino.info && aperto->cestino.volume == volume) return aperto.get();
   }
   if (const auto casa = homeTrashVolume(); casa && *casa == volume) return homeTrash();
   auto cestino = openVolumeTrash(topOfVolume(cartella, volume));
@@ -174,12 +131,15 @@ Result<BatchLinux::Aperto*> BatchLinux::trashAt(const std::string& nelCestino) {
   const std::string_view files = std::string_view(nelCestino).substr(0, nelCestino.rfind('/'));
   for (const auto& aperto : aperti_) {
     const std::string& suo = aperto->cestino.percorso;
+    if (!aperto->cestino.info && files == suo) return aperto.get();
     if (files.size() == suo.size() + kFiles.size() && files.starts_with(suo) &&
         files.ends_with(kFiles)) {
       return aperto.get();
     }
   }
-  auto cestino = openTrashHolding(nelCestino);
+  auto cestino = !senzaSchede_.empty() && files == senzaSchede_
+                     ? openPlainTrash(senzaSchede_)
+                     : openTrashHolding(nelCestino, home_);
   if (!cestino) return cestino.error();
   return keep(std::move(*cestino));
 }
@@ -207,13 +167,17 @@ std::string BatchLinux::freeName(Aperto& aperto, const std::string& nome) {
 
 Result<TrashPlan> BatchLinux::plan(std::string_view percorso) {
   const Split parti = split(percorso);
-  if (parti.nome.empty() || parti.nome == "." || parti.nome == "..") return errnoError(EINVAL);
-  const auto cartella = folder(parti.cartella);
+  if (parti.nome.empty()) return errnoError(EINVAL);
+  const auto cartella = cartella_.open(parti.cartella);
   if (!cartella) return cartella.error();
   const auto voce = itemAt(*cartella, parti.nome.c_str());
   if (!voce) return voce.error();
-  if (!(voce->volume == cartellaVolume_)) return errnoError(EBUSY);
-  const auto aperto = trashFor(parti.cartella, voce->volume);
+  if (!sameMount(voce->volume, cartella_.volume())) return errnoError(EBUSY);
+  if (voce->directory) {
+    const auto solo = montati_.nothingBelow(cartella_.realPath(parti.nome));
+    if (!solo) return solo.error();
+  }
+  const auto aperto = trashFor(parti.cartella, cartella_.volume());
   if (!aperto) return aperto.error();
   TrashPlan piano;
   piano.percorso = percorso;
@@ -238,17 +202,18 @@ void BatchLinux::announce(std::span<const TrashPlan* const> piani) {
 
 Result<std::string> BatchLinux::move(const TrashPlan& piano) {
   const Split da = split(piano.percorso);
-  const auto cartella = folder(da.cartella);
+  const auto cartella = cartella_.open(da.cartella);
   if (!cartella) return cartella.error();
   const auto aperto = trashAt(piano.nelCestino);
   if (!aperto) return aperto.error();
   const TrashFolder& cestino = (*aperto)->cestino;
   const std::string nome = split(piano.nelCestino).nome;
-  struct stat info {};
-  if (::fstatat(*cartella, da.nome.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
-    return errnoError(errno);
+  const auto look = lookAgain(*cartella, da.nome, piano, cestino.overlay);
+  if (!look) return look.error();
+  if (look->directory) {
+    const auto solo = montati_.nothingBelow(cartella_.realPath(da.nome));
+    if (!solo) return solo.error();
   }
-  if (info.st_dev != piano.dev || info.st_ino != piano.ino) return errnoError(EINVAL);
   auto pronta = pronte_ ? pronte_->take(cestino, nome) : std::nullopt;
   if (!pronta) pronta = writeRecord(cestino, nome, piano.percorso, data_, operazione_);
   if (!*pronta) return pronta->error();
@@ -260,12 +225,14 @@ Result<std::string> BatchLinux::move(const TrashPlan& piano) {
                          : cestino.riserva->conRiserva(cestino.percorso, rinomina);
   if (!mosso) {
     removeRecord(cestino, nome);
-    return mosso.error();
+    const bool sotto = look->directory && cestino.overlay && mosso.error().code == EXDEV;
+    return sotto ? fromBelow() : mosso.error();
   }
-  if (!isItem(cestino.files.get(), nome, piano) && undo(**aperto, nome, *cartella, da.nome)) {
+  if (!arrived(cestino.files.get(), nome, piano, *look) &&
+      undo(**aperto, nome, *cartella, da.nome)) {
     return errnoError(EINVAL);
   }
-  if (S_ISDIR(info.st_mode)) (*aperto)->arrivate.push_back({nome, piano.size});
+  if (look->directory) (*aperto)->arrivate.push_back({nome, piano.size});
   return piano.nelCestino;
 }
 
@@ -278,40 +245,54 @@ Result<void> BatchLinux::undo(const Aperto& aperto, const std::string& nelCestin
 }
 
 std::string BatchLinux::locate(const TrashPlan& piano) {
-  const auto aperto = trashAt(piano.nelCestino);
-  if (!aperto) return {};
-  const TrashFolder& cestino = (*aperto)->cestino;
   const std::string nome = split(piano.nelCestino).nome;
+  const auto aperto = trashAt(piano.nelCestino);
+  if (nome.empty() || !aperto) return {};
+  const TrashFolder& cestino = (*aperto)->cestino;
   if (!existsAt(cestino.files.get(), nome)) return {};
+  const bool suNumero = piano.ino != 0 && isItem(cestino.files.get(), nome, piano);
+  if (!cestino.info) return piano.ino == 0 || suNumero ? piano.nelCestino : std::string();
   if (!operazione_.empty()) {
     const std::string mossoDa = recordedOperation(cestino, nome);
     if (!mossoDa.empty() && mossoDa != operazione_) return {};
   }
   const auto da = recordedPath(cestino, nome);
-  const bool suo = da ? *da == piano.percorso : piano.ino == 0;
-  return suo || isItem(cestino.files.get(), nome, piano) ? piano.nelCestino : std::string();
+  const bool scheda = da && !da->empty();
+  return (scheda ? *da == piano.percorso : suNumero) ? piano.nelCestino : std::string();
 }
 
 Result<void> BatchLinux::putBack(std::string_view nelCestino, std::string_view destinazione) {
+  std::string nome = split(nelCestino).nome;
+  const Split a = split(destinazione);
+  if (nome.empty() || a.nome.empty()) return errnoError(EINVAL);
   const auto aperto = trashAt(std::string(nelCestino));
   if (!aperto) return aperto.error();
-  const Split a = split(destinazione);
-  const auto cartella = folder(a.cartella);
+  const auto cartella = cartella_.open(a.cartella, ItemFolder::Missing::make);
   if (!cartella) return cartella.error();
-  std::string nome = split(nelCestino).nome;
   const int files = (*aperto)->cestino.files.get();
   if (auto mosso = renameExclusively(files, nome, *cartella, a.nome); !mosso) return mosso;
   (*aperto)->tornate.push_back(std::move(nome));
   return {};
 }
 
+/// Its record is still there, and `sync` leaves that of an item that lies in the Trash.
+Result<void> BatchLinux::undoPutBack(std::string_view nelCestino, std::string_view destinazione) {
+  const Split da = split(destinazione);
+  const auto aperto = trashAt(std::string(nelCestino));
+  if (!aperto) return aperto.error();
+  const auto cartella = cartella_.open(da.cartella);
+  if (!cartella) return cartella.error();
+  return renameExclusively(*cartella, da.nome, (*aperto)->cestino.files.get(),
+                           split(nelCestino).nome);
+}
+
 /// Only a record of this very path, or one cut short, is taken away: the name may be somebody
 /// else's by now.
 void BatchLinux::abandon(const TrashPlan& piano) {
-  const auto aperto = trashAt(piano.nelCestino);
-  if (!aperto) return;
-  const TrashFolder& cestino = (*aperto)->cestino;
   const std::string nome = split(piano.nelCestino).nome;
+  const auto aperto = trashAt(piano.nelCestino);
+  if (nome.empty() || !aperto || !(*aperto)->cestino.info) return;
+  const TrashFolder& cestino = (*aperto)->cestino;
   if (existsAt(cestino.files.get(), nome)) return;
   const auto da = recordedPath(cestino, nome);
   if (da && (da->empty() || *da == piano.percorso)) removeRecord(cestino, nome);
@@ -322,11 +303,12 @@ Result<void> BatchLinux::sync() {
   Result<void> esito;
   for (const auto& aperto : aperti_) {
     const auto tornate = std::exchange(aperto->tornate, {});
-    if (!tornate.empty() || !aperto->arrivate.empty()) {
+    const bool schede = static_cast<bool>(aperto->cestino.info);
+    if (schede && (!tornate.empty() || !aperto->arrivate.empty())) {
       recordDirectorySizes(aperto->cestino, std::exchange(aperto->arrivate, {}));
     }
     if (::syncfs(aperto->cestino.files.get()) != 0) esito = errnoError(errno);
-    removeRecords(aperto->cestino, tornate);
+    if (schede) removeRecords(aperto->cestino, tornate);
   }
   return esito;
 }
@@ -334,7 +316,7 @@ Result<void> BatchLinux::sync() {
 }  // namespace
 
 std::unique_ptr<TrashBatch> TrashCanLinux::begin() {
-  return std::make_unique<BatchLinux>(riserva_);
+  return std::make_unique<BatchLinux>(riserva_, senzaSchede_);
 }
 
 bool TrashCanLinux::insideTrash(std::string_view percorso) const {

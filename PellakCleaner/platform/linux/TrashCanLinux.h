@@ -1,7 +1,9 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/TrashCan.h"
 #include "platform/posix/Riserva.h"
@@ -17,9 +19,11 @@ class TrashCanLinux final : public TrashCan {
 
   std::unique_ptr<TrashBatch> begin() override;
   bool insideTrash(std::string_view percorso) const override;
+  void alsoFrom(std::string cartella) override { senzaSchede_ = std::move(cartella); }
 
  private:
   posix::Riserva* const riserva_;
+  std::string senzaSchede_;
 };
 
 }  // namespace pellak::native

@@ -2,8 +2,10 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <sys/vfs.h>
 #include <utility>
 
 #include "platform/linux/XdgFolders.h"
@@ -20,6 +22,9 @@ using posix::errnoError;
 constexpr int kFolder = O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW;
 constexpr int kPassing = O_PATH | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW;
 constexpr mode_t kPrivate = 0700;
+constexpr mode_t kOrdinary = 0777;  // less what the user's mask takes
+
+enum class Missing { make, fail };
 
 Error linkOnTheWay() {
   return {ErrorKind::invalid, ELOOP, "il percorso passa per un collegamento simbolico"};
@@ -40,10 +45,10 @@ std::string_view parentOf(std::string_view percorso) {
                                                        : percorso.substr(0, barra);
 }
 
-/// Makes and opens a folder of ours: no link, owned by the user.
-Result<Descriptor> ownFolderAt(int sopra, const std::string& nome) {
-  const bool fatta = ::mkdirat(sopra, nome.c_str(), kPrivate) == 0;
-  if (!fatta && errno != EEXIST) return errnoError(errno);
+/// Opens a folder of ours: no link, owned by the user.
+Result<Descriptor> ownFolderAt(int sopra, const std::string& nome, Missing mancante) {
+  const bool fatta = mancante == Missing::make && ::mkdirat(sopra, nome.c_str(), kPrivate) == 0;
+  if (mancante == Missing::make && !fatta && errno != EEXIST) return errnoError(errno);
   Descriptor cartella(::openat(sopra, nome.c_str(), kFolder));
   if (!cartella) {
     if (isLinkAt(sopra, nome.c_str())) {
@@ -62,32 +67,50 @@ Result<Descriptor> ownFolderAt(int sopra, const std::string& nome) {
   return cartella;
 }
 
-Result<TrashFolder> fill(TrashFolder cestino) {
-  auto files = ownFolderAt(cestino.radice.get(), "files");
+/// As the user would have made it, whoever runs the program.
+bool makeOrdinary(int sopra, const std::string& nome) {
+  if (::mkdirat(sopra, nome.c_str(), kOrdinary) != 0) return false;
+  return user() == ::geteuid() ||
+         ::fchownat(sopra, nome.c_str(), user(), static_cast<gid_t>(-1), AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+bool isOverlay(int cartella) {
+  struct statfs info {};
+  return ::fstatfs(cartella, &info) == 0 && info.f_type == OVERLAYFS_SUPER_MAGIC;
+}
+
+Result<TrashFolder> fill(TrashFolder cestino, Missing mancante) {
+  auto files = ownFolderAt(cestino.radice.get(), "files", mancante);
   if (!files) return files.error();
-  auto info = ownFolderAt(cestino.radice.get(), "info");
+  auto info = ownFolderAt(cestino.radice.get(), "info", mancante);
   if (!info) return info.error();
   const auto qui = itemAt(files->get());
   if (!qui) return qui.error();
   cestino.files = std::move(*files);
   cestino.info = std::move(*info);
   cestino.volume = qui->volume;
+  cestino.overlay = isOverlay(cestino.files.get());
   return cestino;
 }
 
-/// The top folder of a volume's own Trash: above ".Trash/<uid>" or ".Trash-<uid>".
-std::string topOf(std::string_view cestino) {
-  const std::string_view sopra = parentOf(cestino);
-  return std::string(sopra.ends_with("/.Trash") ? parentOf(sopra) : sopra);
+/// Whether a folder is where a volume begins.
+Result<bool> isTop(int cartella) {
+  const auto qui = itemAt(cartella);
+  if (!qui) return qui.error();
+  const auto sopra = itemAt(cartella, "..");
+  if (!sopra) return sopra.error();
+  return !(qui->volume == sopra->volume) || qui->ino == sopra->ino;
 }
 
 Result<Item> statItem(int cartella, const char* nome, int flags) {
   struct statx record {};
-  if (::statx(cartella, nome, flags | AT_NO_AUTOMOUNT, STATX_INO | STATX_MNT_ID, &record) != 0) {
+  if (::statx(cartella, nome, flags | AT_NO_AUTOMOUNT, STATX_TYPE | STATX_INO | STATX_MNT_ID,
+              &record) != 0) {
     return errnoError(errno);
   }
   Item voce;
   voce.ino = record.stx_ino;
+  voce.directory = S_ISDIR(record.stx_mode);
   voce.volume.dev = makedev(record.stx_dev_major, record.stx_dev_minor);
   if ((record.stx_mask & STATX_MNT_ID) != 0) voce.volume.mount = record.stx_mnt_id;
   return voce;
@@ -101,7 +124,7 @@ Result<Volume> volumeAt(const std::string& percorso) {
 }
 
 /// ".Trash/<uid>", when an administrator has set it up as it must be.
-Result<Descriptor> sharedTrash(int cima, const std::string& utente) {
+Result<Descriptor> sharedTrash(int cima, const std::string& utente, Missing mancante) {
   struct stat info {};
   if (::fstatat(cima, ".Trash", &info, AT_SYMLINK_NOFOLLOW) != 0) return errnoError(errno);
   if (!S_ISDIR(info.st_mode) || (info.st_mode & S_ISVTX) == 0) {
@@ -109,7 +132,7 @@ Result<Descriptor> sharedTrash(int cima, const std::string& utente) {
   }
   const Descriptor comune(::openat(cima, ".Trash", kFolder));
   if (!comune) return errnoError(errno);
-  return ownFolderAt(comune.get(), utente);
+  return ownFolderAt(comune.get(), utente, mancante);
 }
 
 }  // namespace
@@ -118,7 +141,7 @@ Result<Item> itemAt(int file, const char* nome) {
   return statItem(file, nome, AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW);
 }
 
-Result<Descriptor> openWithoutLinks(std::string_view percorso, std::string_view fidata) {
+Result<Descriptor> openWithoutLinks(std::string_view percorso, std::string_view fidata, bool crea) {
   if (!percorso.starts_with('/')) return errnoError(EINVAL);
   std::string radice = "/";
   std::string_view resto = percorso;
@@ -136,6 +159,9 @@ Result<Descriptor> openWithoutLinks(std::string_view percorso, std::string_view 
     if (nome.empty()) continue;
     if (nome == "." || nome == "..") return errnoError(EINVAL);
     Descriptor sotto(::openat(qui.get(), nome.c_str(), kPassing));
+    if (!sotto && crea && errno == ENOENT && makeOrdinary(qui.get(), nome)) {
+      sotto = Descriptor(::openat(qui.get(), nome.c_str(), kPassing));
+    }
     if (!sotto) {
       const int perche = errno;
       return isLinkAt(qui.get(), nome.c_str()) ? linkOnTheWay() : errnoError(perche);
@@ -163,10 +189,10 @@ Result<TrashFolder> openHomeTrash() {
   if (auto fatte = posix::makeFolders(sopra, kPrivate); !fatte) return fatte.error();
   const Descriptor dati(::open(sopra.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!dati) return errnoError(errno);
-  auto radice = ownFolderAt(dati.get(), "Trash");
+  auto radice = ownFolderAt(dati.get(), "Trash", Missing::make);
   if (!radice) return radice.error();
   cestino.radice = std::move(*radice);
-  return fill(std::move(cestino));
+  return fill(std::move(cestino), Missing::make);
 }
 
 Result<TrashFolder> openVolumeTrash(const std::string& cima) {
@@ -176,16 +202,16 @@ Result<TrashFolder> openVolumeTrash(const std::string& cima) {
   TrashFolder cestino;
   cestino.cima = cima;
   const std::string base = cima == "/" ? std::string() : cima;
-  if (auto comune = sharedTrash(sopra.get(), utente)) {
+  if (auto comune = sharedTrash(sopra.get(), utente, Missing::make)) {
     cestino.percorso = base + "/.Trash/" + utente;
     cestino.radice = std::move(*comune);
-    return fill(std::move(cestino));
+    return fill(std::move(cestino), Missing::make);
   }
-  auto proprio = ownFolderAt(sopra.get(), ".Trash-" + utente);
+  auto proprio = ownFolderAt(sopra.get(), ".Trash-" + utente, Missing::make);
   if (!proprio) return proprio.error();
   cestino.percorso = base + "/.Trash-" + utente;
   cestino.radice = std::move(*proprio);
-  return fill(std::move(cestino));
+  return fill(std::move(cestino), Missing::make);
 }
 
 std::string topOfVolume(std::string_view cartella, Volume volume) {
@@ -200,15 +226,49 @@ std::string topOfVolume(std::string_view cartella, Volume volume) {
   return cima;
 }
 
-Result<TrashFolder> openTrashHolding(std::string_view nelCestino) {
+namespace {
+
+/// The root of a volume's own Trash, by its path; `cima` is set to the volume's top.
+Result<Descriptor> volumeTrashAt(std::string_view percorso, std::string_view fidata,
+                                 std::string& cima) {
+  const std::string utente = std::to_string(user());
+  const std::string comune = "/.Trash/" + utente;
+  const std::string proprio = "/.Trash-" + utente;
+  const bool condiviso = percorso.ends_with(comune);
+  if (!condiviso && !percorso.ends_with(proprio)) return errnoError(EINVAL);
+  percorso.remove_suffix(condiviso ? comune.size() : proprio.size());
+  cima = percorso.empty() ? "/" : percorso;
+  const auto sopra = openWithoutLinks(cima, fidata);
+  if (!sopra) return sopra.error();
+  const auto volume = isTop(sopra->get());
+  if (!volume) return volume.error();
+  if (!*volume) return errnoError(EINVAL);
+  return condiviso ? sharedTrash(sopra->get(), utente, Missing::fail)
+                   : ownFolderAt(sopra->get(), proprio.substr(1), Missing::fail);
+}
+
+}  // namespace
+
+Result<TrashFolder> openTrashHolding(std::string_view nelCestino, std::string_view fidata) {
   const std::string_view files = parentOf(nelCestino);
   if (!files.ends_with("/files")) return errnoError(EINVAL);
   TrashFolder cestino;
   cestino.percorso = parentOf(files);
-  if (cestino.percorso != homeTrashPath()) cestino.cima = topOf(cestino.percorso);
-  cestino.radice = Descriptor(::open(cestino.percorso.c_str(), kFolder));
-  if (!cestino.radice) return errnoError(errno);
-  return fill(std::move(cestino));
+  auto radice = cestino.percorso == homeTrashPath()
+                    ? ownFolderAt(AT_FDCWD, cestino.percorso, Missing::fail)
+                    : volumeTrashAt(cestino.percorso, fidata, cestino.cima);
+  if (!radice) return radice.error();
+  cestino.radice = std::move(*radice);
+  return fill(std::move(cestino), Missing::fail);
+}
+
+Result<TrashFolder> openPlainTrash(const std::string& cartella) {
+  TrashFolder cestino;
+  cestino.percorso = cartella;
+  auto radice = ownFolderAt(AT_FDCWD, cartella, Missing::fail);
+  if (!radice) return radice.error();
+  cestino.files = std::move(*radice);
+  return cestino;
 }
 
 }  // namespace pellak::native

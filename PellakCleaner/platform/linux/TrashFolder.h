@@ -20,21 +20,30 @@ struct Volume {
   bool operator==(const Volume&) const = default;
 };
 
+/// Whether a rename reaches from one to the other. What a volume shows from others below it, as
+/// overlays do, has device numbers of its own: they count only where mounts have none.
+inline bool sameMount(const Volume& a, const Volume& b) {
+  return a.mount != 0 && b.mount != 0 ? a.mount == b.mount : a.dev == b.dev;
+}
+
 /// A file or folder on disk.
 struct Item {
   Volume volume;
   std::uint64_t ino = 0;
+  bool directory = false;
 };
 
 /// An open file, or an entry of an open folder (a link not followed).
 Result<Item> itemAt(int file, const char* nome = "");
 
 /// One Trash folder held open: "files", "info" and where they lie.
-/// The format is that of the freedesktop.org Trash, version 1.0.
+/// The format is that of the freedesktop.org Trash, version 1.0; a folder of another kind, without
+/// records, is its own "files" and has no "info".
 struct TrashFolder {
   std::string percorso;  ///< of the Trash folder itself
   std::string cima;      ///< top of the volume for relative records; empty for the home Trash
   Volume volume;
+  bool overlay = false;  ///< items may come from a layer below and get other numbers when they move
   posix::Descriptor radice;
   posix::Descriptor files;
   posix::Descriptor info;
@@ -42,8 +51,10 @@ struct TrashFolder {
 };
 
 /// Opens a folder with no symbolic link on the way below `fidata`, which may be a link itself (a
-/// home folder often is). Paths of any length. Errors: missing, denied, invalid (a link).
-Result<posix::Descriptor> openWithoutLinks(std::string_view percorso, std::string_view fidata);
+/// home folder often is). Paths of any length. Folders that are missing are an error, or made when
+/// `crea` says so. Errors: missing, denied, invalid (a link).
+Result<posix::Descriptor> openWithoutLinks(std::string_view percorso, std::string_view fidata,
+                                           bool crea = false);
 
 /// The folder of the home Trash; only a name.
 std::string homeTrashPath();
@@ -61,9 +72,14 @@ Result<TrashFolder> openVolumeTrash(const std::string& cima);
 /// The highest folder above `cartella` on the same volume.
 std::string topOfVolume(std::string_view cartella, Volume volume);
 
-/// The Trash folder that a path "<Trash>/files/<name>" lies in; nothing is made. Errors: invalid
-/// (no such path), missing, failed (a link, or somebody else's).
-Result<TrashFolder> openTrashHolding(std::string_view nelCestino);
+/// The Trash folder that a path "<Trash>/files/<name>" lies in, when it is one of this user's: the
+/// home Trash, or ".Trash/<uid>" or ".Trash-<uid>" at the top of a volume. Nothing is made.
+/// `fidata` as for openWithoutLinks. Errors: invalid (no such path), missing, failed (a link, or
+/// somebody else's).
+Result<TrashFolder> openTrashHolding(std::string_view nelCestino, std::string_view fidata);
+
+/// A folder "<folder>/<name>" lies in and that keeps no records.
+Result<TrashFolder> openPlainTrash(const std::string& cartella);
 
 /// A folder in the Trash and its bytes on disk.
 struct FolderSize {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "platform/TrashCan.h"
@@ -12,6 +13,8 @@ class TrashCanMac final : public TrashCan {
  public:
   std::unique_ptr<TrashBatch> begin() override;
   bool insideTrash(std::string_view percorso) const override;
+  /// The system's Trash keeps no records anyway.
+  void alsoFrom(std::string /*cartella*/) override {}
 };
 
 }  // namespace pellak::native

@@ -87,6 +87,13 @@ std::string home() {
   return named != nullptr && *named == '/' ? std::string(named) : posix::homeFolder();
 }
 
+std::string withoutLinks(const std::string& percorso) {
+  char* vero = ::realpath(percorso.c_str(), nullptr);
+  std::string testo = vero == nullptr ? percorso : std::string(vero);
+  std::free(vero);
+  return testo;
+}
+
 class BatchMac final : public TrashBatch {
  public:
   Result<TrashPlan> plan(std::string_view percorso) override {
@@ -147,7 +154,8 @@ class BatchMac final : public TrashBatch {
   std::string locate(const TrashPlan& piano) override {
     struct stat info {};
     if (!piano.nelCestino.empty()) {
-      const bool there = ::lstat(piano.nelCestino.c_str(), &info) == 0;
+      const bool there =
+          inOwnTrash(piano.nelCestino) && ::lstat(piano.nelCestino.c_str(), &info) == 0;
       return there && (piano.ino == 0 || isPlanned(info, piano)) ? piano.nelCestino : std::string();
     }
     @autoreleasepool {
@@ -193,6 +201,14 @@ class BatchMac final : public TrashBatch {
   }
 
  private:
+  /// Whether an item lies in a Trash of this user: what a record names is not trusted.
+  bool inOwnTrash(const std::string& percorso) const {
+    const std::string cartella = parentOf(percorso);
+    return cartella == home_ + "/.Trash" || cartella == realHome_ + "/.Trash" ||
+           (cartella.starts_with("/Volumes/") &&
+            cartella.ends_with("/.Trashes/" + std::to_string(::getuid())));
+  }
+
   /// The Trash of a planned item's volume, listed. Without the permission to, the system refuses.
   static Result<NSArray<NSURL*>*> itemsOfTrash(const TrashPlan& piano) {
     const auto cestino = trashOf(parentOf(piano.percorso), false);
@@ -232,6 +248,7 @@ class BatchMac final : public TrashBatch {
   }
 
   const std::string home_ = home();
+  const std::string realHome_ = withoutLinks(home_);
   std::set<std::uint64_t> withTrash_;  ///< volumes whose Trash is on them
   std::set<std::string> toSync_;       ///< folders that changed since the last `sync`
 };

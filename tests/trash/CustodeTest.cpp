@@ -1,0 +1,38 @@
+#include <gtest/gtest.h>
+#include <memory>
+
+#include "trash/Custode.h"
+
+namespace pellak::trash {
+namespace {
+
+class NoTrash : public TrashCan {
+ public:
+  std::unique_ptr<TrashBatch> begin() override { return nullptr; }
+  bool insideTrash(std::string_view percorso) const override {
+    return percorso.starts_with("/home/u/.Trash");
+  }
+  void alsoFrom(std::string /*cartella*/) override {}
+};
+
+TEST(CustodeTest, SaysWhereThingsMayComeBackTo) {
+  const Store store("/home/u");
+  const NoTrash can;
+  const Custode custode(store, can);
+  for (const char* si : {"/home/u/a", "/home/u/Library/x", "/Applications/A.app", "/media/disco/a",
+                         "/Library/LaunchAgents/a.plist", "/Library/LaunchDaemons/a.plist",
+                         "/usrlocal", "/var/tmp/a"}) {
+    EXPECT_TRUE(custode.destinazione(si)) << si;
+  }
+  for (const char* no :
+       {"", "a", "/home/u/../x", "/bin/a", "/boot/a", "/dev/a", "/etc/cron.d/a", "/lib/a",
+        "/lib64/a", "/proc/a", "/sys/a", "/usr", "/usr/local/bin/a", "/System/a",
+        "/Library/Fonts/a", "/Library/LaunchAgentsX/a", "/home/u/.Trash/a"}) {
+    EXPECT_FALSE(custode.destinazione(no)) << no;
+  }
+  EXPECT_FALSE(custode.destinazione(store.registro()));
+  EXPECT_FALSE(custode.destinazione(store.cartella()));
+}
+
+}  // namespace
+}  // namespace pellak::trash
