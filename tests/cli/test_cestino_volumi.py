@@ -112,7 +112,12 @@ class AltroVolume(ConVolumi):
             self.assertEqual((risposta["ok"], [v["err"] for v in risposta["failed"]]),
                              (2, ["contiene un altro disco: smontalo e riprova"]))
             self.assertEqual((volume / "dato").read_text(), "altrui")
+            self.scandisci()
+            stato = self.api("/api/state")["sections"][0]["findings"][0]
+            self.assertEqual((stato["items"], [v["percorso"] for v in stato["perche_no"]]),
+                             ([], [str(self.cose / "madre")]))
             subprocess.run(["umount", volume], check=True)
+            self.scandisci()
             self.assertEqual(self.cestina()["ok"], 1)
             self.ripristina(0)
             self.ripristina(1)

@@ -133,6 +133,10 @@ TEST_F(ScannerRegoleTest, RemoteVolumesAreNeitherReadNorListedButNamed) {
   EXPECT_EQ(finding.items[0].size, 4096);
   ASSERT_EQ(finding.trattenuti.size(), 2U);
   EXPECT_EQ(finding.trattenuti[1].percorso, "/casa/anna/c/x/sotto/gvfs");
+  regola.mode = "delete";
+  const Finding offerto = scan(regola);
+  EXPECT_THAT(offerto.items, IsEmpty()) << "a folder that holds a volume can't be moved";
+  EXPECT_EQ(offerto.trattenuti.at(0).percorso, "/casa/anna/c/x");
 }
 
 TEST_F(ScannerRegoleTest, PatternsMatchTheLowerCasedName) {

@@ -139,8 +139,10 @@ struct Tenuti {
   std::vector<Stato> stati;
 };
 
+/// What is not offered because it could not be moved is marked in `finding`.
 Tenuti filtra(const walker::Ambiente& ambiente, const ScanContext& ctx,
-              const RegolaCategoria& regola, const std::vector<std::string>& candidati) {
+              const RegolaCategoria& regola, const std::vector<std::string>& candidati,
+              Finding& finding) {
   const bool conEta = regola.minAgeDays > 0;
   const double limite = ctx.clock.now() - regola.minAgeDays * kSecondsPerDay;
   std::unordered_set<std::string_view> visti;
@@ -153,6 +155,10 @@ Tenuti filtra(const walker::Ambiente& ambiente, const ScanContext& ctx,
     if (!stato) continue;
     const auto mtime = static_cast<double>(stato->st_mtime);
     if (conEta && mtime > limite) continue;
+    if (regola.mode == "delete" && mountBelow(ctx.volumi, candidato) != nullptr) {
+      finding.trattieni(candidato, "contiene un altro disco: smontalo per poterlo spostare");
+      continue;
+    }
     tenuti.percorsi.push_back(candidato);
     const std::int64_t lunghezza = S_ISDIR(stato->st_mode) ? 0 : stato->st_size;
     tenuti.stati.push_back({mtime, lunghezza, identitaDi(walker::identifying(*stato))});
@@ -187,7 +193,7 @@ Finding scanRegola(const ScanContext& ctx, const RegolaCategoria& regola) {
   const Raccolta raccolta = raccogli(ambiente, ctx.home, regola);
   walker::Confini confini(volumiLontani(ctx, raccolta.trovati()));
   ambiente.confini = &confini;
-  finding.items = misura(ambiente, ctx, filtra(ambiente, ctx, regola, raccolta.trovati()));
+  finding.items = misura(ambiente, ctx, filtra(ambiente, ctx, regola, raccolta.trovati(), finding));
   segnaVolumi(confini, finding);
   return finding;
 }

@@ -14,7 +14,7 @@ namespace pellak::scanners {
 /// links above such a place, and the folder of a pattern, are followed, and the entries have their
 /// real paths. What takes no room is left out. A place that does not begin with "/" once "~" is
 /// expanded is ignored. Remote volumes that are candidates, or lie in one, are not read; the
-/// finding names them.
+/// finding names them, and the folders it does not offer because another volume is mounted below.
 ///
 /// Refusals, those met while measuring too, go to the section's counter; whatever else can't be
 /// read is left out silently. Throws `ScanCancelled`.
