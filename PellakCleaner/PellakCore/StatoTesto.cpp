@@ -45,6 +45,7 @@ void scriviGruppo(JsonWriter& uscita, const Finding& finding, const Group& grupp
     uscita.key("waste").integer(recuperabili(gruppo));
     scriviDimensione(uscita, "waste_h", recuperabili(gruppo));
   }
+  if (finding.insieme()) uscita.key("insieme").boolean(true);
   uscita.endObject();
 }
 
