@@ -20,8 +20,11 @@ export interface Vista {
   Contenuto: ComponentType;
   /** The colour of a section in the sidebar and in the bar of the overview. */
   colore?: string;
-  /** Short text at the right end of the entry; read while drawing, so it follows the signals. */
+  /** A count or a live value at the right end of the entry; read while drawing, so it follows the
+   * signals. */
   conteggio?: () => string;
+  /** What the menu's "Scansiona questa vista" does; absent, nothing. */
+  scansiona?: () => void;
   inCorso?: () => boolean;
   inCoda?: () => boolean;
 }

@@ -38,6 +38,8 @@ interface Proprieta {
   stato?: ComponentChildren;
   azioni?: ComponentChildren;
   strumenti?: ComponentChildren;
+  /** Live figures and their age. */
+  cifre?: ComponentChildren;
   piede?: ComponentChildren;
   /** The content fills the height and scrolls by itself. */
   piena?: boolean;
@@ -45,7 +47,8 @@ interface Proprieta {
 }
 
 /** What every view is made of: a head that stays, a content that scrolls, notices and a foot. */
-export function Vista({ titolo, stato, azioni, strumenti, piede, piena, children }: Proprieta) {
+export function Vista(props: Proprieta) {
+  const { titolo, stato, azioni, strumenti, cifre, piede, piena, children } = props;
   return (
     <main class="vista" aria-label={titolo}>
       <header class="testata">
@@ -58,6 +61,7 @@ export function Vista({ titolo, stato, azioni, strumenti, piede, piena, children
           )}
         </div>
         {azioni && <div class="testata-azioni">{azioni}</div>}
+        {cifre && <div class="testata-cifre">{cifre}</div>}
         {strumenti && <div class="testata-strumenti">{strumenti}</div>}
       </header>
       <AreaScorrevole classe={piena ? "corpo corpo-pieno" : "corpo"}>{children}</AreaScorrevole>

@@ -41,6 +41,7 @@ export const panoramica: DatiVista = {
   gruppo: "inizio",
   Icona: LayoutDashboard,
   Contenuto: Panoramica,
+  scansiona: () => void scansiona("all"),
 };
 
 function Panoramica() {

@@ -24,6 +24,7 @@ import type { Ordine, Vaglio } from "./ordine";
 import { type Scelte, cestinaScelti, conScelte, riepilogo } from "./selezione";
 
 export async function scansiona(section: string): Promise<void> {
+  if (occupato.value || alLavoro.value) return;
   await chiedi(api("/api/scan", { section }), "Scansione");
   await poll();
 }

@@ -12,7 +12,7 @@ import {
 import { cercaSezione } from "../store";
 import type { Vista } from "../vista";
 import { numero } from "../testo";
-import { Sezione } from "./Sezione";
+import { Sezione, scansiona } from "./Sezione";
 
 function sezione(id: string, nome: string, Icona: LucideIcon): Vista {
   return {
@@ -23,6 +23,7 @@ function sezione(id: string, nome: string, Icona: LucideIcon): Vista {
     colore: `var(--sezione-${id})`,
     Contenuto: () => <Sezione id={id} />,
     conteggio: () => conteggio(id),
+    scansiona: () => void scansiona(id),
     inCorso: () => cercaSezione(id)?.scanning ?? false,
     inCoda: () => cercaSezione(id)?.queued ?? false,
   };

@@ -30,6 +30,7 @@ export const mappa: DatiVista = {
   gruppo: "disco",
   Icona: ChartPie,
   Contenuto: Mappa,
+  scansiona: () => void misuraDiNuovo(),
 };
 
 function indietroConBackspace(evento: KeyboardEvent): void {

@@ -12,7 +12,7 @@ const QUI = path.dirname(fileURLToPath(import.meta.url));
 export const PAGINA = fs.readFileSync(path.join(QUI, "../../dist/ui.html"), "utf8");
 const PROGRAMMA =
   process.env.PELLAK_PROGRAMMA ?? path.join(QUI, "../../../../build/release/pellak-cleaner");
-const CHROMIUM = process.env.PELLAK_CHROMIUM ?? "/usr/bin/chromium";
+export const CHROMIUM = process.env.PELLAK_CHROMIUM ?? "/usr/bin/chromium";
 
 interface Messaggio {
   id: number;
