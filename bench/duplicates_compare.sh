@@ -55,3 +55,10 @@ for name in ${peers[@]+"${peers[@]}"}; do
 done
 
 compare_all 'duplicates' ours ${peers[@]+"${peers[@]}"}
+
+# The search again, nothing having changed: from what the last one remembered, and from nothing.
+run_again() { "$tool" -m "$work/memory" 1 "$corpus"; }
+sleep 3  # what is younger than two seconds is not remembered
+run_again >/dev/null
+run_again | python3 "$bench/duplicate_sets.py" | cmp - "$work/sets.ours"
+compare_all 'duplicates, second search' again ours ${peers[@]+"${peers[@]}"}

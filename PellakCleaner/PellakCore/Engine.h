@@ -26,6 +26,7 @@
 #include "PellakCore/base/BackgroundPool.h"
 #include "PellakCore/base/Mutex.h"
 #include "PellakCore/base/SerialQueue.h"
+#include "PellakCore/base/ThreadSetting.h"
 #include "platform/Applications.h"
 #include "platform/Clock.h"
 #include "platform/DirectoryLister.h"
@@ -53,6 +54,8 @@ struct AmbienteEngine {
   /// The rules inside the executable, for when there is no rules file; may give nothing.
   std::function<std::optional<std::string>()> regoleIncorporate = nullptr;
   Mounts* montaggi = nullptr;  ///< none: nothing is known of other volumes
+  /// What the threads of the periodic check's scan do to themselves, so that it disturbs nobody.
+  ThreadSetting sfondo = nullptr;
 };
 
 /// One page of a finding's entries.
@@ -165,7 +168,8 @@ class Engine {
   using Scansione = std::function<std::vector<Finding>()>;
 
   void eseguiCoda();
-  bool prossimaSezione(std::string& id);
+  bool prossimaSezione(std::string& id, bool& automatica);
+  void scandisciInDisparte(const std::string& id);
   void scandisci(const std::string& id);
   Regole regoleDellaScansione();
   std::vector<Mount> volumi() const;

@@ -4,6 +4,8 @@
 #include <iterator>
 #include <set>
 #include <string_view>
+#include <system_error>
+#include <thread>
 #include <utility>
 
 #include "PellakCore/Catalogo.h"
@@ -22,12 +24,32 @@ bool eSpeciale(const Meta& meta, std::string_view categoria) {
 
 void Engine::eseguiCoda() {
   std::string id;
-  while (prossimaSezione(id)) scandisci(id);
+  bool automatica = false;
+  while (prossimaSezione(id, automatica)) {
+    if (automatica && ambiente_.sfondo != nullptr) {
+      scandisciInDisparte(id);
+    } else {
+      scandisci(id);
+    }
+  }
 }
 
-bool Engine::prossimaSezione(std::string& id) {
+/// A thread of its own, because a lowered one may not be able to rise again.
+void Engine::scandisciInDisparte(const std::string& id) {
+  try {
+    std::thread([&] {
+      applyToThread(ambiente_.sfondo);
+      scandisci(id);
+    }).join();
+  } catch (const std::system_error&) {
+    scandisci(id);
+  }
+}
+
+bool Engine::prossimaSezione(std::string& id, bool& automatica) {
   const MutexLock hold(lock_);
   if (queue_.empty()) return false;
+  automatica = autoPending_;
   id = std::move(queue_.front());
   queue_.pop_front();
   Sec& sezione = state_.find(id)->second;

@@ -29,6 +29,8 @@ class Store {
   std::string bloccoCestino() const { return file(".cestino"); }
   /// Folder of what is set aside against a full disk.
   std::string riserva() const { return file("riserva"); }
+  /// What duplicate searches remember of files.
+  std::string impronte() const { return file("impronte"); }
   std::string loginItem() const;
 
  private:

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "PellakCore/CartelleUtente.h"
+#include "platform/ThreadPriority.h"
 #include "scanners/Tabella.h"
 #include "shell/Incorporati.h"
 
@@ -122,8 +123,9 @@ Applicazione::Applicazione(std::unique_ptr<Native> native, Ambiente ambiente,
       impostazioni_(platform_.files, Store(ambiente_.home), native_->loginEntry(ambiente_.home)),
       engine_({platform_.files, platform_.clock, platform_.lister, platform_.applicazioni,
                impostazioni_, Store(ambiente_.home), ambiente_.rulesPath, ambiente_.spostamenti,
-               scanners::tabellaScanner(), std::move(avviso), std::move(controlloFinito),
-               regoleIncorporate(ambiente_), &platform_.mounts}),
+               scanners::tabellaScanner(platform_.files, Store(ambiente_.home)), std::move(avviso),
+               std::move(controlloFinito), regoleIncorporate(ambiente_), &platform_.mounts,
+               lowerThisThread}),
       cestino_({platform_.files, *reader_, platform_.lister, platform_.clock, platform_.trash,
                 Store(ambiente_.home), [this] { platform_.suono.movedToTrash(); }}),
       operazioni_(engine_, cestino_, platform_.applicazioni, *reader_),

@@ -34,6 +34,13 @@ class OpenFile {
   /// Reads from `offset` until `into` is full or the file ends, and says how much that was.
   /// Errors: denied, failed.
   virtual Result<std::size_t> readAt(std::int64_t offset, std::span<std::byte> into) const = 0;
+
+  /// Whether it has a length and no data at all. False where the system does not tell.
+  virtual bool allHole() const { return false; }
+
+  /// Whether file numbers and times of status changes on its volume are true and lasting, so that
+  /// equal marks days apart mean an unchanged file. False for foreign, shared and made-up volumes.
+  virtual bool keepsChangeTimes() const { return false; }
 };
 
 /// How a file is going to be read, a hint for the system.

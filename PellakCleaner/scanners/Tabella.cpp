@@ -9,14 +9,15 @@
 
 namespace pellak::scanners {
 
-TabellaScanner tabellaScanner() {
+TabellaScanner tabellaScanner(Files& files, const Store& store) {
   TabellaScanner tabella;
   tabella.regole = scanRegola;
   const std::shared_ptr<FileReader> reader = creaFileReader();
-  tabella.speciali["duplicates"] = {"Ricerca duplicati (può richiedere minuti)...",
-                                    [reader](const ScanContext& ctx) {
-                                      return std::vector<Finding>{scanDuplicati(ctx, *reader)};
-                                    }};
+  const auto impronte = std::make_shared<Impronte>(files, store.impronte());
+  tabella.speciali["duplicates"] = {
+      "Ricerca duplicati (può richiedere minuti)...", [reader, impronte](const ScanContext& ctx) {
+        return std::vector<Finding>{scanDuplicati(ctx, *reader, impronte.get())};
+      }};
   tabella.speciali["large-old"] = {"Scansione: File grandi e vecchi...", scanGrandi};
   return tabella;
 }

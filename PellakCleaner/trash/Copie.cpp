@@ -52,10 +52,20 @@ bool Copie::ancora(const std::string& percorso, const FileMark& prima) const {
 
 bool Copie::comeTrovata(const Group& gruppo, std::size_t copia, const FileMark& ora) const {
   if (ora.size != gruppo.size) return false;
-  if (nota(gruppo, copia)) return ora.mtimeNs == gruppo.identita[copia].mtimeNs;
+  if (nota(gruppo, copia) && !gruppo.dallaCache)
+    return ora.mtimeNs == gruppo.identita[copia].mtimeNs;
   if (!gruppo.conHash()) return false;
-  const auto file = reader_.open(gruppo.paths[copia], ReadPlan::whole);
-  return file && impronta(**file, ora.size) == gruppo.hash;
+  return contiene(gruppo.paths[copia], gruppo);
+}
+
+bool Copie::contiene(const std::string& percorso, const Group& gruppo) const {
+  const auto file = reader_.open(percorso, ReadPlan::whole);
+  if (!file) return false;
+  const auto ora = (*file)->mark();
+  if (!ora || !ora->regular || ora->size != gruppo.size) return false;
+  if (impronta(**file, ora->size) != gruppo.hash) return false;
+  const auto dopo = (*file)->mark();
+  return dopo && *dopo == *ora;
 }
 
 std::optional<FileMark> Copie::conservabile(const Group& gruppo, std::size_t copia,
@@ -67,7 +77,14 @@ std::optional<FileMark> Copie::conservabile(const Group& gruppo, std::size_t cop
     const auto altra = stato(scartata);
     return altra && altra->dev == prima->dev && altra->ino == prima->ino;
   });
-  return !altroNome && ancora(percorso, *prima) ? prima : std::nullopt;
+  if (altroNome) return {};
+  // What was only remembered is known once it is read: those that go must hold what stays.
+  const bool uguali =
+      !gruppo.dallaCache ||
+      std::all_of(scartate.begin(), scartate.end(), [&](const std::string& scartata) {
+        return !esiste(scartata) || contiene(scartata, gruppo);
+      });
+  return uguali && ancora(percorso, *prima) ? prima : std::nullopt;
 }
 
 }  // namespace pellak::trash

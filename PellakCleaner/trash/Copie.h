@@ -17,7 +17,8 @@ class Copie {
 
   /// The state of a copy that may stay while `scartate` go: a regular file as the scan found it
   /// (its size and time; results that hold no times: its whole content), and not another name of a
-  /// discarded file. Nothing when it may not.
+  /// discarded file. Of a set whose contents were remembered, the copy and all `scartate` are read.
+  /// Nothing when it may not.
   std::optional<FileMark> conservabile(const Group& gruppo, std::size_t copia,
                                        const std::vector<std::string>& scartate) const;
 
@@ -30,6 +31,8 @@ class Copie {
   bool riscritta(const Group& gruppo, std::size_t copia) const;
 
  private:
+  /// Whether a file holds, byte for byte as far as a hash tells, what the set does.
+  bool contiene(const std::string& percorso, const Group& gruppo) const;
   std::optional<FileMark> stato(const std::string& percorso) const;
   bool comeTrovata(const Group& gruppo, std::size_t copia, const FileMark& stato) const;
 

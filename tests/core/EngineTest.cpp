@@ -319,5 +319,22 @@ TEST_F(EngineTest, IconsAreMadeOnceAndKeptInTheirFile) {
   EXPECT_EQ(crea()->icona("editor"), "data:image/png;base64,UE5HREFUSQ==");
 }
 
+thread_local bool inDisparte = false;
+
+TEST_F(EngineTest, OnlyThePeriodicCheckScansInTheBackground) {
+  std::vector<bool> come;
+  tabella.speciali["apps"] = {"...", [&](const ScanContext&) {
+                                come.push_back(inDisparte);
+                                return std::vector<Finding>{};
+                              }};
+  sfondo = [] { inDisparte = true; };
+  const auto engine = crea();
+  for (const bool automatica : {true, false}) {
+    ASSERT_TRUE(engine->start("applicazioni", automatica));
+    engine->attendiFine();
+  }
+  EXPECT_EQ(come, (std::vector<bool>{true, false}));
+}
+
 }  // namespace
 }  // namespace pellak

@@ -33,6 +33,7 @@ class ConMotore : public testing::Test {
                             tabella,
                             std::move(avviso),
                             std::move(controlloFinito)};
+    ambiente.sfondo = sfondo;
     return std::make_unique<Engine>(std::move(ambiente));
   }
 
@@ -45,6 +46,7 @@ class ConMotore : public testing::Test {
   Impostazioni impostazioni{files, store};
   std::string regole = home / "regole.json";
   TabellaScanner tabella;
+  ThreadSetting sfondo = nullptr;
 };
 
 }  // namespace pellak::fakes

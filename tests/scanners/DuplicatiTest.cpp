@@ -15,15 +15,19 @@
 #include <stdexcept>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 #include "PellakCore/base/Esadecimale.h"
 #include "PellakCore/base/ScanCancelled.h"
+#include "PellakCore/base/ThreadSetting.h"
 #include "fakes/CartellaTemporanea.h"
 #include "fakes/FakeClock.h"
 #include "platform/Sha256.h"
 #include "platform/linux/DirectoryListerLinux.h"
+#include "platform/posix/FilesPosix.h"
 #include "scanners/duplicati/ScannerDuplicati.h"
+#include "scanners/walker/Walker.h"
 
 namespace pellak::scanners {
 namespace {
@@ -50,6 +54,8 @@ class LettoreSpia final : public FileReader {
   }
 
   std::map<std::string, std::size_t> letti() const { return letti_; }
+  void dimentica() { letti_.clear(); }
+  bool volumeAdatto = true;
 
  private:
   class FileSpia final : public OpenFile {
@@ -57,6 +63,10 @@ class LettoreSpia final : public FileReader {
     FileSpia(LettoreSpia& spia, std::string percorso, std::unique_ptr<OpenFile> vero)
         : spia_(spia), percorso_(std::move(percorso)), vero_(std::move(vero)) {}
     Result<FileMark> mark() const override { return vero_->mark(); }
+    bool allHole() const override { return vero_->allHole(); }
+    bool keepsChangeTimes() const override {
+      return spia_.volumeAdatto && vero_->keepsChangeTimes();
+    }
     Result<std::size_t> readAt(std::int64_t offset, std::span<std::byte> into) const override {
       auto letti = vero_->readAt(offset, into);
       if (letti) {
@@ -91,6 +101,12 @@ class DuplicatiTest : public ::testing::Test {
     return casa_ / nome;
   }
 
+  void scriviIn(const std::string& nome, std::int64_t dove, const std::string& testo) {
+    const int file = ::open((casa_ / nome).c_str(), O_WRONLY);
+    EXPECT_EQ(::pwrite(file, testo.data(), testo.size(), dove), std::ssize(testo));
+    ::close(file);
+  }
+
   void collega(const std::string& esistente, const std::string& nome) {
     std::filesystem::create_hard_link(casa_ / esistente, casa_ / nome);
   }
@@ -99,7 +115,7 @@ class DuplicatiTest : public ::testing::Test {
     const ScanContext ctx{regole_, Config(),   casa_.percorso(), stop_,
                           {},      contatore_, lister_,          clock_};
     Finding finding;
-    withCounter(contatore_, [&] { finding = scanDuplicati(ctx, lettore_); });
+    withCounter(contatore_, [&] { finding = scanDuplicati(ctx, lettore_, impronte_); });
     return finding;
   }
 
@@ -119,10 +135,9 @@ class DuplicatiTest : public ::testing::Test {
   LettoreSpia lettore_;
   Contatore contatore_{casa_.percorso(), true};
   std::function<bool()> stop_;
-
- private:
-  native::DirectoryListerLinux lister_;
+  Impronte* impronte_ = nullptr;
   fakes::FakeClock clock_{1'700'000'000};
+  native::DirectoryListerLinux lister_;
 };
 
 std::string casuale(std::size_t lunghezza, unsigned seme) {
@@ -438,6 +453,11 @@ TEST_F(DuplicatiTest, AGreatStopIsQuickInAHugeFile) {
     scrivi(nome, "");
     std::filesystem::resize_file(casa_ / nome, std::uintmax_t{1} << 36);
   }
+  // Files that are one hole are equal without being read.
+  const Finding vuoti = scan();
+  ASSERT_EQ(vuoti.groups.size(), 1U);
+  EXPECT_FALSE(vuoti.groups[0].conHash());
+  for (const char* nome : {"a", "b"}) scriviIn(nome, (std::int64_t{1} << 36) - 10'000, "fine");
   std::atomic<bool> ferma{false};
   stop_ = [&] { return ferma.load(); };
   lettore_.dopoLettura = [&](const std::string&, std::int64_t offset) {
@@ -445,6 +465,72 @@ TEST_F(DuplicatiTest, AGreatStopIsQuickInAHugeFile) {
   };
   EXPECT_THROW(gruppi(), ScanCancelled);
   for (const auto& [percorso, letti] : lettore_.letti()) EXPECT_LT(letti, 20 * kMiB) << percorso;
+}
+
+TEST_F(DuplicatiTest, WhatIsRememberedUnchangedIsNotReadAgain) {
+  const std::string lungo = casuale(3 * kMiB, 8);
+  for (const char* nome : {"a", "b", "solo1", "solo2", "solo3"}) scrivi(nome, lungo);
+  for (const char* nome : {"solo1", "solo2", "solo3"}) {
+    scriviIn(nome, 2 * kMiB, nome);  // where no sample lies
+  }
+  for (const char* nome : {"piccolo1", "piccolo2"}) scrivi(nome, std::string(9'000, 'p'));
+  const fakes::CartellaTemporanea nostra;
+  posix::FilesPosix files;
+  Impronte impronte(files, nostra / "impronte");
+  impronte_ = &impronte;
+  const std::vector<std::vector<std::string>> attesi = {{"a", "b"}, {"piccolo1", "piccolo2"}};
+  const auto leggi = [&](bool ricordati) {
+    lettore_.dimentica();
+    const Finding finding = scan();
+    EXPECT_EQ(gruppi(), attesi);
+    EXPECT_EQ(finding.groups.at(0).dallaCache, ricordati);
+    return lettore_.letti();
+  };
+  const auto ora = static_cast<double>(::time(nullptr));
+  clock_.advance(ora - 60 - clock_.now());
+  EXPECT_EQ(leggi(false).size(), 7U) << "too fresh to be remembered";
+  clock_.advance(3'600);
+  lettore_.volumeAdatto = false;
+  EXPECT_EQ(leggi(false).size(), 7U) << "not on such a volume";
+  lettore_.volumeAdatto = true;
+  scan();
+  EXPECT_THAT(leggi(true), IsEmpty());
+
+  // A changed file is read, and only what may now be equal to it.
+  scriviIn("solo3", 2 * kMiB, std::string(lungo, 2 * kMiB, 5));
+  lettore_.dimentica();
+  EXPECT_THAT(gruppi(), ElementsAre(ElementsAre("a", "b", "solo3"), attesi[1]));
+  EXPECT_EQ(lettore_.letti().count(casa_ / "a") + lettore_.letti().count(casa_ / "piccolo1"), 0U);
+  EXPECT_EQ(lettore_.letti().count(casa_ / "solo3"), 1U);
+  scriviIn("solo3", 2 * kMiB, "solo3");
+
+  // A damaged file of ours is none.
+  scan();
+  std::string dati = fakes::leggiFile(nostra / "impronte");
+  dati[dati.size() / 2] ^= 1;
+  fakes::scriviFile(nostra / "impronte", dati);
+  lettore_.dimentica();
+  EXPECT_FALSE(scan().groups.at(0).dallaCache);
+  EXPECT_EQ(lettore_.letti().size(), 7U);
+}
+
+thread_local bool inDisparte = false;
+
+TEST_F(DuplicatiTest, EveryThreadOfALoweredScanIsLowered) {
+  for (int i = 0; i < 40; ++i) scrivi(std::to_string(i % 7) + "/" + std::to_string(i), "uguale");
+  std::atomic<int> altri{0};
+  lettore_.primaDiAprire = [&](const std::string&, ReadPlan) { altri += inDisparte ? 0 : 1; };
+  std::thread([&] {
+    applyToThread([] { inDisparte = true; });
+    EXPECT_EQ(gruppi().size(), 1U);
+    const walker::Ambiente ambiente{lister_, {}};
+    walker::parallelWalk(ambiente, std::vector{casa_.percorso()}, {}, {},
+                         [&](std::string_view, const struct stat&) {
+                           altri += inDisparte ? 0 : 1;
+                           return std::optional<int>();
+                         });
+  }).join();
+  EXPECT_EQ(altri, 0);
 }
 
 /// The sets of files on disk (by inode) that rmlint finds.

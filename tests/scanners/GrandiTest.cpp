@@ -6,6 +6,7 @@
 #include "PellakCore/base/ScanCancelled.h"
 #include "fakes/FakeClock.h"
 #include "fakes/MemoryLister.h"
+#include "platform/posix/FilesPosix.h"
 #include "scanners/Tabella.h"
 #include "scanners/grandi/ScannerGrandi.h"
 
@@ -194,7 +195,8 @@ TEST_F(GrandiTest, NothingToLookAtIsSaid) {
 
 TEST_F(GrandiTest, TheTableServesThem) {
   file("/casa/anna/film", 300);
-  const TabellaScanner tabella = tabellaScanner();
+  posix::FilesPosix files;
+  const TabellaScanner tabella = tabellaScanner(files, Store("/casa/anna"));
   const ScanContext ctx{regole_, Config(), "/casa/anna", {}, {}, contatore_, disco_, clock_};
   EXPECT_EQ(tabella.speciali.at("large-old").esegui(ctx).front().items.size(), 1U);
   EXPECT_EQ(tabella.speciali.at("duplicates").stato,

@@ -90,5 +90,16 @@ TEST_F(CopieTest, ResultsWithoutTimesCompareTheContent) {
   EXPECT_FALSE(conservabile(0));
 }
 
+TEST_F(CopieTest, ARememberedSetIsReadTheCopyThatStaysAndThoseThatGo) {
+  ASSERT_TRUE(daEsadecimale("5994471abb01112afcc18159f6cc74b4f511b99806da59b3caf5a9c173cacfc5",
+                            gruppo_.hash));
+  scrivi("c", "54321", kScritto);
+  EXPECT_TRUE(conservabile(0)) << "the scan has read them";
+  gruppo_.dallaCache = true;
+  EXPECT_FALSE(conservabile(0)) << "c would go, and is none";
+  EXPECT_FALSE(conservabile(2)) << "c would stay";
+  EXPECT_TRUE(copie_.conservabile(gruppo_, 0, {home_ / "b", home_ / "gone"}).has_value());
+}
+
 }  // namespace
 }  // namespace pellak::trash

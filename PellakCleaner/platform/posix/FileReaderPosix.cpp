@@ -1,5 +1,7 @@
 #include "platform/posix/FileReaderPosix.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <fcntl.h>
@@ -13,6 +15,7 @@
 #include "platform/posix/FolderPosix.h"
 #include "platform/posix/ReadAdvice.h"
 #include "platform/posix/RecordTimes.h"
+#include "platform/posix/VolumeTimes.h"
 
 namespace pellak::posix {
 namespace {
@@ -27,6 +30,7 @@ class OpenFilePosix final : public OpenFile {
   Result<FileMark> mark() const override {
     struct stat record {};
     if (::fstat(file_.get(), &record) != 0) return errnoError(errno);
+    holes_ = static_cast<std::int64_t>(record.st_blocks) * 512 < record.st_size;
     FileMark mark;
     mark.regular = S_ISREG(record.st_mode);
     mark.size = record.st_size;
@@ -39,7 +43,7 @@ class OpenFilePosix final : public OpenFile {
   }
 
   Result<std::size_t> readAt(std::int64_t offset, std::span<std::byte> into) const override {
-    std::size_t done = 0;
+    std::size_t done = holes_ ? fillHole(offset, into) : 0;
     while (done < into.size()) {
       const ssize_t part = ::pread(file_.get(), into.data() + done, into.size() - done,
                                    static_cast<off_t>(offset) + static_cast<off_t>(done));
@@ -53,8 +57,27 @@ class OpenFilePosix final : public OpenFile {
     return done;
   }
 
+  bool allHole() const override {
+    return ::lseek(file_.get(), 0, SEEK_DATA) < 0 && errno == ENXIO &&
+           ::lseek(file_.get(), 0, SEEK_END) > 0;
+  }
+
+  bool keepsChangeTimes() const override { return posix::keepsChangeTimes(file_.get()); }
+
  private:
+  /// Zeros for the hole that `offset` lies in, as far as it goes; no page is read for them.
+  std::size_t fillHole(std::int64_t offset, std::span<std::byte> into) const {
+    off_t data = ::lseek(file_.get(), static_cast<off_t>(offset), SEEK_DATA);
+    if (data < 0 && errno == ENXIO) data = ::lseek(file_.get(), 0, SEEK_END);
+    if (data <= offset) return 0;
+    const auto zeros =
+        std::min<std::uint64_t>(into.size(), static_cast<std::uint64_t>(data - offset));
+    std::fill_n(into.begin(), zeros, std::byte{0});
+    return static_cast<std::size_t>(zeros);
+  }
+
   Descriptor file_;
+  mutable std::atomic<bool> holes_{false};  ///< by the last mark: fewer blocks than its length
 };
 
 int openAt(int folder, const char* name) {

@@ -21,10 +21,17 @@ void ordinaNomi(std::vector<Candidato>& candidati, std::size_t da, std::size_t f
             });
 }
 
-auto chiave(const Contenuto& c) { return std::tie(c.noto, c.impronta, c.digest); }
+auto chiave(const Contenuto& c) { return std::tie(c.noto, c.impronta); }
 
 bool uguali(const Contenuto& a, const Contenuto& b) {
-  return a.size == b.size && chiave(a) == chiave(b);
+  if (a.size != b.size || chiave(a) != chiave(b)) return false;
+  return a.noto != Conoscenza::tutto || a.digest == b.digest;
+}
+
+bool prima(const Contenuto& a, const Contenuto& b) {
+  if (a.size != b.size) return a.size > b.size;
+  if (chiave(a) != chiave(b)) return chiave(a) < chiave(b);
+  return a.noto == Conoscenza::tutto && a.digest < b.digest;
 }
 
 /// Keeps the runs of at least two of a sorted list.
@@ -75,9 +82,7 @@ void tieniUguali(std::vector<Contenuto>& contenuti) {
   contenuti.erase(std::remove_if(contenuti.begin(), contenuti.end(),
                                  [](const Contenuto& c) { return c.noto == Conoscenza::perso; }),
                   contenuti.end());
-  std::sort(contenuti.begin(), contenuti.end(), [](const Contenuto& a, const Contenuto& b) {
-    return a.size != b.size ? a.size > b.size : chiave(a) < chiave(b);
-  });
+  std::sort(contenuti.begin(), contenuti.end(), prima);
   toglieSoli(contenuti, uguali);
   contenuti.shrink_to_fit();  // mostly little is left, and the groups need room
 }

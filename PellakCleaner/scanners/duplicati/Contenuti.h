@@ -17,6 +17,14 @@ enum class Conoscenza : std::uint8_t {
   perso        ///< a duplicate of nothing: it differs, changed or can't be read
 };
 
+/// What is known of a file without reading it this time.
+enum class Memoria : std::uint8_t {
+  niente,
+  hash,  ///< `digest`, from an earlier scan
+  solo,  ///< it differed from all it was compared with; `digest` begins with which those were
+  vuoto  ///< it is one hole
+};
+
 /// One file on disk, which may have several names: its candidates are `quanti` from `primo` on, in
 /// ascending order of their paths.
 struct Contenuto {
@@ -26,8 +34,10 @@ struct Contenuto {
   std::int64_t ctimeNs = 0;  ///< last change of its record, likewise
   std::uint32_t primo = 0;
   std::uint32_t quanti = 0;
-  Sha256Digest digest{};
+  Sha256Digest digest{};  ///< counts as content only when `noto` says so
   Conoscenza noto = Conoscenza::dimensione;
+  Memoria memoria = Memoria::niente;
+  bool ricordabile = false;  ///< whether what is learned may be kept for the next scan
 };
 
 /// Sorts the candidates by size (largest first), file and path, and gathers the names of one file.

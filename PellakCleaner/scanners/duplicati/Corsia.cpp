@@ -74,6 +74,7 @@ void Corsia::lasciaSoli() {
   const auto solo = [](Ramo& ramo) {
     if (ramo.membri.size() == 1) {
       ramo.membri.front().contenuto->noto = Conoscenza::perso;
+      ramo.membri.front().contenuto->memoria = Memoria::solo;
       ramo.membri.clear();
     }
     return ramo.membri.empty();

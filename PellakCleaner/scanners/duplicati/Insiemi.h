@@ -16,7 +16,8 @@ struct Insieme {
 };
 
 /// Cuts the runs of files known as equal by samples into sets of at most `piu`, those that take
-/// the longest to read first. The list is one as `tieniUguali` leaves it.
+/// the longest to read first. The list is one as `tieniUguali` leaves it, save that files of a run
+/// whose content is remembered stand behind those to be read.
 std::vector<Insieme> insiemiDi(const std::vector<Contenuto>& contenuti, std::size_t piu);
 
 }  // namespace pellak::scanners

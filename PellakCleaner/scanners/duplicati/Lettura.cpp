@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <thread>
 #include <utility>
 
@@ -67,6 +68,8 @@ std::unique_ptr<OpenFile> Lettura::apri(Contenuto& contenuto, ReadPlan plan, Fil
     contenuto.ctimeNs = ora->ctimeNs;
     candidato.dev = static_cast<std::int32_t>(ora->dev);
     candidato.ino = ora->ino;
+    contenuto.ricordabile =
+        impronte_ != nullptr && impronte_->ricordabile(*ora) && volumeAdatto(ora->dev, **file);
     return std::move(file).value();
   }
   contenuto.noto = Conoscenza::perso;
@@ -77,12 +80,25 @@ void Lettura::campiona(Contenuto& contenuto, std::vector<std::byte>& memoria, Tw
   FileMark segno;
   const auto file = apri(contenuto, ReadPlan::samples, segno);
   if (!file) return;
+  if (contenuto.ricordabile && impronte_->cerca(segno, contenuto)) {
+    const bool intero = contenuto.size <= kTesta && contenuto.memoria == Memoria::hash;
+    contenuto.noto = intero ? Conoscenza::tutto : Conoscenza::campioni;
+    return;
+  }
   const auto letti = leggiLuoghi(*file, contenuto.size, memoria);
   if (letti.empty() && contenuto.size > 0) {
     contenuto.noto = Conoscenza::perso;
   } else if (contenuto.size > kTesta) {
     contenuto.impronta = impronta(letti);
     contenuto.noto = Conoscenza::campioni;
+    const bool zeri =
+        std::all_of(letti.begin(), letti.end(), [](std::byte b) { return b == std::byte{0}; });
+    if (zeri && file->allHole()) {
+      const auto dopo = file->mark();
+      if (!dopo || *dopo != segno) return;
+      contenuto.memoria = Memoria::vuoto;
+      contenuto.ricordabile = false;  // it is looked at as fast as remembered
+    }
   } else {
     sha.update(0, letti);
     contenuto.digest = sha.finish(0);
@@ -100,7 +116,56 @@ void Lettura::campioni(std::vector<Contenuto>& contenuti) {
   });
 }
 
+bool Lettura::volumeAdatto(std::uint64_t dev, const OpenFile& file) {
+  const std::lock_guard hold(lock_);
+  const auto [volume, nuovo] = volumi_.try_emplace(dev, false);
+  if (nuovo) volume->second = file.keepsChangeTimes();
+  return volume->second;
+}
+
+/// Settles what needs no reading among files of equal samples, and puts the rest in front.
+void Lettura::ricorda(std::span<Contenuto> simili) const {
+  const auto ha = [](Memoria quale) {
+    return [quale](const Contenuto& c) { return c.memoria == quale; };
+  };
+  if (std::all_of(simili.begin(), simili.end(), ha(Memoria::vuoto))) {
+    for (Contenuto& c : simili) {
+      c.noto = Conoscenza::tutto;
+      c.digest = {};
+    }
+    return;
+  }
+  if (impronte_ == nullptr) return;
+  const std::uint64_t firma = firmaDi(simili, candidati_);
+  const auto eSolo = [&](const Contenuto& c) {
+    return c.memoria == Memoria::solo && std::memcmp(c.digest.data(), &firma, sizeof firma) == 0;
+  };
+  const bool tuttiNoti = std::all_of(simili.begin(), simili.end(), [&](const Contenuto& c) {
+    return c.memoria == Memoria::hash || eSolo(c);
+  });
+  for (Contenuto& c : simili) {
+    if (c.memoria == Memoria::hash) {
+      c.noto = Conoscenza::tutto;
+    } else if (tuttiNoti) {
+      c.noto = Conoscenza::perso;
+    } else {
+      c.memoria = Memoria::niente;
+      std::memcpy(c.digest.data(), &firma, sizeof firma);
+    }
+  }
+  std::sort(simili.begin(), simili.end(), [](const Contenuto& a, const Contenuto& b) {
+    return a.noto != b.noto ? a.noto < b.noto : a.digest < b.digest;
+  });
+}
+
 void Lettura::interi(std::vector<Contenuto>& contenuti) {
+  for (std::size_t da = 0; da < contenuti.size();) {
+    const std::size_t fine = fineUguali(contenuti, da);
+    if (contenuti[da].noto == Conoscenza::campioni) {
+      ricorda(std::span(contenuti).subspan(da, fine - da));
+    }
+    da = fine;
+  }
   constexpr std::size_t kCorsie = TwinSha256::kLanes;
   const std::size_t descrittori = ctx_.lister.descriptorBudget();
   const std::size_t quanti = lettori(descrittori, kCorsie * kMinInsieme);

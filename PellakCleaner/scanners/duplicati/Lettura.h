@@ -1,12 +1,17 @@
 #pragma once
 
+#include <cstdint>
+#include <map>
 #include <memory>
+#include <mutex>
+#include <span>
 #include <vector>
 
 #include "PellakCore/ScanContext.h"
 #include "platform/FileReader.h"
 #include "scanners/duplicati/Contenuti.h"
 #include "scanners/duplicati/Corsia.h"
+#include "scanners/duplicati/Impronte.h"
 #include "scanners/duplicati/Insiemi.h"
 #include "scanners/duplicati/Squadra.h"
 
@@ -19,11 +24,12 @@ class Lettura {
   /// What is read of every file in the first place.
   static constexpr std::int64_t kTesta = 65'536;
 
-  /// Everything named here outlives the object; `candidati` are those that the files index. Of a
-  /// file that is read, the first of them then tells which one on disk it was in the end.
+  /// Everything named here outlives the object, `impronte` may be none; `candidati` are those that
+  /// the files index. Of a file that is read, the first of them then tells which one on disk it was
+  /// in the end.
   Lettura(const ScanContext& ctx, FileReader& reader, const Candidati& testi,
-          std::vector<Candidato>& candidati)
-      : ctx_(ctx), reader_(reader), testi_(testi), candidati_(candidati) {}
+          std::vector<Candidato>& candidati, const Impronte* impronte = nullptr)
+      : ctx_(ctx), reader_(reader), testi_(testi), candidati_(candidati), impronte_(impronte) {}
 
   /// Reads of every file the head, and further samples where there is more than the head; a file
   /// that is all head is then known in whole. Names that can't be opened are taken from their
@@ -41,6 +47,8 @@ class Lettura {
   void leggiACoppie(Squadra& squadra, const std::vector<Insieme>& insiemi,
                     std::vector<Contenuto>& contenuti);
   void occupa(Corsia& corsia, const Insieme& insieme, std::vector<Contenuto>& contenuti);
+  void ricorda(std::span<Contenuto> simili) const;
+  bool volumeAdatto(std::uint64_t dev, const OpenFile& file);
   std::unique_ptr<OpenFile> apri(Contenuto& contenuto, ReadPlan plan, FileMark& segno);
   void conContatore(Squadra& squadra, const std::function<void()>& lavoro);
 
@@ -48,6 +56,9 @@ class Lettura {
   FileReader& reader_;
   const Candidati& testi_;
   std::vector<Candidato>& candidati_;
+  const Impronte* const impronte_;
+  std::mutex lock_;
+  std::map<std::uint64_t, bool> volumi_;  ///< by device: whether files there may be remembered
 };
 
 }  // namespace pellak::scanners

@@ -2,15 +2,14 @@
 
 #include <algorithm>
 #include <limits>
-#include <span>
 #include <string>
-#include <tuple>
 #include <utility>
 #include <vector>
 
 #include "PellakCore/base/BytePath.h"
 #include "scanners/Luoghi.h"
 #include "scanners/duplicati/Contenuti.h"
+#include "scanners/duplicati/Gruppi.h"
 #include "scanners/duplicati/Lettura.h"
 #include "scanners/walker/Walker.h"
 
@@ -59,59 +58,9 @@ void raccogli(const ScanContext& ctx, Candidati& candidati, Finding& finding) {
   cammino.segna(finding);
 }
 
-/// Puts equal files into their group in ascending order of their paths, each file on disk once:
-/// what was found as two may have become one by the time it was read.
-void riempi(Group& gruppo, std::span<Contenuto> uguali, const std::vector<Candidato>& candidati,
-            const Candidati& testi) {
-  const auto file = [&](const Contenuto& c) {
-    return std::tie(candidati[c.primo].dev, candidati[c.primo].ino);
-  };
-  const auto percorso = [&](const Contenuto& c) { return testi.percorso(candidati[c.primo]); };
-  std::sort(uguali.begin(), uguali.end(), [&](const Contenuto& a, const Contenuto& b) {
-    return file(a) != file(b) ? file(a) < file(b) : percorso(a) < percorso(b);
-  });
-  std::vector<std::pair<std::string, Identita>> copie;
-  copie.reserve(uguali.size());
-  for (std::size_t i = 0; i < uguali.size(); ++i) {
-    if (i > 0 && file(uguali[i]) == file(uguali[i - 1])) continue;
-    const Contenuto& copia = uguali[i];
-    copie.emplace_back(percorso(copia), Identita{candidati[copia.primo].ino, copia.mtimeNs,
-                                                 copia.ctimeNs, EntryType::regular});
-  }
-  std::sort(copie.begin(), copie.end(),
-            [](const auto& a, const auto& b) { return a.first < b.first; });
-  gruppo.paths.reserve(copie.size());
-  gruppo.identita.reserve(copie.size());
-  for (auto& [testo, identita] : copie) {
-    gruppo.paths.push_back(std::move(testo));
-    gruppo.identita.push_back(identita);
-  }
-}
-
-std::vector<Group> gruppi(std::vector<Contenuto>& contenuti,
-                          const std::vector<Candidato>& candidati, const Candidati& testi) {
-  std::vector<Group> trovati;
-  for (std::size_t da = 0; da < contenuti.size();) {
-    const std::size_t fine = fineUguali(contenuti, da);
-    Group gruppo;
-    riempi(gruppo, std::span(contenuti).subspan(da, fine - da), candidati, testi);
-    gruppo.size = contenuti[da].size;
-    gruppo.hash = contenuti[da].digest;
-    if (gruppo.paths.size() > 1) trovati.push_back(std::move(gruppo));
-    da = fine;
-  }
-  std::sort(trovati.begin(), trovati.end(), [](const Group& a, const Group& b) {
-    const std::int64_t liberaA = recuperabili(a);
-    const std::int64_t liberaB = recuperabili(b);
-    if (liberaA != liberaB) return liberaA > liberaB;
-    return a.size != b.size ? a.size > b.size : a.paths.front() < b.paths.front();
-  });
-  return trovati;
-}
-
 }  // namespace
 
-Finding scanDuplicati(const ScanContext& ctx, FileReader& reader) {
+Finding scanDuplicati(const ScanContext& ctx, FileReader& reader, Impronte* impronte) {
   esigiRegole(ctx);
   Finding finding;
   finding.id = "duplicates";
@@ -124,13 +73,16 @@ Finding scanDuplicati(const ScanContext& ctx, FileReader& reader) {
   raccogli(ctx, testi, finding);
   std::vector<Candidato> candidati = testi.prendi();
   std::vector<Contenuto> contenuti = raggruppaPerFile(candidati, testi);
-  Lettura lettura(ctx, reader, testi, candidati);
+  if (impronte != nullptr) impronte->carica(ctx.clock.now());
+  Lettura lettura(ctx, reader, testi, candidati, impronte);
   lettura.campioni(contenuti);
+  if (impronte != nullptr) impronte->annotaCampioni(contenuti, candidati);
   tieniUguali(contenuti);
   lasciaAltri(candidati, contenuti);
   lettura.interi(contenuti);
+  if (impronte != nullptr) impronte->concludi(contenuti, candidati);
   tieniUguali(contenuti);
-  finding.groups = gruppi(contenuti, candidati, testi);
+  finding.groups = gruppiDi(std::move(contenuti), std::move(candidati), testi);
   return finding;
 }
 

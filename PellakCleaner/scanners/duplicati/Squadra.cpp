@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "PellakCore/base/ScanCancelled.h"
+#include "PellakCore/base/ThreadSetting.h"
 
 namespace pellak::scanners {
 
@@ -14,7 +15,12 @@ void Squadra::esegui(const std::function<void()>& lavoro) {
   std::vector<std::thread> altri;
   altri.reserve(quanti);
   try {
-    while (altri.size() + 1 < quanti) altri.emplace_back([&] { protetto(lavoro); });
+    while (altri.size() + 1 < quanti) {
+      altri.emplace_back([&, setting = threadSetting()] {
+        applyToThread(setting);
+        protetto(lavoro);
+      });
+    }
   } catch (const std::system_error&) {
     // With fewer threads it only takes longer.
   }

@@ -1,6 +1,7 @@
 #include "scanners/regole/ScannerRegole.h"
 
 #include <algorithm>
+#include <functional>
 #include <unordered_set>
 #include <utility>
 
@@ -102,11 +103,13 @@ class Raccolta {
   }
 
   const std::vector<std::string>& trovati() const { return trovati_; }
+  std::vector<std::string> prendi() { return std::move(trovati_); }
 
  private:
   void elenca(const std::string& cartella, std::string_view suffisso) {
     const auto nomi = walker::nameList(ambiente_, cartella);
     if (!nomi) return;
+    if (trovati_.empty()) trovati_.reserve(nomi->size());
     for (const std::string& nome : *nomi) {
       if (finisceCon(nome, suffisso)) trovati_.push_back(figlio(cartella, nome));
     }
@@ -127,58 +130,58 @@ Raccolta raccogli(const walker::Ambiente& ambiente, const std::string& home,
   return raccolta;
 }
 
-/// What a scan keeps before it measures, one list for each property so that the paths can be
-/// handed on as they are.
-struct Tenuti {
-  struct Stato {
-    double mtime = 0;
-    std::int64_t lunghezza = 0;
-    Identita identita;
-  };
-  std::vector<std::string> percorsi;
-  std::vector<Stato> stati;
-};
-
-/// What is not offered because it could not be moved is marked in `finding`.
-Tenuti filtra(const walker::Ambiente& ambiente, const ScanContext& ctx,
-              const RegolaCategoria& regola, const std::vector<std::string>& candidati,
-              Finding& finding) {
-  const bool conEta = regola.minAgeDays > 0;
-  const double limite = ctx.clock.now() - regola.minAgeDays * kSecondsPerDay;
-  std::unordered_set<std::string_view> visti;
-  Tenuti tenuti;
-  for (const std::string& candidato : candidati) {
-    if (ctx.stop && ctx.stop()) throw ScanCancelled();
-    if (!visti.insert(candidato).second || esclusa(regola, candidato)) continue;
-    if (ambiente.confini->fuori(candidato)) continue;
-    const auto stato = walker::statNoFollow(ambiente, candidato);
-    if (!stato) continue;
-    const auto mtime = static_cast<double>(stato->st_mtime);
-    if (conEta && mtime > limite) continue;
-    if (regola.mode == "delete" && mountBelow(ctx.volumi, candidato) != nullptr) {
-      finding.trattieni(candidato, "contiene un altro disco: smontalo per poterlo spostare");
-      continue;
-    }
-    tenuti.percorsi.push_back(candidato);
-    const std::int64_t lunghezza = S_ISDIR(stato->st_mode) ? 0 : stato->st_size;
-    tenuti.stati.push_back({mtime, lunghezza, identitaDi(walker::identifying(*stato))});
+/// Hands each candidate on once, in order. What one folder holds is different anyway.
+void unaVolta(std::vector<std::string>& candidati, bool unaSolaCartella,
+              const std::function<void(std::string&)>& visita) {
+  std::unordered_set<std::string> visti;
+  for (std::string& candidato : candidati) {
+    if (unaSolaCartella || visti.insert(candidato).second) visita(candidato);
   }
-  return tenuti;
 }
 
-std::vector<Voce> misura(const walker::Ambiente& ambiente, const ScanContext& ctx, Tenuti tenuti) {
-  const auto misure = walker::measureTrees(ambiente, tenuti.percorsi, ctx.stop);
+/// The candidates that are old enough; folders with no size yet, the rest with what it takes. What
+/// is not offered because it could not be moved is marked in `finding`.
+std::vector<Voce> filtra(const walker::Ambiente& ambiente, const ScanContext& ctx,
+                         const RegolaCategoria& regola, std::vector<std::string> candidati,
+                         Finding& finding) {
+  const bool conEta = regola.minAgeDays > 0;
+  const double limite = ctx.clock.now() - regola.minAgeDays * kSecondsPerDay;
+  const bool unaSola = regola.folders.empty() && regola.paths.empty() && regola.glob.empty();
   std::vector<Voce> voci;
-  for (std::size_t i = 0; i < misure.size(); ++i) {
-    const std::int64_t byte = misure[i].value_or(0);
-    if (byte <= 0) continue;
-    const Tenuti::Stato& stato = tenuti.stati[i];
-    voci.push_back(
-        {std::move(tenuti.percorsi[i]), byte, stato.mtime, stato.lunghezza, stato.identita});
+  unaVolta(candidati, unaSola, [&](std::string& candidato) {
+    if (ctx.stop && ctx.stop()) throw ScanCancelled();
+    if (esclusa(regola, candidato) || ambiente.confini->fuori(candidato)) return;
+    const auto stato = walker::statNoFollow(ambiente, candidato);
+    if (!stato || S_ISLNK(stato->st_mode)) return;
+    const auto mtime = static_cast<double>(stato->st_mtime);
+    if (conEta && mtime > limite) return;
+    if (regola.mode == "delete" && mountBelow(ctx.volumi, candidato) != nullptr) {
+      finding.trattieni(candidato, "contiene un altro disco: smontalo per poterlo spostare");
+      return;
+    }
+    const bool cartella = S_ISDIR(stato->st_mode);
+    const std::int64_t byte = cartella ? 0 : static_cast<std::int64_t>(stato->st_blocks) * 512;
+    if (!cartella && byte <= 0) return;
+    voci.push_back({std::move(candidato), byte, mtime, cartella ? 0 : stato->st_size,
+                    identitaDi(walker::identifying(*stato))});
+  });
+  return voci;
+}
+
+/// Only folders are walked: a million files in one folder are measured already.
+void misura(const walker::Ambiente& ambiente, const ScanContext& ctx, std::vector<Voce>& voci) {
+  std::vector<std::string> percorsi;
+  std::vector<std::size_t> posti;
+  for (std::size_t i = 0; i < voci.size(); ++i) {
+    if (voci[i].identita.type != EntryType::directory) continue;
+    percorsi.push_back(voci[i].path);
+    posti.push_back(i);
   }
+  const auto misure = walker::measureTrees(ambiente, percorsi, ctx.stop);
+  for (std::size_t i = 0; i < misure.size(); ++i) voci[posti[i]].size = misure[i].value_or(0);
+  std::erase_if(voci, [](const Voce& voce) { return voce.size <= 0; });
   std::stable_sort(voci.begin(), voci.end(),
                    [](const Voce& a, const Voce& b) { return a.size > b.size; });
-  return voci;
 }
 
 }  // namespace
@@ -190,10 +193,11 @@ Finding scanRegola(const ScanContext& ctx, const RegolaCategoria& regola) {
   finding.mode = regola.mode;
   finding.note = regola.note;
   walker::Ambiente ambiente = ambienteDi(ctx);
-  const Raccolta raccolta = raccogli(ambiente, ctx.home, regola);
+  Raccolta raccolta = raccogli(ambiente, ctx.home, regola);
   walker::Confini confini(volumiLontani(ctx, raccolta.trovati()));
   ambiente.confini = &confini;
-  finding.items = misura(ambiente, ctx, filtra(ambiente, ctx, regola, raccolta.trovati(), finding));
+  finding.items = filtra(ambiente, ctx, regola, raccolta.prendi(), finding);
+  misura(ambiente, ctx, finding.items);
   segnaVolumi(confini, finding);
   return finding;
 }

@@ -5,6 +5,8 @@
 #include <system_error>
 #include <utility>
 
+#include "PellakCore/base/ThreadSetting.h"
+
 namespace pellak::walker {
 
 Crew::Crew(std::size_t most, std::vector<Task> first, Body body)
@@ -60,7 +62,10 @@ void Crew::end() {
 bool Crew::startOne() {
   if (started_ == allowed_) return false;
   try {
-    threads_.emplace_back(body_, started_);
+    threads_.emplace_back([this, setting = threadSetting(), worker = started_] {
+      applyToThread(setting);
+      body_(worker);
+    });
   } catch (const std::system_error&) {
     allowed_ = started_;
     return false;
