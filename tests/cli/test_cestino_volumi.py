@@ -18,7 +18,7 @@ class ConVolumi(ConCestino):
     def monta(self, percorso, *argomenti):
         percorso.mkdir(exist_ok=True)
         subprocess.run(["mount", *argomenti, percorso], check=True)
-        self.addCleanup(subprocess.run, ["umount", "--lazy", percorso])
+        self.addCleanup(subprocess.run, ["umount", "--lazy", percorso], capture_output=True)
 
     def tmpfs(self, percorso, size="16m"):
         self.monta(percorso, "-t", "tmpfs", "-o", f"size={size}", "tmpfs")

@@ -135,12 +135,12 @@ TEST_F(TrashCanLinuxTest, WhatWasPutAtThePathAfterThePlanStays) {
 }
 
 TEST_F(TrashCanLinuxTest, AVolumeMountedBelowAfterThePlanKeepsTheFolder) {
-  file("d/dentro/a");
-  const TrashPlan piano = plan(home_ / "d");
   if (::unshare(CLONE_NEWNS) != 0 ||
       ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
     GTEST_SKIP() << "mounts a volume, so it needs root";
   }
+  file("d/dentro/a");
+  const TrashPlan piano = plan(home_ / "d");
   const std::string dentro = home_ / "d/dentro";
   ASSERT_EQ(::mount("tmpfs", dentro.c_str(), "tmpfs", 0, nullptr), 0);
   EXPECT_EQ(batch_->move(piano).error().kind, ErrorKind::mounted);
