@@ -71,17 +71,25 @@ Risposta rifiutata(const Esito& esito) {
   return risposta;
 }
 
+void scriviFalliti(JsonWriter& uscita, const Esito& esito) {
+  uscita.key("failed").beginArray();
+  for (const trash::Fallito& fallito : esito.failed) {
+    uscita.beginObject().key("percorso").text(fallito.percorso).key("err").text(fallito.err);
+    if (!fallito.causa.empty() && fallito.causa != fallito.err) {
+      uscita.key("causa").text(fallito.causa);
+    }
+    uscita.endObject();
+  }
+  uscita.endArray();
+}
+
 /// What moved and what did not; `saltati` and `quante` for the routes that have them.
 Risposta spostata(const Esito& esito, bool saltati = false, bool quante = false) {
   if (!esito.err.empty()) return rifiutata(esito);
   const auto mosse = static_cast<std::int64_t>(esito.mosse.size());
   JsonWriter uscita;
-  uscita.beginObject().key("ok").integer(mosse).key("failed").beginArray();
-  for (const trash::Fallito& fallito : esito.failed) {
-    uscita.beginObject().key("percorso").text(fallito.percorso);
-    uscita.key("err").text(fallito.err).endObject();
-  }
-  uscita.endArray();
+  uscita.beginObject().key("ok").integer(mosse);
+  scriviFalliti(uscita, esito);
   if (!esito.avviso.empty()) uscita.key("avviso").text(esito.avviso);
   if (!esito.op.empty()) uscita.key("op").text(esito.op).key("tot").integer(esito.tot);
   if (quante) uscita.key("quante").integer(mosse);
@@ -172,6 +180,7 @@ Risposta restore(Servizi& servizi, Json corpo) {
   uscita.beginObject().key("ok").boolean(true);
   uscita.key("items").integer(static_cast<std::int64_t>(esito.mosse.size()));
   uscita.key("errors").texts(esito.errors).key("percorsi").texts(esito.tornati);
+  if (!esito.failed.empty()) scriviFalliti(uscita, esito);
   if (!esito.rinominati.empty()) uscita.key("rinominati").texts(esito.rinominati);
   if (!esito.avviso.empty()) uscita.key("avviso").text(esito.avviso);
   return conTesto(uscita.endObject().take());

@@ -72,6 +72,17 @@ std::vector<Spostamento> cartelleXdg(Files& files, const std::string& home) {
   return spostamenti;
 }
 
+/// Where the user's folders really are.
+std::vector<std::string> luoghi(const std::vector<Spostamento>& spostamenti,
+                                DirectoryLister& lister) {
+  std::vector<std::string> veri;
+  for (const Spostamento& spostamento : spostamenti) {
+    const auto reale = lister.resolve(spostamento.a);
+    veri.push_back(reale ? *reale : spostamento.a);
+  }
+  return veri;
+}
+
 /// A rules file that the user named stands alone.
 std::function<std::optional<std::string>()> regoleIncorporate(const Ambiente& ambiente) {
   if (ambiente.regoleIndicate) return nullptr;
@@ -127,7 +138,8 @@ Applicazione::Applicazione(std::unique_ptr<Native> native, Ambiente ambiente,
                std::move(controlloFinito), regoleIncorporate(ambiente_), &platform_.mounts,
                lowerThisThread}),
       cestino_({platform_.files, *reader_, platform_.lister, platform_.clock, platform_.trash,
-                Store(ambiente_.home), [this] { platform_.suono.movedToTrash(); }}),
+                Store(ambiente_.home), [this] { platform_.suono.movedToTrash(); },
+                luoghi(ambiente_.spostamenti, platform_.lister)}),
       operazioni_(engine_, cestino_, platform_.applicazioni, *reader_),
       router_({engine_, impostazioni_, platform_.fileManager, platform_.applicazioni,
                platform_.files, comandi_, platform_.probe, ambiente_.famiglia, operazioni_,

@@ -52,7 +52,7 @@ std::string corpoRichiesta(const OpzioniRestore& opzioni) {
 int comandoRestore(Applicazione& applicazione, const OpzioniRestore& opzioni) {
   const JsonDocument documento = richiedi(applicazione, "/api/restore", corpoRichiesta(opzioni));
   const Json risposta = documento.radice();
-  if (const std::string err = risposta.testo("err"); !err.empty()) {
+  if (const std::string err = perche(risposta); !err.empty()) {
     fmt::print(stderr, "{}\n", perTerminale(err));
     return kFailed;
   }
@@ -62,13 +62,16 @@ int comandoRestore(Applicazione& applicazione, const OpzioniRestore& opzioni) {
                        quantiElementi(tornati)));
     stampaTornati(risposta, applicazione.home());
   }
-  const std::vector<std::string> errori = risposta.testi("errors");
-  for (const std::string& errore : errori) fmt::print(stderr, "{}\n", perTerminale(errore));
+  const std::size_t falliti = risposta["failed"].quanti();
+  risposta["failed"].perOgni([&](Json fallito) {
+    const std::string percorso = percorsoMostrato(fallito.testo("percorso"), applicazione.home());
+    fmt::print(stderr, "{}\n", perTerminale(percorso + ": " + perche(fallito)));
+  });
   if (const std::string avviso = risposta.testo("avviso"); !avviso.empty()) {
     fmt::print(stderr, "{}\n", perTerminale(avviso));
   }
   const int stato = chiudiUscita();
-  return errori.empty() ? stato : kFailed;
+  return falliti == 0 ? stato : kFailed;
 }
 
 }  // namespace pellak::app

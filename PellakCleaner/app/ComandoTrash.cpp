@@ -90,10 +90,10 @@ void racconta(Json risposta, const RichiestaCestino& richiesta, const std::strin
     bilancio.cambiato = bilancio.cambiato || testo.ends_with(trash::kCambiato);
     fmt::print(stderr, "{}\n", perTerminale(testo));
   };
-  const std::string err = risposta.testo("err");
+  const std::string err = perche(risposta);
   if (!err.empty()) riga(richiesta.nome.empty() ? err : richiesta.nome + ": " + err);
   risposta["failed"].perOgni([&](Json voce) {
-    riga(percorsoMostrato(voce.testo("percorso"), home) + ": " + voce.testo("err"));
+    riga(percorsoMostrato(voce.testo("percorso"), home) + ": " + perche(voce));
   });
   for (const std::string& nome : risposta.testi("saltati")) {
     const bool copie = richiesta.rotta == "/api/keep_all";

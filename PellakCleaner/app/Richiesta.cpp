@@ -19,4 +19,9 @@ JsonDocument richiedi(Applicazione& applicazione, std::string_view rotta,
   return std::move(*risposta);
 }
 
+std::string perche(Json fallito) {
+  std::string causa = fallito.testo("causa");
+  return causa.empty() ? fallito.testo("err") : causa;
+}
+
 }  // namespace pellak::app

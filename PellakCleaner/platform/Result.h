@@ -23,12 +23,14 @@ enum class ErrorKind {
 };
 
 /// One failure: its kind, the system's error number (0 when there is none) and the system's own
-/// words. The Italian sentence for a user is chosen by whoever answers the user.
+/// words. The Italian sentence for a user is chosen by whoever answers the user; `causa` is the
+/// true reason in the user's words, where the back end looked for it.
 struct Error {
   ErrorKind kind = ErrorKind::failed;
   int code = 0;
   std::string text;
   std::string percorso = {};  ///< of the file of ours that could not be written, where that is why
+  std::string causa = {};
 };
 
 /// Either a value or an `Error`. Reading the wrong side throws std::bad_variant_access.

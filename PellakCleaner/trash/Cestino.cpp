@@ -42,9 +42,9 @@ struct Cestino::Lavoro {
   Esito esito;
   std::size_t mossi = 0;
 
-  void fallito(std::size_t posto, std::string err) {
+  void fallito(std::size_t posto, std::string err, std::string causa = {}) {
     voci[posto].daFare = false;
-    esito.failed.push_back({intento.passi[posto].piano.percorso, std::move(err)});
+    esito.failed.push_back({intento.passi[posto].piano.percorso, std::move(err), std::move(causa)});
   }
 };
 
@@ -57,7 +57,7 @@ Esito rifiuto(std::string testo, int stato) {
 
 Cestino::Cestino(AmbienteCestino ambiente)
     : ambiente_(std::move(ambiente)),
-      custode_(ambiente_.store, ambiente_.can),
+      custode_(ambiente_.store, ambiente_.can, ambiente_.cartelleUtente),
       registro_(ambiente_.files, ambiente_.reader, ambiente_.store),
       intenti_(ambiente_.files, ambiente_.store) {}
 
@@ -128,12 +128,13 @@ void Cestino::prepara(Lavoro& lavoro, std::span<const Lotto> lotti) const {
 
 void Cestino::preparaUno(Lavoro& lavoro, const Candidato& voce, std::size_t lotto) const {
   if (!custode_.ammesso(voce.percorso)) {
-    lavoro.esito.failed.push_back({voce.percorso, kNonValido});
+    lavoro.esito.failed.push_back({voce.percorso, kNonValido, {}});
     return;
   }
   auto piano = lavoro.batch->plan(voce.percorso);
   if (!piano) {
-    lavoro.esito.failed.push_back({voce.percorso, trashMessage(voce.percorso, piano.error())});
+    lavoro.esito.failed.push_back(
+        {voce.percorso, trashMessage(voce.percorso, piano.error()), piano.error().causa});
     return;
   }
   lavoro.intento.operazione.tot = sommaSicura(lavoro.intento.operazione.tot, voce.size);
@@ -238,8 +239,9 @@ void Cestino::muoviUno(Lavoro& lavoro, std::size_t posto) {
     lavoro.voci[posto].dove = std::move(*mosso);
     ++lavoro.mossi;
   } else {
-    const bool altro = mosso.error().kind == ErrorKind::invalid;
-    lavoro.fallito(posto, altro ? kCambiato : trashMessage(piano.percorso, mosso.error()));
+    const Error& errore = mosso.error();
+    const bool altro = errore.kind == ErrorKind::invalid;
+    lavoro.fallito(posto, altro ? kCambiato : trashMessage(piano.percorso, errore), errore.causa);
   }
 }
 

@@ -34,6 +34,8 @@ struct AmbienteCestino {
   Store store;
   /// Told once after a batch that moved something; returns at once. May be empty.
   std::function<void()> suono;
+  /// The user's standard folders that have other names than the usual ones; absolute, real.
+  std::vector<std::string> cartelleUtente = {};
 };
 
 /// An item that is wanted in the Trash, with the size the scan measured.
@@ -53,7 +55,8 @@ struct Lotto {
 
 struct Fallito {
   std::string percorso;
-  std::string err;
+  std::string err;         ///< the same words on every system
+  std::string causa = {};  ///< the true reason on this one, when it is known and says more
 };
 
 /// What came of an operation. With `err` nothing was moved.
@@ -65,7 +68,7 @@ struct Esito {
   std::string op;        ///< the record's id, when something moved
   std::int64_t tot = 0;  ///< bytes that moved, as the scan measured them
   std::vector<Mossa> mosse;
-  std::vector<Fallito> failed;
+  std::vector<Fallito> failed;  ///< of a restore, too: one for each of `errors`
   std::vector<std::string> saltati;
   std::vector<std::string> errors;      ///< of a restore: file name and why
   std::vector<std::string> tornati;     ///< of a restore: where each of `mosse` lies now

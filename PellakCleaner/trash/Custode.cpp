@@ -47,6 +47,7 @@ bool Custode::ammesso(std::string_view percorso) const {
     const std::string_view inCasa = percorso.substr(home == "/" ? 1 : home.size() + 1);
     if (std::find(kDiCasa.begin(), kDiCasa.end(), inCasa) != kDiCasa.end()) return false;
   }
+  if (std::find(cartelle_.begin(), cartelle_.end(), percorso) != cartelle_.end()) return false;
   return !can_.insideTrash(percorso);
 }
 

@@ -2,6 +2,8 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "PellakCore/Store.h"
 #include "platform/TrashCan.h"
@@ -12,7 +14,9 @@ namespace pellak::trash {
 /// come back to. Purely textual; any thread.
 class Custode {
  public:
-  Custode(const Store& store, const TrashCan& can) : store_(store), can_(can) {}
+  /// `cartelle`: further folders that stay themselves, as the user's own under other names.
+  Custode(const Store& store, const TrashCan& can, std::vector<std::string> cartelle = {})
+      : store_(store), can_(can), cartelle_(std::move(cartelle)) {}
 
   /// Not: a path that is not in its plain form, folders at the top of the disk, what the system
   /// is made of, the home folder or one that holds it, its standard folders, the Trash, and our
@@ -26,6 +30,7 @@ class Custode {
  private:
   const Store store_;
   const TrashCan& can_;
+  const std::vector<std::string> cartelle_;
 };
 
 }  // namespace pellak::trash

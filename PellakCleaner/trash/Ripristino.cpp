@@ -65,9 +65,10 @@ struct Cestino::Ritorno {
     esito.mosse.reserve(quanti);
     esito.tornati.reserve(quanti);
   }
-  void fallito(std::size_t indice, const char* perche) {
+  void fallito(std::size_t indice, const char* perche, std::string causa = {}) {
     const std::string& orig = operazione.items[indice].orig;
     esito.errors.push_back(std::string(ultimoComponente(orig)) + ": " + perche);
+    esito.failed.push_back({orig, perche, std::move(causa)});
   }
   void tornato(std::size_t indice, std::string dove) {
     esito.mosse.push_back(operazione.items[indice]);
@@ -223,15 +224,18 @@ void Cestino::restore(Ritorno& ritorno) {
 
 /// One item, or a set: what of it is back goes into the Trash again when one of them can't come.
 void Cestino::rimetti(Ritorno& ritorno, std::span<const Intento::Passo> passi) {
+  std::string causa;
   const auto bloccato = std::find_if_not(passi.begin(), passi.end(), [&](const auto& passo) {
-    return ritorno.batch->putBack(passo.piano.nelCestino, passo.destinazione).ok();
+    const auto tornato = ritorno.batch->putBack(passo.piano.nelCestino, passo.destinazione);
+    if (!tornato) causa = tornato.error().causa;
+    return tornato.ok();
   });
   for (auto passo = passi.begin(); passo != passi.end(); ++passo) {
     const bool resta = bloccato != passi.end() &&
                        (passo >= bloccato ||
                         ritorno.batch->undoPutBack(passo->piano.nelCestino, passo->destinazione));
     if (resta) {
-      ritorno.fallito(passo->indice, kPermesso);
+      ritorno.fallito(passo->indice, kPermesso, causa);
     } else {
       ritorno.riuscito(*passo);
     }

@@ -350,6 +350,7 @@ class SenzaDiritti(ConCestino):
         risposta = json.loads(esito.stdout)
         self.assertTrue((self.casa / "cose/a").exists())
         self.assertEqual((risposta.get("ok"), self.operazioni()), (0, []), risposta)
+        self.causa = risposta["failed"][0].get("causa")
         return risposta["failed"][0]["err"]
 
     def test_a_trash_that_cannot_be_used(self):
@@ -360,6 +361,7 @@ class SenzaDiritti(ConCestino):
                 with self.subTest(cartella=cartella.name, modo=oct(modo)):
                     os.chmod(cartella, modo)
                     self.assertEqual(self.rifiuto(), PERMESSO)
+                    self.assertRegex(self.causa, "^il Cestino .*(creare|scrivibile)$")
                     os.chmod(cartella, 0o700)
                     self.assertEqual(list(self.cestino.glob("*/*")), [])
 
@@ -410,6 +412,8 @@ class SenzaDiritti(ConCestino):
     def test_a_folder_that_nothing_may_be_taken_out_of(self):
         os.chmod(self.casa / "cose", 0o555)
         self.assertEqual(self.rifiuto(), PERMESSO)
+        chiusa = f"la cartella «{self.casa}/cose» non è scrivibile"
+        self.assertEqual(self.causa, chiusa)
         self.assertEqual(list(self.cestino.glob("*/*")), [])
         os.chmod(self.casa / "cose", 0o755)
         self.assertEqual(self.da_nessuno("api", "/api/trash", '{"id":"x"}').returncode, 0)
@@ -419,6 +423,7 @@ class SenzaDiritti(ConCestino):
         self.assertEqual(esito["errors"], [
             "a: serve il permesso: concedi a PellakCleaner l'Accesso completo al disco "
             "(pannello Permessi)"])
+        self.assertEqual(esito["failed"][0]["causa"], chiusa)
         self.assertTrue((self.cestino / "files/a").exists())
         os.chmod(self.casa / "cose", 0o755)
         esito = json.loads(self.da_nessuno("api", "/api/restore", json.dumps({"op": op})).stdout)

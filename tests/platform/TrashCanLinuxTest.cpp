@@ -350,5 +350,15 @@ TEST_F(AnnouncedMovesTest, AnItemWhoseRecordCannotBeWrittenStays) {
   expectOnlyRecordsOfItems();
 }
 
+TEST_F(TrashCanLinuxTest, TheTrashIsTheTrashBehindLinksToo) {
+  fs::create_directories(home_ / "vera/.local/share");
+  fs::create_symlink("vera", home_ / "casa");
+  ::setenv("HOME", (home_ / "casa").c_str(), 1);
+  const TrashCanLinux can;
+  EXPECT_TRUE(can.insideTrash(home_ / "casa/.local/share/Trash/files/a"));
+  EXPECT_TRUE(can.insideTrash(home_ / "vera/.local/share/Trash/files/a"));
+  EXPECT_FALSE(can.insideTrash(home_ / "vera/a"));
+}
+
 }  // namespace
 }  // namespace pellak::native

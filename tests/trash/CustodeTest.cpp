@@ -34,5 +34,13 @@ TEST(CustodeTest, SaysWhereThingsMayComeBackTo) {
   EXPECT_FALSE(custode.destinazione(store.cartella()));
 }
 
+TEST(CustodeTest, UserFoldersOfOtherNamesStayThemselves) {
+  const Store store("/home/u");
+  const NoTrash can;
+  const Custode custode(store, can, {"/home/u/Carte"});
+  EXPECT_FALSE(custode.ammesso("/home/u/Carte"));
+  EXPECT_TRUE(custode.ammesso("/home/u/Carte/a"));
+}
+
 }  // namespace
 }  // namespace pellak::trash

@@ -1,12 +1,12 @@
 import { signal } from "@preact/signals";
-import type { Errore } from "./rotte";
+import { type Errore, perche } from "./rotte";
 import { frase } from "./testo";
 
 /** What an action led to; stays until it is closed or the next one takes its place. */
 export interface Avviso {
   tono: "fatto" | "errore";
   testo: string;
-  /** What did not work and why, in the system's own words. */
+  /** What did not work and why. */
   falliti: { cosa: string; perche: string }[];
   /** The operations that "Annulla" puts back, newest first. */
   operazioni: string[];
@@ -19,7 +19,7 @@ export function mostraAvviso(nuovo: Partial<Avviso> & { testo: string }): void {
 }
 
 export function mostraErrore(errore: Errore, prima = ""): void {
-  const testo = prima ? `${prima}: ${errore.err}` : errore.err;
+  const testo = prima ? `${prima}: ${perche(errore)}` : perche(errore);
   mostraAvviso({ tono: "errore", testo: `${frase(testo)}.` });
 }
 

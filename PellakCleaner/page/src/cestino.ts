@@ -2,7 +2,7 @@ import { signal } from "@preact/signals";
 import { api } from "./api";
 import { type Avviso, chiudiAvviso, mostraAvviso, mostraErrore } from "./avvisi";
 import { poll } from "./polling";
-import { type Operazione, type Risposta, type RispostaCestino, fallita } from "./rotte";
+import { type Operazione, type Risposta, type RispostaCestino, fallita, perche } from "./rotte";
 import { dimensione, quanti } from "./testo";
 
 /** Moving to the Trash and putting back: what every view does the same way. */
@@ -23,13 +23,13 @@ async function esegui(spostamenti: Spostamento[]): Promise<Bilancio> {
   for (const sposta of spostamenti) {
     const risposta = await sposta();
     if (fallita(risposta)) {
-      bilancio.falliti.push({ cosa: "", perche: risposta.err });
+      bilancio.falliti.push({ cosa: "", perche: perche(risposta) });
       continue;
     }
     bilancio.mossi += risposta.ok;
     if (risposta.ok > 0) bilancio.operazioni += 1;
-    for (const { percorso, err } of risposta.failed) {
-      bilancio.falliti.push({ cosa: percorso, perche: err });
+    for (const fallito of risposta.failed) {
+      bilancio.falliti.push({ cosa: fallito.percorso, perche: perche(fallito) });
     }
     for (const saltato of risposta.saltati ?? []) {
       bilancio.falliti.push({ cosa: "", perche: saltato });
@@ -82,11 +82,13 @@ export async function ripristina(operazioni: string[], index?: number): Promise<
     for (const op of operazioni) {
       const risposta = await api("/api/restore", index === undefined ? { op } : { op, index });
       if (fallita(risposta)) {
-        falliti.push({ cosa: "", perche: risposta.err });
+        falliti.push({ cosa: "", perche: perche(risposta) });
         continue;
       }
       rimessi += risposta.items;
-      for (const errore of risposta.errors) falliti.push({ cosa: "", perche: errore });
+      for (const fallito of risposta.failed ?? []) {
+        falliti.push({ cosa: fallito.percorso, perche: perche(fallito) });
+      }
       if (risposta.avviso) falliti.push({ cosa: "", perche: risposta.avviso });
     }
     mostraAvviso({

@@ -2,6 +2,8 @@
 
 export interface Errore {
   err: string;
+  /** The true reason on this system, where the native side knows one: shown instead of `err`. */
+  causa?: string;
   /** The refusal of an application that runs: it may be asked to quit first. */
   chiudibile?: boolean;
   nomeApp?: string;
@@ -158,9 +160,16 @@ export interface RispostaImpostazioni {
   limiti?: Record<string, [number, number]>;
 }
 
+/** An item that did not move, or did not come back. */
+export interface Fallito {
+  percorso: string;
+  err: string;
+  causa?: string;
+}
+
 export interface RispostaCestino {
   ok: number;
-  failed: { percorso: string; err: string }[];
+  failed: Fallito[];
   saltati?: string[];
   quante?: number;
   avviso?: string;
@@ -170,6 +179,8 @@ export interface RispostaRipristino {
   ok: true;
   items: number;
   errors: string[];
+  /** The same failures with their paths; only when there are any. */
+  failed?: Fallito[];
   avviso?: string;
 }
 
@@ -179,7 +190,7 @@ export interface Riuscita {
 
 export interface RispostaAvvio {
   ok: number | true;
-  failed?: { percorso: string; err: string }[];
+  failed?: Fallito[];
 }
 
 export type RichiestaAvvio =
@@ -225,6 +236,11 @@ export interface Rotte {
 export type Percorso = keyof Rotte;
 export type Richiesta<P extends Percorso> = Rotte[P]["richiesta"];
 export type Esito<P extends Percorso> = Rotte[P]["esito"];
+
+/** Why, in the words to show. */
+export function perche(fallito: { err: string; causa?: string }): string {
+  return fallito.causa || fallito.err;
+}
 
 export function fallita<T extends object>(risposta: Risposta<T>): risposta is Errore {
   return "err" in risposta;

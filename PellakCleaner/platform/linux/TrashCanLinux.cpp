@@ -15,6 +15,7 @@
 #include "platform/linux/ItemFolder.h"
 #include "platform/linux/ItemMove.h"
 #include "platform/linux/MountTable.h"
+#include "platform/linux/MoveCauses.h"
 #include "platform/linux/RecordsAhead.h"
 #include "platform/linux/TrashFolder.h"
 #include "platform/linux/TrashRecord.h"
@@ -51,6 +52,8 @@ bool isInside(std::string_view percorso, std::string_view cartella) {
   return percorso.starts_with(cartella) &&
          (percorso.size() == cartella.size() || percorso[cartella.size()] == '/');
 }
+
+bool writable(int cartella) { return ::faccessat(cartella, ".", W_OK | X_OK, AT_EACCESS) == 0; }
 
 Error fromBelow() {
   return {ErrorKind::failed, EXDEV,
@@ -168,19 +171,20 @@ std::string BatchLinux::freeName(Aperto& aperto, const std::string& nome) {
 Result<TrashPlan> BatchLinux::plan(std::string_view percorso) {
   const Split parti = split(percorso);
   if (parti.nome.empty()) return errnoError(EINVAL);
+  TrashPlan piano;
+  piano.percorso = percorso;
   const auto cartella = cartella_.open(parti.cartella);
-  if (!cartella) return cartella.error();
+  if (!cartella) return itemStays(cartella.error(), piano.percorso);
   const auto voce = itemAt(*cartella, parti.nome.c_str());
-  if (!voce) return voce.error();
-  if (!sameMount(voce->volume, cartella_.volume())) return errnoError(EBUSY);
+  if (!voce) return itemStays(voce.error(), piano.percorso);
+  if (!sameMount(voce->volume, cartella_.volume()))
+    return itemStays(errnoError(EBUSY), piano.percorso);
   if (voce->directory) {
     const auto solo = montati_.nothingBelow(cartella_.realPath(parti.nome));
     if (!solo) return solo.error();
   }
   const auto aperto = trashFor(parti.cartella, cartella_.volume());
-  if (!aperto) return aperto.error();
-  TrashPlan piano;
-  piano.percorso = percorso;
+  if (!aperto) return trashRefuses(aperto.error(), piano.percorso, {});
   piano.nelCestino = (*aperto)->cestino.percorso + "/files/" + freeName(**aperto, parti.nome);
   piano.dev = voce->volume.dev;
   piano.ino = voce->ino;
@@ -203,20 +207,20 @@ void BatchLinux::announce(std::span<const TrashPlan* const> piani) {
 Result<std::string> BatchLinux::move(const TrashPlan& piano) {
   const Split da = split(piano.percorso);
   const auto cartella = cartella_.open(da.cartella);
-  if (!cartella) return cartella.error();
+  if (!cartella) return itemStays(cartella.error(), piano.percorso);
   const auto aperto = trashAt(piano.nelCestino);
-  if (!aperto) return aperto.error();
+  if (!aperto) return trashRefuses(aperto.error(), piano.percorso, {});
   const TrashFolder& cestino = (*aperto)->cestino;
   const std::string nome = split(piano.nelCestino).nome;
   const auto look = lookAgain(*cartella, da.nome, piano, cestino.overlay);
-  if (!look) return look.error();
+  if (!look) return itemStays(look.error(), piano.percorso);
   if (look->directory) {
     const auto solo = montati_.nothingBelow(cartella_.realPath(da.nome));
     if (!solo) return solo.error();
   }
   auto pronta = pronte_ ? pronte_->take(cestino, nome) : std::nullopt;
   if (!pronta) pronta = writeRecord(cestino, nome, piano.percorso, data_, operazione_);
-  if (!*pronta) return pronta->error();
+  if (!*pronta) return trashRefuses(pronta->error(), piano.percorso, cestino.percorso);
   const auto rinomina = [&] {
     return renameExclusively(*cartella, da.nome, cestino.files.get(), nome);
   };
@@ -225,8 +229,11 @@ Result<std::string> BatchLinux::move(const TrashPlan& piano) {
                          : cestino.riserva->conRiserva(cestino.percorso, rinomina);
   if (!mosso) {
     removeRecord(cestino, nome);
+    if (mosso.error().kind == ErrorKind::denied && !writable(cestino.files.get())) {
+      return trashRefuses(mosso.error(), piano.percorso, cestino.percorso);
+    }
     const bool sotto = look->directory && cestino.overlay && mosso.error().code == EXDEV;
-    return sotto ? fromBelow() : mosso.error();
+    return itemStays(sotto ? fromBelow() : mosso.error(), piano.percorso);
   }
   if (!arrived(cestino.files.get(), nome, piano, *look) &&
       undo(**aperto, nome, *cartella, da.nome)) {
@@ -268,9 +275,11 @@ Result<void> BatchLinux::putBack(std::string_view nelCestino, std::string_view d
   const auto aperto = trashAt(std::string(nelCestino));
   if (!aperto) return aperto.error();
   const auto cartella = cartella_.open(a.cartella, ItemFolder::Missing::make);
-  if (!cartella) return cartella.error();
+  if (!cartella) return placeRefuses(cartella.error(), std::string(destinazione));
   const int files = (*aperto)->cestino.files.get();
-  if (auto mosso = renameExclusively(files, nome, *cartella, a.nome); !mosso) return mosso;
+  if (auto mosso = renameExclusively(files, nome, *cartella, a.nome); !mosso) {
+    return placeRefuses(mosso.error(), std::string(destinazione));
+  }
   (*aperto)->tornate.push_back(std::move(nome));
   return {};
 }
@@ -315,6 +324,9 @@ Result<void> BatchLinux::sync() {
 
 }  // namespace
 
+TrashCanLinux::TrashCanLinux(posix::Riserva* riserva)
+    : riserva_(riserva), casaVera_(realHomeTrashPath()) {}
+
 std::unique_ptr<TrashBatch> TrashCanLinux::begin() {
   return std::make_unique<BatchLinux>(riserva_, senzaSchede_);
 }
@@ -326,7 +338,8 @@ bool TrashCanLinux::insideTrash(std::string_view percorso) const {
     return true;
   }
   const std::string casa = homeTrashPath();
-  return isInside(percorso, casa) || isInside(casa, percorso);
+  return isInside(percorso, casa) || isInside(casa, percorso) || isInside(percorso, casaVera_) ||
+         isInside(casaVera_, percorso);
 }
 
 }  // namespace pellak::native

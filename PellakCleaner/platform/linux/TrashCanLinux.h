@@ -15,7 +15,7 @@ namespace pellak::native {
 class TrashCanLinux final : public TrashCan {
  public:
   /// The home Trash's records draw on `riserva`, which outlives it, when the disk is full.
-  explicit TrashCanLinux(posix::Riserva* riserva = nullptr) : riserva_(riserva) {}
+  explicit TrashCanLinux(posix::Riserva* riserva = nullptr);
 
   std::unique_ptr<TrashBatch> begin() override;
   bool insideTrash(std::string_view percorso) const override;
@@ -23,6 +23,7 @@ class TrashCanLinux final : public TrashCan {
 
  private:
   posix::Riserva* const riserva_;
+  const std::string casaVera_;  ///< the home Trash without the links above it
   std::string senzaSchede_;
 };
 

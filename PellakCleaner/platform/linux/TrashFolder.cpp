@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <filesystem>
 #include <linux/magic.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -172,6 +173,12 @@ Result<Descriptor> openWithoutLinks(std::string_view percorso, std::string_view 
 }
 
 std::string homeTrashPath() { return xdgDataHome() + "/Trash"; }
+
+std::string realHomeTrashPath() {
+  std::error_code fallito;
+  const auto sopra = std::filesystem::weakly_canonical(xdgDataHome(), fallito);
+  return fallito ? homeTrashPath() : sopra.native() + "/Trash";
+}
 
 Result<Volume> homeTrashVolume() {
   std::string cartella(parentOf(homeTrashPath()));

@@ -58,6 +58,8 @@ Result<posix::Descriptor> openWithoutLinks(std::string_view percorso, std::strin
 
 /// The folder of the home Trash; only a name.
 std::string homeTrashPath();
+/// The same, links above it resolved.
+std::string realHomeTrashPath();
 
 /// The volume that the home Trash lies on, or would.
 Result<Volume> homeTrashVolume();

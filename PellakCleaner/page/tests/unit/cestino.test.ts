@@ -14,7 +14,13 @@ beforeEach(() => {
 
 test("the notice tells moved, failed and skipped, and undoes exactly what was recorded", async () => {
   canale
-    .poi("/api/trash", { ok: 2, failed: [{ percorso: "/x", err: "permesso negato" }] })
+    .poi("/api/trash", {
+      ok: 2,
+      failed: [
+        { percorso: "/x", err: "permesso negato" },
+        { percorso: "/y", err: "permesso negato da macOS", causa: "la cartella non è scrivibile" },
+      ],
+    })
     .poi("/api/trash_sel", { ok: 0, failed: [], saltati: ["Editor (app aperta)"] })
     .poi("/api/keep_all", { err: "niente da cestinare" })
     .poi("/api/log", { ops: [op("nostra", 2048), op("di prima", 4096)] })
@@ -29,6 +35,7 @@ test("the notice tells moved, failed and skipped, and undoes exactly what was re
     testo: "2 elementi spostati nel Cestino, 2.0 KiB.",
     falliti: [
       { cosa: "/x", perche: "permesso negato" },
+      { cosa: "/y", perche: "la cartella non è scrivibile" },
       { cosa: "", perche: "Editor (app aperta)" },
       { cosa: "", perche: "niente da cestinare" },
     ],
@@ -56,7 +63,12 @@ test("a second click while one move is on its way does nothing", async () => {
 
 test("a restore adds up its operations and keeps each failure", async () => {
   canale
-    .poi("/api/restore", { ok: true, items: 2, errors: ["a.txt: non è più nel Cestino"] })
+    .poi("/api/restore", {
+      ok: true,
+      items: 2,
+      errors: ["a.txt: non è più nel Cestino"],
+      failed: [{ percorso: "/a.txt", err: "non è più nel Cestino" }],
+    })
     .poi("/api/restore", { err: "operazione non trovata" })
     .poi("/api/state", statoVuoto);
   await ripristina(["nuova", "vecchia"]);
