@@ -1,14 +1,13 @@
 #include "PellakCore/MappaDisco.h"
 
 #include <algorithm>
-#include <atomic>
 #include <mutex>
 #include <unordered_set>
 #include <utility>
 
 #include "PellakCore/Finding.h"
+#include "PellakCore/MappaDiscoParti.h"
 #include "PellakCore/base/BytePath.h"
-#include "PellakCore/base/Formati.h"
 #include "PellakCore/base/Guarded.h"
 #include "scanners/walker/FolderSizes.h"
 #include "scanners/walker/Walker.h"
@@ -25,13 +24,6 @@ constexpr std::size_t kMaxAlberi = 64;
 constexpr std::size_t kMaxNegati = 100'000;
 
 constexpr std::int64_t kIgnota = -1;
-
-std::string unisci(const std::string& cartella, std::string_view nome) {
-  std::string percorso = cartella;
-  if (!percorso.ends_with('/')) percorso += '/';
-  percorso += nome;
-  return percorso;
-}
 
 /// The positions of the largest files, no more than a map can show, in listing order. Equal ones:
 /// the first listed.
@@ -54,48 +46,17 @@ std::vector<std::size_t> filePiuGrandi(const std::vector<BulkEntry>& trovati) {
 
 }  // namespace
 
-/// One reading of a folder, cut down to what a map can need.
-struct MappaDisco::Elenco {
-  std::vector<VoceMappa> voci;  ///< all folders and the largest files, in listing order
-  std::int64_t totFile = 0;     ///< of all files
-  std::size_t figli = 0;
-  std::unordered_set<std::string> negati;  ///< paths of children whose record was refused
-};
-
-/// A measuring job.
-struct MappaDisco::Lavoro {
-  std::string percorso;
-  std::shared_ptr<const Elenco> elenco;
-  std::vector<std::string> nomi;      ///< of the child folders to measure
-  std::vector<std::string> percorsi;  ///< the same in full
-  /// The sizes were forgotten meanwhile. Set and, by who publishes, read with the lock held.
-  std::atomic<bool> superato{false};
-  Guarded<std::unordered_set<std::string>> negati;
-};
-
-/// What a finished job knows of the levels below its folder.
-struct MappaDisco::Albero {
-  std::string percorso;
-  walker::FolderSizes cartelle;
-  std::unordered_set<std::string> negati;
-  std::vector<std::string> dimenticate;  ///< folders it no longer speaks for
-
-  bool parlaDi(std::string_view cartella) const {
-    return cartella != percorso && dentroCartella(cartella, percorso) &&
-           std::none_of(dimenticate.begin(), dimenticate.end(),
-                        [&](const std::string& d) { return dentroCartella(cartella, d); });
-  }
-};
-
 MappaDisco::MappaDisco(DirectoryLister& lister, BackgroundPool& sfondo)
     : lister_(lister), sfondo_(sfondo) {}
 
 MappaDisco::~MappaDisco() = default;
 
-Result<MappaDisco::MappaPtr> MappaDisco::richiedi(const std::string& richiesto, bool forza) {
+Result<MappaDisco::MappaPtr> MappaDisco::richiedi(const std::string& richiesto, bool forza,
+                                                  Livelli livelli) {
   if (!forza) {
     const MutexLock hold(lock_);
-    if (MappaPtr nota = notaLocked(richiesto)) return nota;
+    MappaPtr nota = notaLocked(richiesto);
+    if (nota && (nota->conFigli || livelli == Livelli::uno)) return nota;
   }
   const Result<std::string> reale = lister_.resolve(richiesto);
   if (!reale) return reale.error();
@@ -106,22 +67,29 @@ Result<MappaDisco::MappaPtr> MappaDisco::richiedi(const std::string& richiesto, 
   }
   for (;;) {
     std::shared_ptr<const Elenco> elenco;
+    std::shared_ptr<Lavoro> nuovo;
+    MappaPtr nota;
     std::uint64_t generazione = 0;
     {
       const MutexLock hold(lock_);
-      if (MappaPtr nota = notaLocked(percorso)) return nota;
+      nota = notaLocked(percorso);
+      if (nota && livelli == Livelli::due) nuovo = secondoLivelloLocked(nota);
       const auto lavoro = mappaRunning_.find(percorso);
       if (lavoro != mappaRunning_.end() && !lavoro->second->superato) {
         elenco = lavoro->second->elenco;
       }
       generazione = generazione_;
     }
+    if (nuovo) avvia(nuovo);
+    if (nota) return nota;
     if (!elenco) {
       auto letto = elenca(lister_, percorso);
       if (!letto) return letto.error();
       elenco = std::move(*letto);
     }
-    if (auto risposta = rispondi(percorso, std::move(elenco), generazione)) return *risposta;
+    if (auto risposta = rispondi(percorso, std::move(elenco), generazione, livelli)) {
+      return *risposta;
+    }
   }
 }
 
@@ -141,20 +109,21 @@ Result<std::shared_ptr<const MappaDisco::Elenco>> MappaDisco::elenca(DirectoryLi
   for (std::size_t i = 0; i < trovati->size(); ++i) {
     BulkEntry& voce = (*trovati)[i];
     if (voce.isDir) {
-      elenco->voci.push_back({std::move(voce.name), true, kIgnota});
+      elenco->voci.push_back({std::move(voce.name), true, kIgnota, {}, 0});
       continue;
     }
     elenco->totFile = sommaSicura(elenco->totFile, voce.alloc);
     if (prossimo == grandi.end() || *prossimo != i) continue;
     ++prossimo;
-    elenco->voci.push_back({std::move(voce.name), false, voce.alloc});
+    elenco->voci.push_back({std::move(voce.name), false, voce.alloc, {}, 0});
   }
   return std::shared_ptr<const Elenco>(std::move(elenco));
 }
 
 /// Nothing when the listing is older than the last time sizes were forgotten.
 std::optional<Result<MappaDisco::MappaPtr>> MappaDisco::rispondi(
-    const std::string& percorso, std::shared_ptr<const Elenco> elenco, std::uint64_t generazione) {
+    const std::string& percorso, std::shared_ptr<const Elenco> elenco, std::uint64_t generazione,
+    Livelli livelli) {
   std::shared_ptr<Lavoro> nuovo;
   MappaPtr mappa;
   {
@@ -174,8 +143,11 @@ std::optional<Result<MappaDisco::MappaPtr>> MappaDisco::rispondi(
       } else {
         conservaLocked(mappa);
         if (lavora) corrente->second->superato = true;  // a job above was done earlier
+        if (livelli == Livelli::due) nuovo = secondoLivelloLocked(mappa);
       }
-    } else if (!lavora) {
+    } else if (lavora) {
+      corrente->second->livelli |= livelli == Livelli::due;
+    } else {
       nuovo = std::make_shared<Lavoro>();
       nuovo->percorso = percorso;
       for (const VoceMappa& voce : elenco->voci) {
@@ -184,6 +156,7 @@ std::optional<Result<MappaDisco::MappaPtr>> MappaDisco::rispondi(
         nuovo->percorsi.push_back(unisci(percorso, voce.nome));
       }
       nuovo->elenco = std::move(elenco);
+      nuovo->livelli = livelli == Livelli::due;
       mappaRunning_.emplace(percorso, nuovo);
     }
   }
@@ -194,7 +167,7 @@ std::optional<Result<MappaDisco::MappaPtr>> MappaDisco::rispondi(
 void MappaDisco::avvia(const std::shared_ptr<Lavoro>& lavoro) {
   const bool accolto = sfondo_.post([this, lavoro] {
     try {
-      misura(*lavoro);
+      if (const MappaPtr finita = lavoro->finita ? lavoro->finita : misura(*lavoro)) scendi(finita);
     } catch (...) {
       // Stopped, or out of memory: the next request starts anew.
     }
@@ -203,7 +176,8 @@ void MappaDisco::avvia(const std::shared_ptr<Lavoro>& lavoro) {
   if (!accolto) togli(*lavoro);
 }
 
-void MappaDisco::misura(Lavoro& lavoro) {
+/// The finished map when the second level is wanted too.
+MappaDisco::MappaPtr MappaDisco::misura(Lavoro& lavoro) {
   walker::FolderNotes note(kMaxCartelle);
   const walker::Ambiente ambiente{
       lister_, [&](std::string_view percorso) { annotaDiniego(lavoro, percorso); }};
@@ -229,11 +203,13 @@ void MappaDisco::misura(Lavoro& lavoro) {
   albero->cartelle = note.finish(lavoro.percorsi);
   albero->negati = lavoro.negati.with([](auto& negati) { return std::move(negati); });
   const MutexLock hold(lock_);
-  if (lavoro.superato) return;
+  if (lavoro.superato) return nullptr;
   mappaPartial_[lavoro.percorso][lavoro.nomi[ultima.first]] = ultima.second;
   conservaLocked(std::move(albero));
-  Mappa mappa = componiLocked(lavoro.percorso, *lavoro.elenco);
-  if (!mappa.misurando()) conservaLocked(std::make_shared<const Mappa>(std::move(mappa)));
+  const auto mappa = std::make_shared<const Mappa>(componiLocked(lavoro.percorso, *lavoro.elenco));
+  if (mappa->misurando()) return nullptr;
+  conservaLocked(mappa);
+  return lavoro.livelli && !mappa->conFigli ? mappa : nullptr;
 }
 
 /// A folder that can't be opened is told twice; each path counts once.
@@ -351,6 +327,8 @@ Mappa MappaDisco::componiLocked(const std::string& percorso, const Elenco& elenc
   mappa.tot = elenco.totFile;
   mappa.figli = elenco.figli;
   mappa.nonLeggibili = static_cast<std::int64_t>(elenco.negati.size());
+  mappa.conFigli = std::none_of(elenco.voci.begin(), elenco.voci.end(),
+                                [](const VoceMappa& voce) { return voce.dir; });
   const auto dinieghi = mappaDinieghi_.find(percorso);
   if (dinieghi != mappaDinieghi_.end()) mappa.nonLeggibili += dinieghi->second;
 
@@ -373,28 +351,10 @@ Mappa MappaDisco::componiLocked(const std::string& percorso, const Elenco& elenc
                    [](const auto& a, const auto& b) { return a.first > b.first; });
   voci.resize(std::min(voci.size(), kMaxVoci));
   mappa.voci.reserve(voci.size());
-  for (const auto& [size, voce] : voci) mappa.voci.push_back({voce->nome, voce->dir, size});
-  return mappa;
-}
-
-void scriviMappa(JsonWriter& uscita, const Mappa& mappa) {
-  uscita.beginObject();
-  uscita.key("path").text(mappa.percorso);
-  uscita.key("tot").integer(mappa.tot);
-  uscita.key("tot_h").text(dimensione(mappa.tot));
-  uscita.key("items").beginArray();
-  for (const VoceMappa& voce : mappa.voci) {
-    uscita.beginObject();
-    uscita.key("nome").text(voce.nome);
-    uscita.key("dir").boolean(voce.dir);
-    uscita.key("size").integer(voce.size);
-    uscita.key("size_h").text(voce.size < 0 ? "…" : dimensione(voce.size));
-    uscita.endObject();
+  for (const auto& [size, voce] : voci) {
+    mappa.voci.push_back({voce->nome, voce->dir, size, {}, 0});
   }
-  uscita.endArray();
-  if (mappa.nonLeggibili > 0) uscita.key("non_leggibili").integer(mappa.nonLeggibili);
-  uscita.key("misurando").boolean(mappa.misurando());
-  uscita.endObject();
+  return mappa;
 }
 
 }  // namespace pellak

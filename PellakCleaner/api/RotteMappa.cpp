@@ -8,10 +8,12 @@ namespace pellak::api::gestori {
 Risposta mappa(Servizi& servizi, Json corpo) {
   const std::string percorso = standardizza(corpo.testo("path", "~"), servizi.home);
   if (percorso.empty()) return errore("percorso non valido", 400);
-  const auto trovata = servizi.engine.mappa().richiedi(percorso, corpo.booleano("force", false));
+  const Livelli livelli = corpo.intero("livelli", 1) == 2 ? Livelli::due : Livelli::uno;
+  const auto trovata =
+      servizi.engine.mappa().richiedi(percorso, corpo.booleano("force", false), livelli);
   if (!trovata) return errore("cartella non leggibile (permessi)", 403);
   JsonWriter uscita;
-  scriviMappa(uscita, **trovata);
+  scriviMappa(uscita, **trovata, livelli);
   return conTesto(uscita.take());
 }
 

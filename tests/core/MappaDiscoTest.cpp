@@ -46,8 +46,8 @@ class ListerContato {
 
 class MappaDiscoTest : public testing::Test {
  protected:
-  MappaPtr chiedi(const std::string& percorso, bool forza = false) {
-    const auto risposta = mappa.richiedi(percorso, forza);
+  MappaPtr chiedi(const std::string& percorso, bool forza = false, Livelli livelli = Livelli::uno) {
+    const auto risposta = mappa.richiedi(percorso, forza, livelli);
     if (!risposta) throw std::runtime_error("not listed: " + percorso);
     return *risposta;
   }
@@ -251,6 +251,34 @@ TEST_F(MappaDiscoTest, LevelsBelowAMeasuredFolderNeedNoWalk) {
   EXPECT_TRUE(chiedi("/v/a0/b3")->misurando());
 }
 
+TEST_F(MappaDiscoTest, TheSecondLevelShowsTheLargestOfEachLargeFolder) {
+  for (int i = 1; i <= 20; ++i) lister.albero.file("/v/a/f" + std::to_string(i), i * 4096);
+  lister.albero.file("/v/a/g/x/y", 4096 * 1000);
+  lister.albero.file("/v/briciola/f", 4096);
+  const auto due = [&](const std::string& percorso) {
+    for (;;) {
+      const auto risposta = mappa.richiedi(percorso, false, Livelli::due);
+      if (!risposta || (*risposta)->conFigli) return *risposta;
+      if (!mappa.attendi(percorso, 10s)) throw std::runtime_error("still measuring");
+    }
+  };
+  finita("/v");  // one level first: the second joins without another measure
+  const MappaPtr intera = due("/v");
+  const VoceMappa& a = intera->voci.at(0);
+  ASSERT_EQ(a.figli.size(), MappaDisco::kMaxFigli);
+  EXPECT_EQ(a.quanti, 21U);
+  EXPECT_EQ(a.figli[0].nome + " " + a.figli[11].nome, "g f10");
+  EXPECT_EQ(a.figli[0].size, 4096 * 1000);
+  EXPECT_TRUE(intera->voci.at(1).figli.empty()) << "a speck";
+  EXPECT_EQ(due("/v/a")->voci.at(0).figli.at(0).nome, "x") << "known from the measure above";
+  EXPECT_EQ(lister.misurato("/v/a/g"), 1);
+  EXPECT_EQ(chiedi("/v"), intera);
+  EXPECT_EQ(testo(*intera).find("figli"), std::string::npos) << "only where asked for";
+  lister.albero.file("/v/a/h/z", 4096 * 5000);
+  mappa.svuota();
+  EXPECT_EQ(due("/v")->voci.at(0).figli.at(0).nome, "h");
+}
+
 TEST_F(MappaDiscoTest, RequestsJobsAndForgettingMayCrossAtWill) {
   for (int i = 0; i < 64; ++i) {
     lister.albero.file("/v/a" + std::to_string(i % 8) + "/b" + std::to_string(i) + "/f", 4096);
@@ -260,7 +288,8 @@ TEST_F(MappaDiscoTest, RequestsJobsAndForgettingMayCrossAtWill) {
     fili.emplace_back([this, n] {
       for (int i = 0; i < 150; ++i) {
         const std::string cartella = i % 3 == 0 ? "/v" : "/v/a" + std::to_string(i % 8);
-        const MappaPtr trovata = chiedi(cartella, n == 1 && i % 7 == 0);
+        const MappaPtr trovata =
+            chiedi(cartella, n == 1 && i % 7 == 0, n == 2 ? Livelli::due : Livelli::uno);
         EXPECT_LE(trovata->tot, 64 * 4096);
         if (n == 0 && i % 5 == 0) mappa.svuota();
       }
