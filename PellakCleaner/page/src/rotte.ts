@@ -117,6 +117,8 @@ export interface RispostaMappa {
   items: VoceMappa[];
   non_leggibili?: number;
   misurando?: boolean;
+  /** All children; `items` holds the largest. */
+  quanti?: number;
 }
 
 export interface VoceMappa {
@@ -124,6 +126,15 @@ export interface VoceMappa {
   dir: boolean;
   size: number;
   size_h: string;
+  /** The largest entries of a large folder, once they are known, and how many it holds. */
+  figli?: FiglioMappa[];
+  quanti?: number;
+}
+
+export interface FiglioMappa {
+  nome: string;
+  dir: boolean;
+  size: number;
 }
 
 export interface RispostaPermessi {
@@ -207,7 +218,7 @@ export interface Rotte {
   "/api/scan": UnaRotta<{ section?: string }, Riuscita>;
   "/api/stop": UnaRotta<object, Riuscita>;
   "/api/log": UnaRotta<object, RispostaRegistro>;
-  "/api/mappa": UnaRotta<{ path?: string; force?: boolean }, RispostaMappa>;
+  "/api/mappa": UnaRotta<{ path?: string; force?: boolean; livelli?: 2 }, RispostaMappa>;
   "/api/apri": UnaRotta<{ path: string }, Riuscita>;
   "/api/mostra": UnaRotta<{ path: string }, Riuscita>;
   "/api/reveal": UnaRotta<{ id: string; group: number }, Riuscita>;

@@ -17,6 +17,12 @@ interface Proprieta<T> {
   apri?: (voce: T) => void;
   /** What a click does, where it does not choose. */
   clic?: (voce: T) => void;
+  /** The row that lights up because something points at it; `segui`: it is brought into sight. */
+  accesa?: number;
+  segui?: boolean;
+  /** The row that pointer or focus is on; none when they leave. */
+  indica?: (voce: T | null) => void;
+  id?: string;
 }
 
 /**
@@ -45,6 +51,12 @@ export function Elenco<T>(props: Proprieta<T>) {
       ?.querySelector<HTMLElement>(`[data-indice="${corrente}"]`)
       ?.focus({ preventScroll: true });
   });
+
+  useLayoutEffect(() => {
+    if (props.segui && props.accesa !== undefined && props.accesa >= 0) {
+      virtuale.scrollToIndex(props.accesa, { align: "auto" });
+    }
+  }, [props.accesa]);
 
   function vai(a: number) {
     const meta = Math.min(Math.max(a, 0), voci.length - 1);
@@ -77,7 +89,9 @@ export function Elenco<T>(props: Proprieta<T>) {
       aria-rowcount={voci.length}
       {...(props.scelta ? { "aria-multiselectable": true } : {})}
       ref={radice}
+      {...(props.id ? { id: props.id } : {})}
       onKeyDown={tasto}
+      onPointerLeave={() => props.indica?.(null)}
       style={{ height: `${virtuale.getTotalSize()}px` }}
     >
       {righe.map(({ indice, chiave }) => {
@@ -88,12 +102,16 @@ export function Elenco<T>(props: Proprieta<T>) {
           <div
             key={chiave}
             role="row"
-            class="riga"
+            class={indice === props.accesa ? "riga riga-accesa" : "riga"}
             data-indice={indice}
             aria-rowindex={indice + 1}
             tabIndex={indice === corrente ? 0 : -1}
             {...(scelta === undefined ? {} : { "aria-selected": scelta })}
-            onFocusIn={() => setAttiva(indice)}
+            onFocusIn={() => {
+              setAttiva(indice);
+              props.indica?.(voce);
+            }}
+            onPointerEnter={() => props.indica?.(voce)}
             onClick={() => (props.alterna ?? props.clic)?.(voce)}
             style={{ height: `${altezza}px`, top: `${indice * altezza}px` }}
           >

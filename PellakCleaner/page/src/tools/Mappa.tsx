@@ -1,3 +1,4 @@
+import { type Signal, useSignal } from "@preact/signals";
 import {
   ChartPie,
   ChevronRight,
@@ -7,7 +8,7 @@ import {
   FolderOpen,
   RefreshCw,
 } from "lucide-preact";
-import { useEffect, useMemo, useState } from "preact/hooks";
+import { useEffect, useId, useMemo, useState } from "preact/hooks";
 import { mostra } from "../cestino";
 import { Anello } from "../components/Anello";
 import { Elenco } from "../components/Elenco";
@@ -15,12 +16,13 @@ import { Pulsante, PulsanteIcona } from "../components/Pulsante";
 import { Ricerca } from "../components/Ricerca";
 import { AreaScorrevole, Vista } from "../components/Vista";
 import { Vuoto } from "../components/Vuoto";
-import type { RispostaMappa, VoceMappa } from "../rotte";
+import type { FiglioMappa, RispostaMappa, VoceMappa } from "../rotte";
 import { casa, visibile } from "../store";
-import { frase, mostrabile, quanti } from "../testo";
+import { frase, mostrabile, numero, quanti } from "../testo";
 import type { Vista as DatiVista } from "../vista";
-import { MappaAlbero } from "./MappaAlbero";
+import { type Indicata, MappaAlbero } from "./MappaAlbero";
 import { apriMappa, briciole, dentro, misuraDiNuovo, sopra, statoMappa, vai } from "./mappaStato";
+import { tinte } from "./tessere";
 import { tipoDi } from "./tipi";
 import "./Mappa.css";
 
@@ -82,6 +84,11 @@ function Mappa() {
     >
       {errore && <Vuoto Icona={Folder}>{frase(errore)}.</Vuoto>}
       {dati && <Cartella key={dati.path} dati={dati} />}
+      {!dati && !errore && (
+        <div class="vuoto">
+          <Anello etichetta="attesa" grande />
+        </div>
+      )}
     </Vista>
   );
 }
@@ -95,8 +102,11 @@ function StatoCartella({ dati }: { dati: RispostaMappa }) {
           <Anello etichetta="misura in corso" /> misura in corso
         </>
       ) : (
-        ` in ${quanti(dati.items.length, "elemento", "elementi")}`
+        ` in ${quanti(dati.quanti ?? dati.items.length, "elemento", "elementi")}`
       )}
+      {!dati.misurando &&
+        (dati.quanti ?? 0) > dati.items.length &&
+        `, mostrati i ${numero(dati.items.length)} più grandi`}
       {dati.non_leggibili !== undefined &&
         `, ${quanti(dati.non_leggibili, "non leggibile", "non leggibili")}`}
     </>
@@ -129,17 +139,20 @@ function Cartella({ dati }: { dati: RispostaMappa }) {
     const cercato = filtro.trim().toLowerCase();
     return cercato ? dati.items.filter((v) => v.nome.toLowerCase().includes(cercato)) : dati.items;
   }, [dati.items, filtro]);
-  const entra = (voce: VoceMappa) => {
+  const indicata = useSignal<Indicata | null>(null);
+  const elenco = useId();
+  const entra = (voce: VoceMappa, figlio?: FiglioMappa) => {
     const percorso = dentro(dati.path, voce.nome);
-    void (voce.dir ? vai(percorso) : mostra(percorso));
+    if (figlio?.dir) void vai(dentro(percorso, figlio.nome));
+    else void (voce.dir ? vai(percorso) : mostra(percorso));
   };
   if (dati.items.length === 0) return <Vuoto Icona={FolderOpen}>La cartella è vuota.</Vuoto>;
   return (
     <div class="mappa">
-      <MappaAlbero dati={dati} entra={entra} />
+      <MappaAlbero dati={dati} entra={entra} indicata={indicata} elenco={elenco} />
       <div class="mappa-lista">
         <Ricerca valore={filtro} cambia={setFiltro} etichetta="Filtra per nome" />
-        <Lista dati={dati} voci={voci} entra={entra} />
+        <Lista dati={dati} voci={voci} entra={entra} indicata={indicata} id={elenco} />
       </div>
     </div>
   );
@@ -149,10 +162,13 @@ interface ProprietaLista {
   dati: RispostaMappa;
   voci: readonly VoceMappa[];
   entra: (voce: VoceMappa) => void;
+  indicata: Signal<Indicata | null>;
+  id: string;
 }
 
-function Lista({ dati, voci, entra }: ProprietaLista) {
+function Lista({ dati, voci, entra, indicata, id }: ProprietaLista) {
   const massimo = Math.max(1, dati.items[0]?.size ?? 1);
+  const tinta = useMemo(() => tinte(dati.items), [dati.items]);
   if (voci.length === 0) return <p class="elenco-vuoto">Nessuna voce con questo nome.</p>;
   return (
     <AreaScorrevole classe="mappa-scorri">
@@ -160,8 +176,14 @@ function Lista({ dati, voci, entra }: ProprietaLista) {
         etichetta="Contenuto della cartella"
         voci={voci}
         altezza={34}
+        id={id}
         apri={entra}
         clic={entra}
+        accesa={voci.findIndex((v) => v.nome === indicata.value?.nome)}
+        segui={indicata.value?.qui === "albero"}
+        indica={(voce) => {
+          indicata.value = voce && { nome: voce.nome, qui: "elenco" };
+        }}
         riga={(voce, attiva) => {
           const nome = mostrabile(voce.nome);
           const Icona = voce.dir ? Folder : File;
@@ -180,8 +202,11 @@ function Lista({ dati, voci, entra }: ProprietaLista) {
                 </span>
                 <span class="mappa-barra" aria-hidden="true">
                   <span
-                    class={`sfondo-${tipoDi(voce.nome, voce.dir)}`}
-                    style={{ width: `${Math.max(0, (voce.size / massimo) * 100)}%` }}
+                    class={voce.dir ? "sfondo-voce" : `sfondo-${tipoDi(voce.nome, false)}`}
+                    style={{
+                      width: `${Math.max(0, (voce.size / massimo) * 100)}%`,
+                      ...(voce.dir ? { "--tinta": String(tinta.get(voce.nome)) } : {}),
+                    }}
                   />
                 </span>
               </div>

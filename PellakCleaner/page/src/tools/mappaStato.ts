@@ -2,6 +2,7 @@ import { signal } from "@preact/signals";
 import { api } from "../api";
 import { type RispostaMappa, fallita } from "../rotte";
 import { casa, visibile } from "../store";
+import { dimensione } from "../testo";
 
 /** The folder that the map shows; asked for again while its sizes are still being measured. */
 
@@ -22,7 +23,8 @@ let aperta = false;
 async function chiedi(percorso: string, force: boolean): Promise<void> {
   const questa = ++richiesta;
   window.clearTimeout(timer);
-  const risposta = await api("/api/mappa", force ? { path: percorso, force } : { path: percorso });
+  const corpo = { path: percorso, livelli: 2 as const };
+  const risposta = await api("/api/mappa", force ? { ...corpo, force } : corpo);
   // A newer folder was chosen meanwhile.
   if (questa !== richiesta) return;
   if (fallita(risposta)) {
@@ -36,9 +38,26 @@ async function chiedi(percorso: string, force: boolean): Promise<void> {
   }
 }
 
+/** What is known of a folder before it was asked for: what its parent's map shows of it. */
+function anticipo(percorso: string): RispostaMappa | null {
+  const { mappa } = statoMappa.value;
+  if (!mappa || sopra(percorso) !== mappa.path) return null;
+  const voce = mappa.items.find((v) => v.dir && dentro(mappa.path, v.nome) === percorso);
+  if (!voce?.figli) return null;
+  return {
+    path: percorso,
+    tot: voce.size,
+    tot_h: voce.size_h,
+    items: voce.figli.map((f) => ({ ...f, size_h: dimensione(f.size) })),
+    misurando: true,
+    ...(voce.quanti === undefined ? {} : { quanti: voce.quanti }),
+  };
+}
+
+/** Goes to a folder. What is known of it shows at once, the rest when the answer is there. */
 export function vai(percorso: string): Promise<void> {
   if (percorso !== statoMappa.value.percorso) {
-    statoMappa.value = { percorso, mappa: null, errore: "" };
+    statoMappa.value = { percorso, mappa: anticipo(percorso), errore: "" };
   }
   return chiedi(percorso, false);
 }

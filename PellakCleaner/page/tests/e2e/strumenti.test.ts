@@ -33,7 +33,15 @@ describe("map, settings, polling", () => {
     expect(await righe.allInnerTexts()).toHaveLength(2);
 
     await page.keyboard.press("Backspace");
-    await page.locator(".tessera", { hasText: "Archivio" }).click();
+    const accesa = page.locator(".riga-accesa");
+    await page.locator('.tessera-interna[title^="Filmati/viaggio"]').hover();
+    await expect.poll(() => accesa.innerText()).toContain("Filmati");
+    const archivio = page.locator('.tessera[data-nome="Archivio"]');
+    await archivio.focus();
+    await expect.poll(() => accesa.innerText()).toContain("Archivio");
+    await page.keyboard.press("ArrowUp");
+    expect(await page.evaluate(() => document.activeElement?.textContent)).toContain("Filmati");
+    await archivio.click({ position: { x: 12, y: 8 } });
     await page.locator(".tessera.sfondo-archivi").waitFor();
     await page.locator(".briciole").getByText("Cartella utente").click();
     await page.locator(".tessera", { hasText: "Filmati" }).waitFor();

@@ -34,6 +34,20 @@ test("the folder is asked for again while it is measured, and only while the vie
   expect(canale.richieste).toHaveLength(4);
 });
 
+test("a folder shows what the map above knows of it before its own answer is there", async () => {
+  const chiudi = apriMappa();
+  const figli = [{ nome: "f", dir: false, size: 2048 }];
+  const x = { nome: "x", dir: true, size: 4096, size_h: "4.0 KiB", figli, quanti: 7 };
+  canale.poi("/api/mappa", { ...mappa("/casa", 1, false), items: [x] });
+  await vai("/casa");
+  void vai("/casa/x");
+  expect(statoMappa.value.mappa).toMatchObject({ path: "/casa/x", tot: 4096, quanti: 7 });
+  expect(statoMappa.value.mappa?.items.map((v) => v.nome)).toEqual(["f"]);
+  void vai("/altrove");
+  expect(statoMappa.value.mappa).toBeNull();
+  chiudi();
+});
+
 test("the reply of a folder left meanwhile changes nothing; a refusal is shown", async () => {
   const chiudi = apriMappa();
   void vai("/lenta");

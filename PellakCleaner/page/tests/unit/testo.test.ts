@@ -2,7 +2,6 @@ import { expect, test } from "vitest";
 import { ammesso } from "../../src/components/CampoNumero";
 import { conTilde, dimensione, mostrabile, quando } from "../../src/testo";
 import { briciole, dentro, sopra } from "../../src/tools/mappaStato";
-import { tessere } from "../../src/tools/tessere";
 
 test("sizes read as the native side writes them", () => {
   const casi: [number, string][] = [
@@ -63,30 +62,4 @@ test("folders of the map: up ends at the root, the trail begins at the home fold
     "/home/anna/x/y",
   ]);
   expect(percorsi("/home/annabella", "/home/anna")).toEqual(["/", "/home", "/home/annabella"]);
-});
-
-test("areas follow the sizes, never overlap, and specks are gathered", () => {
-  const voci = [
-    ...[600, 300, 100].map((size, i) => ({ nome: `v${i}`, dir: false, size, size_h: "" })),
-    ...Array.from({ length: 500 }, (_, i) => ({
-      nome: `p${i}`,
-      dir: false,
-      size: 0.1,
-      size_h: "",
-    })),
-    { nome: "ignota", dir: true, size: -1, size_h: "…" },
-  ];
-  const lista = tessere(voci, 1000, 600);
-  const area = (i: number) => (lista[i]?.largo ?? 0) * (lista[i]?.alto ?? 0);
-  expect(area(0) / area(1)).toBeCloseTo(2, 0);
-  expect(lista).toHaveLength(4);
-  expect(lista.at(-1)).toMatchObject({ voce: null, altre: 500 });
-  for (const [i, a] of lista.entries()) {
-    expect(a.x >= 0 && a.y >= 0 && a.x + a.largo <= 1000 && a.y + a.alto <= 600).toBe(true);
-    for (const b of lista.slice(i + 1)) {
-      const separate =
-        a.x + a.largo <= b.x || b.x + b.largo <= a.x || a.y + a.alto <= b.y || b.y + b.alto <= a.y;
-      expect(separate).toBe(true);
-    }
-  }
 });
