@@ -19,14 +19,18 @@ enum class MenuAction {
   awakeForever,
   awakeOff,
   about,
-  quit
+  quit,
+  scanView,   ///< scans what the page shows
+  settings,   ///< the page's settings
+  firstView,  ///< and the ones after it up to `lastView`: the page's views in their order
+  lastView = firstView + 8
 };
 
 /// One entry of a menu. Without title and submenu it is a separator.
 struct MenuEntry {
   std::string titolo;
   MenuAction azione = MenuAction::none;
-  std::string tasto;  ///< letter of the key equivalent; empty: none
+  std::string tasto;  ///< sign of the key equivalent; empty: none
   bool spunta = false;
   std::vector<MenuEntry> sotto;
 };

@@ -8,6 +8,7 @@
 
 #include "PellakCore/base/Json.h"
 #include "PellakCore/base/JsonWriter.h"
+#include "shell/MenuPrincipale.h"
 
 namespace pellak::shell {
 namespace {
@@ -19,14 +20,6 @@ constexpr double kBarInterval = 4;
 constexpr std::size_t kTouchedBytes = std::size_t{64} << 20U;
 constexpr const char* kVisibile = "window.__pellakVisible && __pellakVisible(true)";
 constexpr const char* kNascosta = "window.__pellakVisible && __pellakVisible(false)";
-
-MenuEntry voce(std::string titolo, MenuAction azione, std::string tasto = {}) {
-  MenuEntry nuova;
-  nuova.titolo = std::move(titolo);
-  nuova.azione = azione;
-  nuova.tasto = std::move(tasto);
-  return nuova;
-}
 
 }  // namespace
 
@@ -49,8 +42,7 @@ int AppDelegate::esegui() {
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
-  host_.setMainMenu({voce(std::string("Informazioni su ") + kNome, MenuAction::about), MenuEntry{},
-                     voce(std::string("Esci da ") + kNome, MenuAction::quit, "q")});
+  host_.setMainMenu(menuPrincipale(kNome));
   host_.setStatusImage(ambiente_.risorse + "/engine/menubar.png", "P");
   mostraMenu();
   scaldaAccessoDisco();
@@ -209,9 +201,23 @@ void AppDelegate::menuChosen(MenuAction azione) {
       return showAbout();
     case MenuAction::quit:
       return host_.terminate(0);
+    case MenuAction::scanView:
+      return dilloAllaPagina("'scansiona'");
+    case MenuAction::settings:
+      return dilloAllaPagina("'impostazioni'");
     case MenuAction::none:
       return;
+    case MenuAction::firstView:
+    case MenuAction::lastView:
+      break;
   }
+  const int posto = static_cast<int>(azione) - static_cast<int>(MenuAction::firstView);
+  dilloAllaPagina("'vista'," + std::to_string(posto));
+}
+
+void AppDelegate::dilloAllaPagina(const std::string& argomenti) {
+  showWindow();
+  host_.evaluate("window.__pellakMenu && __pellakMenu(" + argomenti + ")");
 }
 
 void AppDelegate::showAbout() {
@@ -224,19 +230,19 @@ void AppDelegate::showAbout() {
 
 std::vector<MenuEntry> AppDelegate::vociMenu() const {
   const TitoloSveglio titolo = sveglio_.titolo();
-  MenuEntry tieniSveglio = voce(titolo.testo, MenuAction::none);
+  MenuEntry tieniSveglio = voceMenu(titolo.testo, MenuAction::none);
   tieniSveglio.spunta = titolo.spunta;
-  tieniSveglio.sotto = {voce("Per 30 minuti", MenuAction::awakeHalfHour),
-                        voce("Per 2 ore", MenuAction::awakeTwoHours),
-                        voce("Finché non lo spengo io", MenuAction::awakeForever), MenuEntry{},
-                        voce("Lascia riposare", MenuAction::awakeOff)};
-  return {voce(std::string("Apri ") + kNome, MenuAction::open, "o"),
-          voce("Scansiona tutto", MenuAction::scanAll, "S"),
+  tieniSveglio.sotto = {voceMenu("Per 30 minuti", MenuAction::awakeHalfHour),
+                        voceMenu("Per 2 ore", MenuAction::awakeTwoHours),
+                        voceMenu("Finché non lo spengo io", MenuAction::awakeForever), MenuEntry{},
+                        voceMenu("Lascia riposare", MenuAction::awakeOff)};
+  return {voceMenu(std::string("Apri ") + kNome, MenuAction::open, "o"),
+          voceMenu("Scansiona tutto", MenuAction::scanAll, "S"),
           MenuEntry{},
           tieniSveglio,
           MenuEntry{},
-          voce(std::string("Informazioni su ") + kNome, MenuAction::about),
-          voce(std::string("Esci da ") + kNome, MenuAction::quit, "q")};
+          voceMenu(std::string("Informazioni su ") + kNome, MenuAction::about),
+          voceMenu(std::string("Esci da ") + kNome, MenuAction::quit, "q")};
 }
 
 void AppDelegate::mostraMenu() {

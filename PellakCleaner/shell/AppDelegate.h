@@ -95,6 +95,7 @@ class AppDelegate final : public DesktopEvents {
   void applicaBarra();
   void aggiornaBarra();
   void mostraMenu();
+  void dilloAllaPagina(const std::string& argomenti);
   std::vector<MenuEntry> vociMenu() const;
   void caricaPagina();
   void pickFolder();

@@ -138,6 +138,24 @@ TEST_F(AppDelegateTest, ClosingTheWindowHidesItAndShowingItTellsThePage) {
             "js V.scanAllPending=true;api('/api/scan',{section:'all'}).then(poll)");
 }
 
+TEST_F(AppDelegateTest, TheMenuListsTheKeysOfThePageAndPassesThemOn) {
+  avviata();
+  std::string tasti;
+  for (const MenuEntry& voce : host.mainMenu) {
+    tasti += voce.tasto;
+    for (const MenuEntry& vista : voce.sotto) {
+      tasti += vista.tasto;
+      app().menuChosen(vista.azione);
+      EXPECT_EQ(host.taken().back(), "js window.__pellakMenu && __pellakMenu('vista'," +
+                                         std::to_string(std::stoi(vista.tasto) - 1) + ")");
+    }
+  }
+  EXPECT_EQ(tasti, ",r123456789q");
+  EXPECT_EQ(host.mainMenu.at(4).sotto.at(8).titolo, "Backup e snapshot");
+  app().menuChosen(MenuAction::scanView);
+  EXPECT_EQ(host.taken().back(), "js window.__pellakMenu && __pellakMenu('scansiona')");
+}
+
 TEST_F(AppDelegateTest, WithoutAStatusHostClosingOnlyMinimises) {
   host.hasStatusHost = false;
   avviata();

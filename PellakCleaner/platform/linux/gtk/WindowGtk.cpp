@@ -42,6 +42,12 @@ struct WindowGtk::Handlers {
     return 1;
   }
 
+  static int onMenuKey(GtkAccelGroup* /*tasti*/, GObject* /*window*/, guint /*key*/,
+                       GdkModifierType /*modifiers*/, void* button) {
+    gtk_toggle_button_set_active(GTK_TOGGLE_BUTTON(button), 1);
+    return 1;
+  }
+
   static int onState(GtkWidget* /*window*/, GdkEventWindowState* event, void* raw) {
     auto* self = static_cast<WindowGtk*>(raw);
     if ((event->changed_mask & GDK_WINDOW_STATE_ICONIFIED) == 0) return 0;
@@ -120,6 +126,8 @@ GtkWidget* WindowGtk::headerBar(const std::string& titolo) {
   gtk_widget_set_tooltip_text(button, "Menu");
   atk_object_set_name(gtk_widget_get_accessible(button), "Menu");
   gtk_header_bar_pack_end(GTK_HEADER_BAR(bar), button);
+  gtk_accel_group_connect(menu_.tasti(), GDK_KEY_F10, GdkModifierType{}, GTK_ACCEL_LOCKED,
+                          g_cclosure_new(G_CALLBACK(Handlers::onMenuKey), button, nullptr));
   return bar;
 }
 
