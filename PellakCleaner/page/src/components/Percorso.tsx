@@ -10,7 +10,7 @@ export function Percorso({ percorso, classe }: { percorso: string; classe?: stri
   const inizio = taglio > 0 ? testo.slice(0, taglio) : "";
   return (
     <bdi class={classe ? `percorso ${classe}` : "percorso"} title={testo}>
-      {inizio && <span class="percorso-inizio">{inizio}</span>}
+      {inizio && <span class={inizio === "~" ? "percorso-casa" : "percorso-inizio"}>{inizio}</span>}
       <span class="percorso-fine">{testo.slice(inizio.length)}</span>
     </bdi>
   );

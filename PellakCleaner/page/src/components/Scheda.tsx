@@ -27,7 +27,12 @@ export function Scheda(props: Proprieta) {
   // Many notes begin with these words themselves.
   const soloReport = finding.mode !== "delete" && !finding.note.startsWith("SOLO REPORT");
   const note = Boolean(finding.note || finding.hint || azioni);
-  const classi = ["scheda", note && "scheda-annotata", casella && "scheda-scegli"];
+  const classi = [
+    "scheda scheda-riga",
+    note && "scheda-annotata",
+    casella && "scheda-scegli",
+    !aperta && "scheda-chiusa",
+  ];
   return (
     <section
       class={classi.filter(Boolean).join(" ")}

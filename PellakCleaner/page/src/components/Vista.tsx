@@ -38,8 +38,8 @@ interface Proprieta {
   stato?: ComponentChildren;
   azioni?: ComponentChildren;
   strumenti?: ComponentChildren;
-  /** Live figures and their age. */
-  cifre?: ComponentChildren;
+  /** A line below the title: where one is, or live figures and their age. */
+  sotto?: ComponentChildren;
   piede?: ComponentChildren;
   /** The content fills the height and scrolls by itself. */
   piena?: boolean;
@@ -48,7 +48,7 @@ interface Proprieta {
 
 /** What every view is made of: a head that stays, a content that scrolls, notices and a foot. */
 export function Vista(props: Proprieta) {
-  const { titolo, stato, azioni, strumenti, cifre, piede, piena, children } = props;
+  const { titolo, stato, azioni, strumenti, sotto, piede, piena, children } = props;
   return (
     <main class="vista" aria-label={titolo}>
       <header class="testata">
@@ -60,9 +60,9 @@ export function Vista(props: Proprieta) {
             </p>
           )}
         </div>
-        {azioni && <div class="testata-azioni">{azioni}</div>}
-        {cifre && <div class="testata-cifre">{cifre}</div>}
         {strumenti && <div class="testata-strumenti">{strumenti}</div>}
+        {azioni && <div class="testata-azioni">{azioni}</div>}
+        {sotto && <div class="testata-sotto">{sotto}</div>}
       </header>
       <AreaScorrevole classe={piena ? "corpo corpo-pieno" : "corpo"}>{children}</AreaScorrevole>
       <Avvisi />

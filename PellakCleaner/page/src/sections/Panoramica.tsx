@@ -1,5 +1,7 @@
 import {
+  ChevronRight,
   LayoutDashboard,
+  ListChecks,
   type LucideIcon,
   Play,
   ScanSearch,
@@ -32,6 +34,7 @@ import {
 } from "../store";
 import { dimensione, numero, quando, quanti } from "../testo";
 import type { Vista as DatiVista } from "../vista";
+import logo from "../../../resources/icons/pellak-cleaner.svg";
 import { interrompi, scansiona } from "./Sezione";
 import "./Panoramica.css";
 
@@ -57,6 +60,26 @@ function Panoramica() {
   );
 }
 
+/** Where the most can be freed: the next step after a scan. */
+function Rivedi() {
+  const prima = sezioni.value.reduce<Sezione | null>(
+    (meglio, s) => (byteLiberabili(s) > (meglio ? byteLiberabili(meglio) : 0) ? s : meglio),
+    null,
+  );
+  if (!prima) return null;
+  return (
+    <Pulsante
+      tipo="primario"
+      Icona={ListChecks}
+      onClick={() => {
+        vista.value = prima.id;
+      }}
+    >
+      Rivedi {dimensione(totaleLiberabile.value)}
+    </Pulsante>
+  );
+}
+
 function Azioni() {
   if (occupato.value) {
     return (
@@ -66,9 +89,16 @@ function Azioni() {
     );
   }
   return (
-    <Pulsante tipo="primario" Icona={Play} onClick={() => void scansiona("all")}>
-      Scansiona tutto
-    </Pulsante>
+    <>
+      <Pulsante
+        tipo={totaleLiberabile.value > 0 ? "normale" : "primario"}
+        Icona={Play}
+        onClick={() => void scansiona("all")}
+      >
+        Scansiona tutto
+      </Pulsante>
+      <Rivedi />
+    </>
   );
 }
 
@@ -102,18 +132,27 @@ const PASSI: readonly (readonly [LucideIcon, string, string])[] = [
 
 function Benvenuto() {
   return (
-    <ol class="scheda benvenuto" aria-label="Come funziona">
-      {PASSI.map(([Icona, titolo, testo]) => (
-        <li key={titolo}>
-          <span class="benvenuto-icona">
-            <Icona size={20} aria-hidden="true" />
-          </span>
-          <p>
-            <strong>{titolo}.</strong> {testo}
-          </p>
-        </li>
-      ))}
-    </ol>
+    <section class="scheda benvenuto" aria-label="Come funziona">
+      <div class="benvenuto-testa">
+        <img class="icona-app" src={logo} width={64} height={64} alt="" />
+        <p>
+          <strong>Pellak Cleaner</strong>
+          <span>Trova lo spazio che si può liberare e ti lascia scegliere.</span>
+        </p>
+      </div>
+      <ol>
+        {PASSI.map(([Icona, titolo, testo]) => (
+          <li key={titolo}>
+            <span class="benvenuto-icona">
+              <Icona size={20} aria-hidden="true" />
+            </span>
+            <p>
+              <strong>{titolo}.</strong> {testo}
+            </p>
+          </li>
+        ))}
+      </ol>
+    </section>
   );
 }
 
@@ -219,6 +258,7 @@ function RigaSezione({ sezione }: { sezione: Sezione }) {
           {liberabili > 0 ? dimensione(liberabili) : "–"}
         </span>
       )}
+      <ChevronRight size={15} aria-hidden="true" class="sezioni-freccia" />
     </button>
   );
 }

@@ -52,7 +52,7 @@ export function Sezione({ id }: { id: string }) {
   return (
     <Vista
       titolo={sezione.name}
-      stato={statoMostrato(sezione) || (sezione.queued ? "In coda" : "")}
+      stato={statoConData(sezione)}
       azioni={<Azioni sezione={sezione} />}
       strumenti={
         findings.length > 0 && (
@@ -72,12 +72,7 @@ export function Sezione({ id }: { id: string }) {
         />
       }
     >
-      <p class="descrizione">
-        {descrizione(sezione)}
-        {sezione.last_scan > 0 && (
-          <span class="descrizione-quando">Ultima scansione: {quando(sezione.last_scan)}.</span>
-        )}
-      </p>
+      <p class="descrizione">{descrizione(sezione)}</p>
       {sezione.denied > 0 && <Negati sezione={sezione} />}
       <LasciatiFuori findings={sezione.findings} />
       {findings.map((finding) => (
@@ -93,6 +88,13 @@ export function Sezione({ id }: { id: string }) {
       {findings.length === 0 && <Niente sezione={sezione} />}
     </Vista>
   );
+}
+
+/** What the last scan came to, and when it was. */
+function statoConData(sezione: DatiSezione): string {
+  const stato = statoMostrato(sezione) || (sezione.queued ? "In coda" : "");
+  if (sezione.scanning || sezione.queued || sezione.last_scan <= 0) return stato;
+  return [stato.replace(/\.$/, ""), quando(sezione.last_scan)].filter(Boolean).join(" · ");
 }
 
 export interface ProprietaScheda {

@@ -80,7 +80,7 @@ function Mappa() {
           </Pulsante>
         </>
       }
-      strumenti={<Briciole percorso={percorso} />}
+      sotto={<Briciole percorso={percorso} />}
     >
       {errore && <Vuoto Icona={Folder}>{frase(errore)}.</Vuoto>}
       {dati && <Cartella key={dati.path} dati={dati} />}

@@ -73,7 +73,7 @@ function PannelloTabella() {
     <Vista
       titolo="Processi"
       piena
-      cifre={
+      sotto={
         <CifreVive
           lette={Date.now()}
           cifre={[
