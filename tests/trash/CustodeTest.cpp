@@ -1,24 +1,15 @@
 #include <gtest/gtest.h>
-#include <memory>
 
+#include "platform/Native.h"
 #include "trash/Custode.h"
 
 namespace pellak::trash {
 namespace {
 
-class NoTrash : public TrashCan {
- public:
-  std::unique_ptr<TrashBatch> begin() override { return nullptr; }
-  bool insideTrash(std::string_view percorso) const override {
-    return percorso.starts_with("/home/u/.Trash");
-  }
-  void alsoFrom(std::string /*cartella*/) override {}
-};
-
 TEST(CustodeTest, SaysWhereThingsMayComeBackTo) {
   const Store store("/home/u");
-  const NoTrash can;
-  const Custode custode(store, can);
+  const auto native = creaNative();
+  const Custode custode(store, native->platform().trash);
   for (const char* si : {"/home/u/a", "/home/u/Library/x", "/Applications/A.app", "/media/disco/a",
                          "/Library/LaunchAgents/a.plist", "/Library/LaunchDaemons/a.plist",
                          "/usrlocal", "/var/tmp/a"}) {
