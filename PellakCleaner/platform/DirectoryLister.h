@@ -49,6 +49,12 @@ struct EntryAttributes {
   std::uint32_t gid = 0;
 };
 
+/// What of a file's room on disk goes with it.
+struct OwnSpace {
+  std::int64_t bytes = 0;   ///< that no other file, clone or snapshot holds too
+  std::uint32_t nlink = 0;  ///< hard links
+};
+
 /// One entry as a listing found it. The name lies in the batch's storage and is followed by a
 /// NUL byte; it is neither empty nor "." nor "..".
 struct ListedEntry {
@@ -101,6 +107,17 @@ class DirectoryHandle {
 
   /// Opens a folder in this one. Errors: missing (gone, or no folder any more), denied, failed.
   virtual Result<std::shared_ptr<DirectoryHandle>> open(const char* name) const = 0;
+
+  /// Whether files of this volume may hold the same room on disk; then only `ownSpace` tells what
+  /// is a file's own.
+  virtual bool sharesSpace() const { return false; }
+
+  /// Of a regular file. Errors: missing, denied, failed.
+  virtual Result<OwnSpace> ownSpace(const char* name) const {
+    const auto record = attributes(name);
+    if (!record) return record.error();
+    return OwnSpace{record->alloc, record->nlink};
+  }
 };
 
 /// Lists folders and reads one path's record. Paths are bytes, absolute, of any length, even

@@ -61,6 +61,15 @@ class MemoryHandle final : public DirectoryHandle {
     return openNode(lister_, child->second);
   }
 
+  bool sharesSpace() const override { return lister_.shares; }
+
+  Result<OwnSpace> ownSpace(const char* name) const override {
+    const auto record = attributes(name);
+    if (!record) return record.error();
+    const std::int64_t own = node_->children.find(name)->second->own.value_or(record->alloc);
+    return OwnSpace{own, record->nlink};
+  }
+
   static Result<std::shared_ptr<DirectoryHandle>> openNode(MemoryLister& lister,
                                                            const std::shared_ptr<Node>& node) {
     if (!node || node->attributes.type != EntryType::directory) return missing();

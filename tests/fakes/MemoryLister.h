@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,9 +19,10 @@ class MemoryLister final : public DirectoryLister {
  public:
   struct Node {
     EntryAttributes attributes;
-    bool refused = false;        ///< opening it is denied
-    bool recordRefused = false;  ///< reading its record is denied
-    bool readFails = false;      ///< the bulk read gives entries and then an error
+    bool refused = false;                  ///< opening it is denied
+    bool recordRefused = false;            ///< reading its record is denied
+    bool readFails = false;                ///< the bulk read gives entries and then an error
+    std::optional<std::int64_t> own = {};  ///< bytes that are the file's alone; all when absent
     std::map<std::string, std::shared_ptr<Node>, std::less<>> children = {};
   };
 
@@ -28,6 +30,7 @@ class MemoryLister final : public DirectoryLister {
   bool carriesAttributes = false;  ///< the bulk read gives attributes too
   bool tellsTypes = true;          ///< otherwise entries are of unknown type
   bool certain = true;             ///< the answer to `emptyIsCertain`
+  bool shares = false;             ///< files may share their room
   std::size_t budget = 64;
   /// Called for each record that is asked for by its path; an error is the answer. Any thread.
   std::function<Result<void>(const std::string&)> perRecord;

@@ -55,6 +55,23 @@ TEST_F(WalkerFaultsTest, TellsARefusedFolderOncePerAttempt) {
   EXPECT_THAT(refusals(), IsEmpty());
 }
 
+TEST_F(WalkerFaultsTest, OnlyAFilesOwnRoomIsFreedAndWhatCannotBeAskedIsNot) {
+  lister_.shares = true;
+  lister_.file("/r/d/clone", 50'000).own = 4096;
+  lister_.file("/r/d/plain", 50'000);
+  lister_.file("/r/d/strange", 4096).own = 1 << 30;
+  lister_.file("/r/d/twice", 8192).own = 4096;
+  lister_.hardLink("/r/d/again", "/r/d/twice");
+  lister_.file("/r/single", 50'000).own = 0;
+  const std::int64_t byte = lister_.attributes("/r/d/plain")->alloc;
+  const std::vector<std::string> roots = {"/r/d", "/r/single"};
+  EXPECT_THAT(measureForTrash(ambiente_, roots),
+              ElementsAre(Misura{2 * byte + 5 * 4096, byte + 3 * 4096}, Misura{byte, 0}));
+  lister_.folder("/r").refused = true;
+  EXPECT_EQ(measureForTrash(ambiente_, roots)[1], (Misura{byte, 0}));
+  EXPECT_THAT(refusals(), IsEmpty());
+}
+
 TEST_F(WalkerFaultsTest, TellsARefusedRecordAndGoesOn) {
   lister_.file("/r/a", 1);
   lister_.file("/r/b", 1).recordRefused = true;

@@ -132,6 +132,25 @@ TEST_P(WalkerTest, MeasuresManyRootsLikeOneByOne) {
   EXPECT_THAT(measureTrees(ambiente(), {}), IsEmpty());
 }
 
+TEST_P(WalkerTest, WhatHasAnotherNameOutsideIsNotFreed) {
+  for (const char* folder : {"/t", "/t/x", "/u"}) world_->folder(folder);
+  world_->file("/t/inside", 5000);
+  world_->hardLink("/t/x/again", "/t/inside");
+  world_->file("/t/x/outside", 70000);
+  world_->hardLink("/u/outside", "/t/x/outside");
+  world_->file("/u/plain", 9000);
+  world_->pipe("/u/pipe");
+  world_->link("/u/link", "plain");
+  const std::int64_t inside = world_->alloc("/t/inside");
+  const std::int64_t outside = world_->alloc("/t/x/outside");
+  const std::int64_t plain = world_->alloc("/u/plain");
+  EXPECT_THAT(measureForTrash(ambiente(), std::vector{at("/t"), at("/u"), at(""), at("/t/inside"),
+                                                      at("/u/plain"), at("/gone")}),
+              ElementsAre(Misura{2 * inside + outside, inside}, Misura{outside + plain, plain},
+                          Misura{2 * inside + 2 * outside + plain, inside + outside + plain},
+                          Misura{inside, 0}, Misura{plain, plain}, std::nullopt));
+}
+
 TEST_P(WalkerTest, WalksRegularFilesOnly) {
   makeMixedTree();
   EXPECT_THAT(visited({}, {at("")}),

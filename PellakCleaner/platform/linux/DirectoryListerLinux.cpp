@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/linux/SharedExtents.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/ErrnoError.h"
 #include "platform/posix/FolderPosix.h"
@@ -79,6 +80,12 @@ class HandleLinux final : public DirectoryHandle {
 
   Result<std::shared_ptr<DirectoryHandle>> open(const char* name) const override {
     return wrap(posix::openFolderAt(folder_.get(), name));
+  }
+
+  bool sharesSpace() const override { return sharesExtents(folder_.get()); }
+
+  Result<OwnSpace> ownSpace(const char* name) const override {
+    return ownExtents(folder_.get(), name);
   }
 
   static Result<std::shared_ptr<DirectoryHandle>> wrap(Result<posix::Descriptor> folder) {

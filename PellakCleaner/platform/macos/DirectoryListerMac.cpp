@@ -1,6 +1,7 @@
 #include "platform/macos/DirectoryListerMac.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <fcntl.h>
 #include <sys/attr.h>
 #include <sys/unistd.h>
@@ -32,6 +33,32 @@ Result<EntryAttributes> asAttributes(Result<struct stat> record) {
   return attributes;
 }
 
+/// What the volume tells of these; a volume without clones leaves the private size out.
+Result<OwnSpace> ownSpaceAt(int folder, const char* name) {
+  attrlist wanted = {};
+  wanted.bitmapcount = ATTR_BIT_MAP_COUNT;
+  wanted.commonattr = ATTR_CMN_RETURNED_ATTRS;
+  wanted.fileattr = ATTR_FILE_LINKCOUNT | ATTR_FILE_ALLOCSIZE;
+  wanted.forkattr = ATTR_CMNEXT_PRIVATESIZE;
+  // Packed by four bytes, in this order.
+  struct [[gnu::packed]] {
+    std::uint32_t length;
+    attribute_set_t returned;
+    std::uint32_t nlink;
+    off_t allocated;
+    off_t own;
+  } answer = {};
+  if (::getattrlistat(folder, name, &wanted, &answer, sizeof answer,
+                      FSOPT_NOFOLLOW | FSOPT_ATTR_CMN_EXTENDED) != 0) {
+    return posix::errnoError(errno);
+  }
+  if ((answer.returned.fileattr & wanted.fileattr) != wanted.fileattr) {
+    return posix::errnoError(ENOTSUP);
+  }
+  const bool clones = (answer.returned.forkattr & ATTR_CMNEXT_PRIVATESIZE) != 0;
+  return OwnSpace{clones ? answer.own : answer.allocated, answer.nlink};
+}
+
 class HandleMac final : public DirectoryHandle {
  public:
   explicit HandleMac(posix::Descriptor folder) : folder_(std::move(folder)) {}
@@ -61,6 +88,13 @@ class HandleMac final : public DirectoryHandle {
 
   Result<std::shared_ptr<DirectoryHandle>> open(const char* name) const override {
     return wrap(posix::openFolderAt(folder_.get(), name));
+  }
+
+  /// Listings tell no hard links, so every file is asked.
+  bool sharesSpace() const override { return true; }
+
+  Result<OwnSpace> ownSpace(const char* name) const override {
+    return ownSpaceAt(folder_.get(), name);
   }
 
   static Result<std::shared_ptr<DirectoryHandle>> wrap(Result<posix::Descriptor> folder) {

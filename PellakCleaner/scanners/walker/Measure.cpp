@@ -7,6 +7,7 @@
 
 #include "scanners/walker/FolderReader.h"
 #include "scanners/walker/FolderSizes.h"
+#include "scanners/walker/FreeSpace.h"
 #include "scanners/walker/WalkCore.h"
 #include "scanners/walker/Walker.h"
 
@@ -23,10 +24,10 @@ std::int64_t sum(std::int64_t a, std::int64_t b) {
 /// total at the end of each piece of work.
 class MeasureClient final : public WalkClient {
  public:
-  /// `notes` may be none.
+  /// `notes` and `space` may be none.
   MeasureClient(const Ambiente& ambiente, std::size_t roots, const Misurata& misurata,
-                FolderNotes* notes)
-      : ambiente_(ambiente), misurata_(misurata), notes_(notes), roots_(roots) {}
+                FolderNotes* notes, FreeSpace* space = nullptr)
+      : ambiente_(ambiente), misurata_(misurata), notes_(notes), space_(space), roots_(roots) {}
 
   bool onlyRegular() const override { return false; }
   bool entersName(std::string_view) const override { return true; }
@@ -41,7 +42,9 @@ class MeasureClient final : public WalkClient {
       return false;
     }
     if (attributes->type == EntryType::directory) return true;
-    if (attributes->type != EntryType::link) parts_[worker].bytes = attributes->alloc;
+    if (attributes->type == EntryType::link) return false;
+    parts_[worker].bytes = attributes->alloc;
+    if (space_ != nullptr) space_->rootFile(worker, root, percorso, *attributes);
     return false;
   }
 
@@ -52,6 +55,7 @@ class MeasureClient final : public WalkClient {
   void file(const FileSeen& seen, const EntryAttributes& attributes) override {
     std::int64_t& bytes = parts_[seen.worker].bytes;
     bytes = sum(bytes, attributes.alloc);
+    if (space_ != nullptr) askSpace(seen, attributes);
   }
 
   void added(std::size_t root, std::size_t pieces) override {
@@ -72,6 +76,11 @@ class MeasureClient final : public WalkClient {
   }
 
  private:
+  void askSpace(const FileSeen& seen, const EntryAttributes& attributes) {
+    const auto folder = space_->plain(seen.worker, attributes) ? nullptr : seen.folder->handle();
+    space_->file(seen.worker, seen.root, folder.get(), seen.name, attributes);
+  }
+
   struct Root {
     std::atomic<std::int64_t> bytes{0};
     std::atomic<std::size_t> pieces{1};
@@ -84,6 +93,7 @@ class MeasureClient final : public WalkClient {
   const Ambiente& ambiente_;
   const Misurata& misurata_;
   FolderNotes* const notes_;
+  FreeSpace* const space_;
   std::vector<Root> roots_;
   std::array<Part, kMaxListings> parts_;
   std::mutex lock_;
@@ -112,6 +122,23 @@ std::vector<std::optional<std::int64_t>> measureTrees(const Ambiente& ambiente,
   measureTrees(ambiente, percorsi, stop,
                [&](std::size_t i, std::optional<std::int64_t> bytes) { sizes[i] = bytes; });
   return sizes;
+}
+
+std::vector<std::optional<Misura>> measureForTrash(const Ambiente& ambiente,
+                                                   std::span<const std::string> percorsi,
+                                                   const Stop& stop) {
+  std::vector<std::optional<Misura>> measures(percorsi.size());
+  const Misurata keep = [&](std::size_t i, std::optional<std::int64_t> bytes) {
+    if (bytes) measures[i] = Misura{*bytes, 0};
+  };
+  FreeSpace space(ambiente);
+  MeasureClient client(ambiente, percorsi.size(), keep, nullptr, &space);
+  walkTogether(ambiente, stop, client, percorsi);
+  const std::vector<std::int64_t> kept = space.kept(percorsi.size());
+  for (std::size_t i = 0; i < measures.size(); ++i) {
+    if (measures[i]) measures[i]->libera = measures[i]->byte - kept[i];
+  }
+  return measures;
 }
 
 }  // namespace pellak::walker

@@ -101,6 +101,20 @@ std::vector<std::optional<std::int64_t>> measureTrees(const Ambiente& ambiente,
                                                       std::span<const std::string> percorsi,
                                                       const Stop& stop = {});
 
+/// A tree on its way to the Trash.
+struct Misura {
+  std::int64_t byte = 0;    ///< as `treeSize` counts
+  std::int64_t libera = 0;  ///< what the disk surely gets back once the tree is deleted
+
+  friend bool operator==(const Misura&, const Misura&) = default;
+};
+
+/// `measureTrees` of what may be moved to the Trash. A file counts as free only when all its hard
+/// links lie in its tree, and then once, and without the room that it shares with other files.
+std::vector<std::optional<Misura>> measureForTrash(const Ambiente& ambiente,
+                                                   std::span<const std::string> percorsi,
+                                                   const Stop& stop = {});
+
 /// One level of a walk.
 template <class T>
 struct Livello {
