@@ -106,7 +106,7 @@ void FullRebuild(benchmark::State& state) {
     StatoTesto testo;
     Rope uscita;
     for (const Meta& meta : metas()) {
-      testo.scriviSezione(uscita, meta, sezione, false, meta.id == "sviluppo",
+      testo.scriviSezione(uscita, meta, sezione, {}, meta.id == "sviluppo",
                           [](std::string_view) { return std::string(); });
     }
     bytes = uscita.size();

@@ -99,46 +99,6 @@ bool Engine::occupatoLocked() const {
                                         [](const auto& voce) { return voce.second.scanning; });
 }
 
-std::shared_ptr<const Snapshot> Engine::snapshot() {
-  const MutexLock hold(lock_);
-  if (cachedState_ == nullptr) cachedState_ = costruisciLocked();
-  return cachedState_;
-}
-
-bool Engine::scandibile(const Meta& meta) const {
-  const auto& speciali = ambiente_.scanner.speciali;
-  const bool conRegole = ambiente_.scanner.regole && !meta.cats.empty();
-  return conRegole || std::any_of(meta.specials.begin(), meta.specials.end(),
-                                  [&](std::string_view id) { return speciali.contains(id); });
-}
-
-std::shared_ptr<const Snapshot> Engine::costruisciLocked() {
-  auto nuovo = std::make_shared<Snapshot>();
-  nuovo->ver = stateVer_;
-  nuovo->busy = occupatoLocked();
-  nuovo->testo.add("{\"sections\":[");
-  const IconaNota icona = [this](std::string_view chiave) { return icone_.nota(chiave); };
-  for (const Meta& meta : metas()) {
-    const Sec& sezione = state_.find(meta.id)->second;
-    const bool inCoda = std::find(queue_.begin(), queue_.end(), meta.id) != queue_.end();
-    RiassuntoSezione riassunto{std::string(meta.id),
-                               std::string(meta.name),
-                               sezione.statoMostrato(),
-                               sezione.scanning,
-                               inCoda,
-                               0,
-                               sezione.totale(),
-                               sezione.lastScan,
-                               scandibile(meta)};
-    for (const Finding& finding : sezione.findings) riassunto.voci += finding.quante();
-    statoTesto_.scriviSezione(nuovo->testo, meta, sezione, inCoda, nuovo->sezioni.empty(), icona);
-    nuovo->sezioni.push_back(std::move(riassunto));
-  }
-  nuovo->testo.add(std::string("],\"busy\":") + (nuovo->busy ? "true" : "false") +
-                   ",\"ver\":" + std::to_string(nuovo->ver) + "}");
-  return nuovo;
-}
-
 bool Engine::senzaRisultati(std::string_view categoria) {
   const Regole regole = effectiveRules();
   const MutexLock hold(lock_);
@@ -191,6 +151,7 @@ std::optional<PaginaVoci> Engine::voci(std::string_view finding, OrdineVoci ordi
   const Finding* trovato = cercaLocked(finding);
   if (trovato == nullptr) return {};
   PaginaVoci pagina;
+  pagina.soloReport = trovato->mode != "delete" || trovato->unmeasured;
   pagina.count = static_cast<std::int64_t>(trovato->items.size());
   pagina.da = std::max<std::int64_t>(da, 0);
   const auto prima = static_cast<std::size_t>(std::min(pagina.da, pagina.count));
@@ -222,6 +183,16 @@ std::vector<Engine::FindingDiSezione> Engine::findings(std::string_view sezione)
     }
   }
   return copie;
+}
+
+std::int64_t Engine::libera(const std::vector<std::string>& sezioni) {
+  const MutexLock hold(lock_);
+  std::vector<const std::vector<Finding>*> liste;
+  for (const std::string& id : sezioni) {
+    const auto sezione = state_.find(id);
+    if (sezione != state_.end()) liste.push_back(&sezione->second.findings);
+  }
+  return pellak::libera(liste);
 }
 
 std::optional<Finding> Engine::finding(std::string_view id) {

@@ -14,6 +14,7 @@
 
 #include "PellakCore/IconCache.h"
 #include "PellakCore/Impostazioni.h"
+#include "PellakCore/Libera.h"
 #include "PellakCore/MappaDisco.h"
 #include "PellakCore/OrdineVoci.h"
 #include "PellakCore/Regole.h"
@@ -63,6 +64,7 @@ struct PaginaVoci {
   std::int64_t count = 0;  ///< all entries of the finding
   std::int64_t da = 0;
   std::vector<Voce> items;
+  bool soloReport = false;  ///< nothing of the finding comes free
 };
 
 /// Owns what the page shows about the disk: the scan state and the findings of every section,
@@ -140,6 +142,9 @@ class Engine {
   /// Whether a category of the catalogue or the rules is one of a section without results.
   bool senzaRisultati(std::string_view categoria);
 
+  /// What emptying the Trash surely frees of these sections together, each path once.
+  std::int64_t libera(const std::vector<std::string>& sezioni);
+
   /// A copy of one finding of whatever section; nothing when there is none.
   std::optional<Finding> finding(std::string_view id);
 
@@ -188,6 +193,7 @@ class Engine {
   Result<void> accogliAltri();
   Result<void> scriviFile() PELLAK_REQUIRES(saveLock_);
   bool scandibile(const Meta& meta) const;
+  bool disponibile(const Meta& meta) const;
   void mostraStato(const std::string& id, std::string stato);
   void avvisa(const std::string& testo) const;
   void salvaIconePoi();
@@ -195,6 +201,7 @@ class Engine {
   void touchLocked() PELLAK_REQUIRES(lock_);
   bool occupatoLocked() const PELLAK_REQUIRES(lock_);
   const Finding* cercaLocked(std::string_view id) const PELLAK_REQUIRES(lock_);
+  RiassuntoSezione riassuntoLocked(const Meta& meta) PELLAK_REQUIRES(lock_);
   std::shared_ptr<const Snapshot> costruisciLocked() PELLAK_REQUIRES(lock_);
 
   const AmbienteEngine ambiente_;
@@ -218,6 +225,7 @@ class Engine {
   std::vector<std::string> radiciInPiu_ PELLAK_GUARDED_BY(lock_);
   std::int64_t stateVer_ PELLAK_GUARDED_BY(lock_) = 1;
   StatoTesto statoTesto_ PELLAK_GUARDED_BY(lock_);
+  LiberaSezioni libera_ PELLAK_GUARDED_BY(lock_);
   std::shared_ptr<const Snapshot> cachedState_ PELLAK_GUARDED_BY(lock_);
 
   /// The jobs of the map. Stopped before the map goes away.

@@ -32,6 +32,10 @@ void Finding::trattieni(std::string percorso, std::string perche) {
   }
 }
 
+bool Finding::faSpazio() const {
+  return mode == "delete" && !unmeasured && id != "apps" && !kind.starts_with("avvio");
+}
+
 std::int64_t Finding::totale() const {
   std::int64_t somma = 0;
   for (const Voce& voce : items) somma = sommaSicura(somma, voce.size);

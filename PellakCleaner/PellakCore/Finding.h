@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "PellakCore/Libere.h"
 #include "PellakCore/base/Parte.h"
 #include "platform/DirectoryLister.h"
 #include "platform/Sha256.h"
@@ -35,6 +36,12 @@ struct Voce {
   double mtime = 0;            ///< seconds since 1970
   std::int64_t lunghezza = 0;  ///< logical bytes of a file; 0 for a folder
   Identita identita = {};      ///< as the scan found it
+  /// Bytes of `size` that the disk may not get back when the entry is deleted: other names or
+  /// other files hold them too.
+  std::int64_t condivisi = 0;
+
+  /// What emptying the Trash surely frees when the entry is in it.
+  std::int64_t libera() const { return size - condivisi; }
 };
 
 /// What a group of an application, a startup item or an update tells beside its paths.
@@ -64,6 +71,7 @@ struct Group {
   Sha256Digest hash{};      ///< of the content of a duplicate set; zeros where there is none
   bool dallaCache = false;  ///< the content of some copy was not read by the scan but remembered
   Parte<Scheda> scheda;
+  Libere libere;
 
   bool conHash() const { return hash != Sha256Digest{}; }
 };
@@ -96,6 +104,9 @@ struct Finding {
   bool insieme() const { return kind == "cache" || kind == "stato" || kind == "privacy"; }
   bool vuoto() const { return items.empty() && groups.empty(); }
   std::int64_t quante() const { return static_cast<std::int64_t>(items.size() + groups.size()); }
+  /// Whether it is there to make room: what can be moved and was measured, but applications and
+  /// startup items, which are there to be used.
+  bool faSpazio() const;
   /// Bytes that can be freed: all entries, and for duplicates what discarding frees.
   std::int64_t totale() const;
 };

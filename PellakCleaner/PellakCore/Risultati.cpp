@@ -1,5 +1,6 @@
 #include "PellakCore/Risultati.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "PellakCore/StatoTesto.h"
@@ -47,6 +48,13 @@ void scriviScheda(JsonWriter& uscita, const Scheda& scheda) {
   uscita.key("spento").boolean(scheda.spento);
 }
 
+void scriviLibere(JsonWriter& uscita, const Group& gruppo) {
+  if (!gruppo.libere.diverse() && gruppo.libere[0] == 0) return;
+  uscita.key("libere").beginArray();
+  for (std::size_t i = 0; i < gruppo.paths.size(); ++i) uscita.integer(gruppo.libere[i]);
+  uscita.endArray();
+}
+
 void scriviGruppo(JsonWriter& uscita, const Group& gruppo) {
   uscita.beginObject();
   uscita.key("size").integer(gruppo.size);
@@ -58,6 +66,7 @@ void scriviGruppo(JsonWriter& uscita, const Group& gruppo) {
     uscita.endArray();
   }
   if (gruppo.dallaCache) uscita.key("dalla_cache").boolean(true);
+  scriviLibere(uscita, gruppo);
   if (gruppo.scheda.presente()) scriviScheda(uscita, *gruppo.scheda);
   uscita.endObject();
 }
@@ -78,6 +87,7 @@ void scriviFinding(JsonWriter& uscita, const Finding& finding) {
     uscita.key("path").text(voce.path);
     uscita.key("size").integer(voce.size);
     uscita.key("mtime").number(voce.mtime);
+    if (voce.condivisi != 0) uscita.key("condivisi").integer(voce.condivisi);
     if (voce.identita.nota()) {
       uscita.key("lunghezza").integer(voce.lunghezza);
       scriviIdentita(uscita.key("identita"), voce.identita);
@@ -137,6 +147,9 @@ Group leggiGruppo(Json voce) {
   gruppo.dallaCache = voce.booleano("dalla_cache", false);
   Scheda scheda = leggiScheda(voce);
   if (scheda != Scheda()) gruppo.scheda.scrivi() = std::move(scheda);
+  std::vector<std::int64_t> libere;
+  voce["libere"].perOgni([&](Json byte) { libere.push_back(leggiByte(byte)); });
+  if (libere.size() == gruppo.paths.size()) gruppo.libere = Libere(libere);
   return gruppo;
 }
 
@@ -152,9 +165,10 @@ Finding leggiFinding(Json voce) {
   finding.unmeasured = voce.booleano("unmeasured", false);
   finding.items.reserve(voce["items"].quanti());
   voce["items"].perOgni([&](Json elemento) {
-    finding.items.push_back({elemento.testo("path"), leggiByte(elemento["size"]),
-                             elemento.numero("mtime", 0), leggiByte(elemento["lunghezza"]),
-                             leggiIdentita(elemento["identita"])});
+    const std::int64_t size = leggiByte(elemento["size"]);
+    finding.items.push_back({elemento.testo("path"), size, elemento.numero("mtime", 0),
+                             leggiByte(elemento["lunghezza"]), leggiIdentita(elemento["identita"]),
+                             std::min(size, leggiByte(elemento["condivisi"]))});
   });
   finding.groups.reserve(voce["groups"].quanti());
   voce["groups"].perOgni([&](Json elemento) { finding.groups.push_back(leggiGruppo(elemento)); });

@@ -15,6 +15,7 @@ bool togliPercorsi(Group& gruppo, bool copie,
     const auto posto = static_cast<std::ptrdiff_t>(i);
     gruppo.paths.erase(gruppo.paths.begin() + posto);
     if (i < gruppo.identita.size()) gruppo.identita.erase(gruppo.identita.begin() + posto);
+    gruppo.libere.togli(i);
     if (i >= gruppo.scheda->pesi.size()) continue;
     std::vector<std::int64_t>& pesi = gruppo.scheda.scrivi().pesi;
     pesi.erase(pesi.begin() + posto);

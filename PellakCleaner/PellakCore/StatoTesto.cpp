@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <memory>
 
+#include "PellakCore/Libera.h"
+
 namespace pellak {
 namespace {
 
@@ -44,6 +46,12 @@ void scriviGruppo(JsonWriter& uscita, const Finding& finding, const Group& grupp
   if (finding.duplicati()) {
     uscita.key("waste").integer(recuperabili(gruppo));
     scriviDimensione(uscita, "waste_h", recuperabili(gruppo));
+  }
+  uscita.key("libera").integer(libera(finding, gruppo));
+  if (finding.duplicati() && gruppo.libere.diverse()) {
+    uscita.key("libere").beginArray();
+    for (std::size_t i = 0; i < gruppo.paths.size(); ++i) uscita.integer(gruppo.libere[i]);
+    uscita.endArray();
   }
   if (finding.insieme()) uscita.key("insieme").boolean(true);
   uscita.endObject();
@@ -105,7 +113,7 @@ void scriviTrattenuti(JsonWriter& uscita, const Finding& finding) {
   uscita.endArray();
 }
 
-void scriviVoce(JsonWriter& uscita, const Voce& voce, FormatoData& date) {
+void scriviVoce(JsonWriter& uscita, const Voce& voce, std::int64_t libera, FormatoData& date) {
   // By hand: a full reply holds a hundred thousand of these.
   std::string& testo = uscita.openRaw();
   testo += "{\"path\":\"";
@@ -118,6 +126,10 @@ void scriviVoce(JsonWriter& uscita, const Voce& voce, FormatoData& date) {
   date.append(testo, voce.mtime);
   testo += "\",\"mtime\":";
   appendJsonNumber(testo, voce.mtime);
+  if (libera != voce.size) {
+    testo += ",\"libera\":";
+    appendJsonInteger(testo, libera);
+  }
   testo += '}';
 }
 
@@ -135,11 +147,15 @@ void scriviFinding(JsonWriter& uscita, const Finding& finding, const VociElencat
   uscita.key("count").integer(finding.quante());
   uscita.key("kind").text(finding.kind);
   uscita.key("items").beginArray();
-  for (const Voce& voce : elencate.items) scriviVoce(uscita, voce, date);
+  const bool soloReport = finding.mode != "delete" || finding.unmeasured;
+  for (const Voce& voce : elencate.items) {
+    scriviVoce(uscita, voce, soloReport ? 0 : voce.libera(), date);
+  }
   uscita.endArray();
   uscita.key("groups").beginArray();
   for (const Group& gruppo : elencate.groups) scriviGruppo(uscita, finding, gruppo, icona);
   uscita.endArray();
+  uscita.key("libera").integer(libera(finding));
   scriviTrattenuti(uscita, finding);
   uscita.endObject();
 }
@@ -155,8 +171,8 @@ const StatoTesto::Scritto& StatoTesto::findings(const Meta& meta, const Sec& sez
   return scritto;
 }
 
-void StatoTesto::scriviSezione(Rope& uscita, const Meta& meta, const Sec& sezione, bool inCoda,
-                               bool primo, const IconaNota& icona) {
+void StatoTesto::scriviSezione(Rope& uscita, const Meta& meta, const Sec& sezione,
+                               const Contorno& contorno, bool primo, const IconaNota& icona) {
   const Scritto& scritto = findings(meta, sezione, icona);
   JsonWriter testa;
   testa.beginObject();
@@ -165,7 +181,7 @@ void StatoTesto::scriviSezione(Rope& uscita, const Meta& meta, const Sec& sezion
   testa.key("desc").text(meta.desc);
   testa.key("scanning").boolean(sezione.scanning);
   testa.key("scanned").boolean(sezione.scanned);
-  testa.key("queued").boolean(inCoda);
+  testa.key("queued").boolean(contorno.inCoda);
   testa.key("status").text(sezione.statoMostrato());
   testa.key("denied").integer(sezione.denied);
   scriviDinieghi(testa.key("denied_top"), sezione.deniedTop);
@@ -179,8 +195,9 @@ void StatoTesto::scriviSezione(Rope& uscita, const Meta& meta, const Sec& sezion
   // Members after the findings; the writer starts in the middle of the object.
   JsonWriter coda;
   scriviConteggi(coda, meta, sezione);
-  std::string resto = coda.take();
-  uscita.add((resto.empty() ? "" : ",") + resto + "}");
+  coda.key("libera").integer(contorno.libera);
+  coda.key("disponibile").boolean(contorno.disponibile);
+  uscita.add("," + coda.take() + "}");
 }
 
 }  // namespace pellak

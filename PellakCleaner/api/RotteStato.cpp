@@ -58,7 +58,9 @@ Risposta voci(Servizi& servizi, Json corpo) {
   uscita.key("count").integer(pagina->count);
   uscita.key("da").integer(pagina->da);
   uscita.key("items").beginArray();
-  for (const Voce& voce : pagina->items) scriviVoce(uscita, voce, date);
+  for (const Voce& voce : pagina->items) {
+    scriviVoce(uscita, voce, pagina->soloReport ? 0 : voce.libera(), date);
+  }
   uscita.endArray().endObject();
   return conTesto(uscita.take());
 }

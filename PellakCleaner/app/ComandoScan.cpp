@@ -145,23 +145,44 @@ bool scandisci(Engine& engine, const Richiesta& richiesta) {
   return true;
 }
 
-void stampaTabella(const Snapshot& istante, const std::vector<std::string>& sezioni) {
+/// The sum of a section in the two words: what comes free and what is only reported.
+std::string inDueParole(const RiassuntoSezione& sezione) {
+  const std::string segnalati =
+      sezione.segnalati > 0 ? dimensione(sezione.segnalati) + " segnalati" : std::string();
+  if (sezione.libera == 0) return segnalati.empty() ? "Forse non libera spazio." : segnalati + ".";
+  const std::string libera = "Libera almeno " + dimensione(sezione.libera);
+  return libera + (segnalati.empty() ? "" : ", " + segnalati) + ".";
+}
+
+/// The first sentence is told in the two words; what nobody looked at must not read as clean.
+std::string statoMostrato(const RiassuntoSezione& sezione) {
+  if (!sezione.scandibile) return "Non ancora disponibile in questa versione.";
+  const std::string& status = sezione.status;
+  const std::size_t fine = std::min(status.find(". "), status.size() - 1) + 1;
+  std::string prima = perTerminale(status.substr(0, fine));
+  std::string resto = perTerminale(status.substr(fine));
+  if (prima.starts_with("Recuperabili ")) prima = inDueParole(sezione);
+  if (sezione.disponibile) return prima + resto;
+  const std::string incompleta = "Ricerca non completa in questa versione.";
+  if (prima == "Niente da segnalare.") return incompleta + resto;
+  return prima + resto + (status.empty() ? "" : " ") + incompleta;
+}
+
+void stampaTabella(const Snapshot& istante, const std::vector<std::string>& sezioni,
+                   std::int64_t libera) {
   Tabella tabella(
       {Allineamento::sinistra, Allineamento::sinistra, Allineamento::destra, Allineamento::destra});
-  tabella.riga({"Sezione", "Stato", "Voci", "Recuperabili"});
-  std::int64_t totale = 0;
+  tabella.riga({"Sezione", "Stato", "Voci", "Libera"});
   std::int64_t voci = 0;
   for (const RiassuntoSezione& sezione : istante.sezioni) {
     if (std::count(sezioni.begin(), sezioni.end(), sezione.id) == 0) continue;
-    // What nobody looked at must not read as clean.
-    const std::string stato = sezione.scandibile ? perTerminale(sezione.status)
-                                                 : "Non ancora disponibile in questa versione.";
-    tabella.riga({sezione.name, stato, std::to_string(sezione.voci), dimensione(sezione.totale)});
-    totale = sommaSicura(totale, sezione.totale);
+    tabella.riga({sezione.name, statoMostrato(sezione), std::to_string(sezione.voci),
+                  dimensione(sezione.libera)});
     voci += sezione.voci;
   }
-  tabella.riga({"Totale", "", std::to_string(voci), dimensione(totale)});
+  tabella.riga({"Totale", "", std::to_string(voci), dimensione(libera)});
   stampa(tabella.testo());
+  if (libera > 0) stampa("Lo spazio torna quando svuoti il Cestino.\n");
 }
 
 std::vector<Trattenuto> trattenuti(Engine& engine, const std::vector<std::string>& sezioni) {
@@ -189,7 +210,7 @@ int comandoScan(Applicazione& applicazione, const OpzioniScan& opzioni) {
     stampa(stato->testo);
     stampa("\n");
   } else {
-    stampaTabella(*stato, richiesta->sezioni);
+    stampaTabella(*stato, richiesta->sezioni, engine.libera(richiesta->sezioni));
     stampaTrattenuti(trattenuti(engine, richiesta->sezioni), applicazione.home());
   }
   return chiudiUscita();

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <vector>
 
+#include "PellakCore/Libera.h"
 #include "PellakCore/StatoTesto.h"
 #include "PellakCore/base/BytePath.h"
 #include "PellakCore/base/Formati.h"
@@ -51,11 +52,13 @@ void stampaElenco(const std::vector<FindingDiSezione>& findings, const Snapshot&
     return;
   }
   Tabella tabella({Allineamento::sinistra, Allineamento::sinistra, Allineamento::sinistra,
-                   Allineamento::destra, Allineamento::destra, Allineamento::sinistra});
-  tabella.riga({"Sezione", "Id", "Nome", "Voci", "Dimensione", "Azione"});
+                   Allineamento::destra, Allineamento::destra, Allineamento::destra,
+                   Allineamento::sinistra});
+  tabella.riga({"Sezione", "Id", "Nome", "Voci", "Dimensione", "Libera", "Azione"});
   for (const auto& [sezione, finding] : findings) {
     tabella.riga({sezione, perTerminale(finding.id), perTerminale(finding.name),
                   std::to_string(finding.quante()), dimensione(finding.totale()),
+                  dimensione(libera(finding)),
                   finding.mode == "delete" ? "Cestino" : "solo report"});
   }
   stampa(tabella.testo());
@@ -83,7 +86,10 @@ void stampaVoci(const Finding& finding, const std::string& home) {
 void stampaFinding(const Finding& intero, const Finding& ridotto, const std::string& home) {
   stampa(grassetto(perTerminale(intero.name)) + "\n");
   if (!intero.note.empty()) stampa(perTerminale(intero.note) + "\n");
-  stampa(quanteVoci(intero.quante()) + ", " + dimensione(intero.totale()) + "\n\n");
+  const std::string parola = intero.mode == "delete"
+                                 ? ", libera almeno " + dimensione(libera(intero))
+                                 : std::string(" segnalati");
+  stampa(quanteVoci(intero.quante()) + ", " + dimensione(intero.totale()) + parola + "\n\n");
   stampaVoci(ridotto, home);
   const std::int64_t nascoste = intero.quante() - ridotto.quante();
   if (nascoste == 1) stampa("… e un'altra voce\n");

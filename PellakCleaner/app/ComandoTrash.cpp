@@ -57,7 +57,8 @@ void mostra(const Finding& finding, const SceltaCestino& scelta, const std::stri
   const std::size_t altri = scelta.voci.size() - std::min(kShown, scelta.voci.size());
   if (altri == 1) fmt::print(stderr, "… e un altro\n");
   if (altri > 1) fmt::print(stderr, "… e altri {}\n", altri);
-  fmt::print(stderr, "\n");
+  fmt::print(stderr, "\nLibera almeno {}: lo spazio torna quando svuoti il Cestino.\n",
+             dimensione(scelta.libera));
 }
 
 /// The exit status when nothing is to be done; 0 to go on.

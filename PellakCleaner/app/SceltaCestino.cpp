@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "PellakCore/Libera.h"
 #include "PellakCore/base/JsonWriter.h"
 #include "trash/Gruppi.h"
 
@@ -30,10 +31,12 @@ std::vector<std::string> tranne(const Group& gruppo, std::size_t tenuta) {
 /// relied on: the request is going to refuse the set.
 std::string aggiungiCopie(SceltaCestino& scelta, const Group& gruppo, const trash::Copie& copie) {
   for (std::size_t copia = 0; copia < gruppo.paths.size(); ++copia) {
-    std::vector<std::string> altre = tranne(gruppo, copia);
-    if (!copie.conservabile(gruppo, copia, altre)) continue;
-    for (std::string& via : altre) {
-      if (copie.esiste(via)) scelta.voci.push_back({std::move(via), gruppo.size});
+    if (!copie.conservabile(gruppo, copia, tranne(gruppo, copia))) continue;
+    for (std::size_t i = 0; i < gruppo.paths.size(); ++i) {
+      const std::string& via = gruppo.paths[i];
+      if (via == gruppo.paths[copia] || !copie.esiste(via)) continue;
+      scelta.voci.push_back({via, gruppo.size});
+      scelta.libera = sommaSicura(scelta.libera, gruppo.libere[i]);
     }
     return gruppo.paths[copia];
   }
@@ -107,6 +110,7 @@ SceltaCestino interaCategoria(const Finding& finding, const trash::Copie& copie)
   scelta.richieste.push_back({"/api/trash", corpo.take(), {}});
   scelta.rifiutata = !trash::cestinabile(finding) || finding.items.empty();
   for (const Voce& voce : finding.items) scelta.voci.push_back({voce.path, voce.size});
+  scelta.libera = libera(finding);
   return scelta;
 }
 
@@ -139,7 +143,9 @@ SceltaCestino scegliPerCestino(const Finding& finding, Indici gruppi, const tras
   if (finding.duplicati()) return gruppiDiDuplicati(finding, gruppi, copie);
   SceltaCestino scelta;
   for (const std::int64_t indice : gruppi) {
-    trash::aggiungiPercorsi(gruppoDi(finding, indice), scelta.voci);
+    const Group& gruppo = gruppoDi(finding, indice);
+    trash::aggiungiPercorsi(gruppo, scelta.voci);
+    scelta.libera = sommaSicura(scelta.libera, libera(finding, gruppo));
   }
   scelta.richieste.push_back(gruppi.size() == 1
                                  ? perGruppo("/api/trash_group", finding, gruppi.front())

@@ -20,6 +20,7 @@ struct RichiestaCestino {
 /// What moving a category, or groups of it, to the Trash comes down to.
 struct SceltaCestino {
   std::vector<trash::Candidato> voci;  ///< what would go
+  std::int64_t libera = 0;             ///< bytes that emptying the Trash then surely frees
   std::vector<RichiestaCestino> richieste;
   /// The first request is refused, whatever lies on the disk: there is nothing to ask the user.
   bool rifiutata = false;

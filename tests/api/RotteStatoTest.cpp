@@ -10,6 +10,7 @@ class RotteStatoTest : public Richieste {
   static Finding conVoci(std::size_t numero) {
     Finding finding;
     finding.id = "duplicates";
+    finding.mode = "delete";
     for (std::size_t i = 0; i < numero; ++i) {
       finding.items.push_back({"/h/" + std::to_string(i), static_cast<std::int64_t>(i), 0});
     }

@@ -23,7 +23,7 @@ class FileRotti(ConCasa):
                 self.assertIn("Errore: file delle regole illeggibile", uscita)
                 self.assertIn("file delle regole illeggibile", errori)
             else:
-                self.assertIn("Niente da segnalare.", uscita)
+                self.assertRegex(uscita, "Sviluppo +Ricerca non completa")
         percorso.unlink()
         percorso.mkdir()
         self.esegui("scan", "sviluppo")
@@ -31,7 +31,7 @@ class FileRotti(ConCasa):
     def test_without_a_resource_folder_the_rules_inside_the_program_serve(self):
         self.file(".npm/_cacache/a", 30_000)
         self.ambiente["PELLAK_RESOURCES"] = str(self.casa / "manca")
-        self.assertRegex(self.esegui("scan", "sviluppo")[0], r"Recuperabili \d")
+        self.assertRegex(self.esegui("scan", "sviluppo")[0], r"Libera almeno \d")
         self.ambiente["PELLAK_TOOLS"] = "macos"
         self.file("Library/Caches/Homebrew/a.tar.gz", 30_000)
         self.esegui("scan", "sviluppo")
@@ -158,7 +158,7 @@ class SenzaDiritti(ConCasa):
         os.chmod(self.supporto, 0o500)
         esito = self.da_nessuno("scan", "sviluppo")
         self.assertEqual(esito.returncode, 0)
-        self.assertRegex(esito.stdout, r"Sviluppo +Recuperabili")
+        self.assertRegex(esito.stdout, r"Sviluppo +Libera")
         self.assertIn("risultati non salvati", esito.stderr)
         esito = self.da_nessuno("api", "/api/settings", '{"dup_min_mb":9}')
         risposta = json.loads(esito.stdout)
@@ -184,7 +184,7 @@ class DiscoPieno(ConCasa):
                     zavorra.write(b"x" * 4096)
         prima = (self.supporto / "risultati.json").read_bytes()
         uscita, errori = self.esegui("scan", "sviluppo")
-        self.assertIn("Recuperabili", uscita)
+        self.assertIn("Libera almeno", uscita)
         self.assertIn("Risultati non salvati: spazio esaurito.", uscita)
         self.assertRegex(errori, r"risultati non salvati: .*risultati\.json: spazio esaurito; libera")
         self.assertEqual((self.supporto / "risultati.json").read_bytes(), prima)

@@ -19,10 +19,11 @@ class Scansione(ConCasa):
         uscita, errori = self.esegui("scan", "sviluppo", "pulizia")
         righe = uscita.splitlines()
         self.assertEqual(errori, "")
-        self.assertEqual(len(righe), 4, uscita)
-        self.assertRegex(righe[0], r"^Sezione +Stato +Voci +Recuperabili$")
-        self.assertRegex(righe[1], r"^Sviluppo +Recuperabili .*KiB\. +1 +\d+\.\d KiB$")
+        self.assertEqual(len(righe), 5, uscita)
+        self.assertRegex(righe[0], r"^Sezione +Stato +Voci +Libera$")
+        self.assertRegex(righe[1], r"^Sviluppo +Libera almeno .*KiB\..* 1 +\d+\.\d KiB$")
         self.assertRegex(righe[3], r"^Totale +2 +\d+\.\d KiB$")
+        self.assertEqual(righe[4], "Lo spazio torna quando svuoti il Cestino.")
         self.assertNotIn("\033", uscita)
 
         elenco, _ = self.esegui("show")
@@ -36,7 +37,7 @@ class Scansione(ConCasa):
     def test_a_clean_scan_and_a_reader_that_goes_away(self):
         self.assertIn("Nessun risultato salvato", self.esegui("show")[0])
         uscita, _ = self.esegui("scan", "sviluppo", "privacy")
-        self.assertIn("Niente da segnalare.", uscita)
+        self.assertRegex(uscita, r"Sviluppo +Ricerca non completa")
         self.assertRegex(uscita, r"Privacy +Non ancora disponibile")
         self.assertIn("non ha trovato niente", self.esegui("show")[0])
         for numero in range(3_000):

@@ -72,6 +72,8 @@ TEST_F(EngineTest, ScansAllSectionsInOrderAndKeepsTheResults) {
     EXPECT_EQ(sezione(*stato, "sviluppo").status, "Recuperabili 6.0 KiB.");
     EXPECT_EQ(sezione(*stato, "sviluppo").lastScan, 1'750'000'000);
     EXPECT_EQ(engine->findings("sviluppo").size(), 4U) << "the empty finding is left out";
+    EXPECT_EQ(sezione(*stato, "sviluppo").libera, 6144);
+    EXPECT_TRUE(sezione(*stato, "sistema").disponibile);
   }
   const std::vector<std::string> attesi = {
       "brew-cache",     "npm-cache",   "extra",           "orphan-node-modules", "docker-disk",
@@ -80,7 +82,10 @@ TEST_F(EngineTest, ScansAllSectionsInOrderAndKeepsTheResults) {
       "ds-store",       "di-privacy",  "browser-privacy", "recent-items",        "startup-user",
       "startup-system", "tm-snapshots"};
   EXPECT_EQ(ordine, attesi);
+  tabella.speciali.erase("tm-snapshots");
   const auto riaperto = crea();
+  EXPECT_FALSE(sezione(*riaperto->snapshot(), "sistema").disponibile);
+  EXPECT_TRUE(sezione(*riaperto->snapshot(), "sistema").scandibile);
   EXPECT_EQ(sezione(*riaperto->snapshot(), "sviluppo").status, "Recuperabili 6.0 KiB.");
   EXPECT_EQ(riaperto->findings().size(), 21U);
 }
@@ -178,9 +183,10 @@ TEST_F(EngineTest, AScannerOfItsOwnMayFindNothingOrHaveNothingToLookAt) {
   EXPECT_EQ(sezione(*engine->snapshot(), "grandi").status, "Nessuna cartella da esaminare.");
   scandisci(*engine, "sviluppo");
   ASSERT_EQ(engine->findings("sviluppo").size(), 1U);
-  EXPECT_NE(engine->snapshot()->testo.str().find(
-                R"("groups":[],"perche_no":[{"percorso":"/nas","perche":"volume di rete"}]})"),
-            std::string::npos);
+  EXPECT_NE(
+      engine->snapshot()->testo.str().find(
+          R"("groups":[],"libera":0,"perche_no":[{"percorso":"/nas","perche":"volume di rete"}]})"),
+      std::string::npos);
 }
 
 TEST_F(EngineTest, AFailingCategoryKeepsWhatItHadFoundAndOnlyThat) {

@@ -27,11 +27,12 @@ Sezioni piene() {
   finding.hint = "h";
   finding.unmeasured = true;
   const Identita identita{UINT64_MAX, 5, -6, EntryType::other};
-  finding.items = {{"/h/strano\n\xFF\xEE\xBE\x80", 1024, 1'600'000'000, 1000, identita}, {"/v"}};
+  finding.items = {{"/h/strano\n\xFF\xEE\xBE\x80", 1024, 1'600'000'000, 1000, identita, 24},
+                   {"/v"}};
   // Every member, in order.
-  Group copie{7, {"/x", "/y"}, {identita, {}}, {}, true, {}};
+  Group copie{7, {"/x", "/y"}, {identita, {}}, {}, true, {}, Libere({1, 2})};
   copie.hash.fill(0xab);
-  Group app{8, {"/x", "/y"}, {}, {}, false, {}};
+  Group app{8, {"/x", "/y"}, {}, {}, false, {}, Libere({3, 3})};
   app.scheda.scrivi() = {"Nome", "b", "p", "u", "d", {3, 4}, {"/y"}, "l", "system", true};
   finding.groups = {copie, app};
   finding.trattieni("/h/nas\xFF", "volume di rete");
@@ -53,6 +54,8 @@ TEST(Risultati, EverythingComesBackAndTheUnscannedStaysIdle) {
   EXPECT_EQ(letto.groups[0].identita, scritto.groups[0].identita);
   EXPECT_TRUE(letto.groups[0].dallaCache);
   EXPECT_EQ(*letto.groups[1].scheda, *scritto.groups[1].scheda);
+  EXPECT_EQ(letto.items[0].libera(), 1000);
+  EXPECT_EQ(letto.groups[0].libere[1] * letto.groups[1].libere[1], 6);
   EXPECT_TRUE(lette.find("sviluppo")->second.scanned);
   EXPECT_FALSE(lette.find("privacy")->second.scanned);
   EXPECT_TRUE(lette.find("privacy")->second.status.empty());

@@ -211,6 +211,11 @@ TEST_F(DuplicatiTest, HardLinksAreOneFileAndReadOnce) {
   EXPECT_THAT(lettore_.letti(), IsEmpty());
   scrivi("c-copia", testo);
   EXPECT_THAT(gruppi(), ElementsAre(ElementsAre("b-nome", "c-copia")));
+  struct stat copia = {};
+  ASSERT_EQ(::stat((casa_ / "c-copia").c_str(), &copia), 0);
+  const Libere libere = scan().groups.front().libere;
+  EXPECT_EQ(libere[0], 0) << "the other names of b-nome would stay";
+  EXPECT_EQ(libere[1], copia.st_blocks * 512);
   EXPECT_EQ(lettore_.letti().count(casa_ / "m-nome"), 0U);
   EXPECT_EQ(lettore_.letti().count(casa_ / "z-prima"), 0U);
 }

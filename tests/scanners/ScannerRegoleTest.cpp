@@ -57,6 +57,7 @@ TEST_F(ScannerRegoleTest, MeasuresTheChildrenLargestFirst) {
   file("/casa/anna/c/cartella/b", 2);
   file("/casa/anna/c/altro", 1);
   file("/casa/anna/c/zero", 0);
+  disco_.hardLink("/casa/anna/fuori", "/casa/anna/c/cartella/b");
   disco_.folder("/casa/anna/c/vuota");
   disco_.link("/casa/anna/c/collegamento");
   RegolaCategoria regola;
@@ -85,6 +86,8 @@ TEST_F(ScannerRegoleTest, MeasuresTheChildrenLargestFirst) {
   EXPECT_EQ(finding.items[2].identita.mtimeNs,
             (static_cast<std::int64_t>(kOra) - 50) * 1'000'000'000);
   EXPECT_EQ(finding.items[2].identita.type, EntryType::regular);
+  EXPECT_EQ(finding.items[0].libera(), 5 * 4096) << "/casa/anna/fuori is the file's other name";
+  EXPECT_EQ(finding.items[1].libera(), 4096);
   EXPECT_EQ(contatore_.n(), 0);
 }
 

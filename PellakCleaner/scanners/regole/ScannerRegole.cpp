@@ -1,7 +1,9 @@
 #include "scanners/regole/ScannerRegole.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <functional>
+#include <map>
 #include <unordered_set>
 #include <utility>
 
@@ -139,14 +141,35 @@ void unaVolta(std::vector<std::string>& candidati, bool unaSolaCartella,
   }
 }
 
-/// The candidates that are old enough; folders with no size yet, the rest with what it takes. What
-/// is not offered because it could not be moved is marked in `finding`.
+/// Which volumes have files that share room; each is asked once.
+class SpazioComune {
+ public:
+  explicit SpazioComune(const walker::Ambiente& ambiente) : ambiente_(ambiente) {}
+
+  bool puo(std::uint64_t dev, const std::string& file) {
+    const auto [volume, nuovo] = noti_.try_emplace(dev);
+    if (nuovo) {
+      const std::size_t barra = std::max<std::size_t>(file.rfind('/'), 1);
+      volume->second = walker::sharesSpace(ambiente_, std::string_view(file).substr(0, barra));
+    }
+    return volume->second;
+  }
+
+ private:
+  const walker::Ambiente& ambiente_;
+  std::map<std::uint64_t, bool> noti_;
+};
+
+/// The candidates that are old enough; folders, and files that may share their room, with no size
+/// yet, the rest with what it takes. What is not offered because it could not be moved is marked in
+/// `finding`.
 std::vector<Voce> filtra(const walker::Ambiente& ambiente, const ScanContext& ctx,
                          const RegolaCategoria& regola, std::vector<std::string> candidati,
                          Finding& finding) {
   const bool conEta = regola.minAgeDays > 0;
   const double limite = ctx.clock.now() - regola.minAgeDays * kSecondsPerDay;
   const bool unaSola = regola.folders.empty() && regola.paths.empty() && regola.glob.empty();
+  SpazioComune comune(ambiente);
   std::vector<Voce> voci;
   unaVolta(candidati, unaSola, [&](std::string& candidato) {
     if (ctx.stop && ctx.stop()) throw ScanCancelled();
@@ -162,23 +185,37 @@ std::vector<Voce> filtra(const walker::Ambiente& ambiente, const ScanContext& ct
     const bool cartella = S_ISDIR(stato->st_mode);
     const std::int64_t byte = cartella ? 0 : static_cast<std::int64_t>(stato->st_blocks) * 512;
     if (!cartella && byte <= 0) return;
-    voci.push_back({std::move(candidato), byte, mtime, cartella ? 0 : stato->st_size,
-                    identitaDi(walker::identifying(*stato))});
+    const bool altriNomi = !cartella && stato->st_nlink > 1;
+    const bool daChiedere = !cartella && !altriNomi && regola.mode == "delete" &&
+                            comune.puo(static_cast<std::uint64_t>(stato->st_dev), candidato);
+    voci.push_back({std::move(candidato), daChiedere ? 0 : byte, mtime,
+                    cartella ? 0 : stato->st_size, identitaDi(walker::identifying(*stato)),
+                    altriNomi ? byte : 0});
   });
   return voci;
 }
 
-/// Only folders are walked: a million files in one folder are measured already.
-void misura(const walker::Ambiente& ambiente, const ScanContext& ctx, std::vector<Voce>& voci) {
+/// Only what has no size yet is walked: a million files in one folder are measured already.
+void misura(const walker::Ambiente& ambiente, const ScanContext& ctx, bool offerte,
+            std::vector<Voce>& voci) {
   std::vector<std::string> percorsi;
   std::vector<std::size_t> posti;
   for (std::size_t i = 0; i < voci.size(); ++i) {
-    if (voci[i].identita.type != EntryType::directory) continue;
+    if (voci[i].size > 0) continue;
     percorsi.push_back(voci[i].path);
     posti.push_back(i);
   }
-  const auto misure = walker::measureTrees(ambiente, percorsi, ctx.stop);
-  for (std::size_t i = 0; i < misure.size(); ++i) voci[posti[i]].size = misure[i].value_or(0);
+  if (offerte) {
+    const auto misure = walker::measureForTrash(ambiente, percorsi, ctx.stop);
+    for (std::size_t i = 0; i < misure.size(); ++i) {
+      const auto [byte, libera] = misure[i].value_or(walker::Misura());
+      voci[posti[i]].size = byte;
+      voci[posti[i]].condivisi = byte - libera;
+    }
+  } else {
+    const auto misure = walker::measureTrees(ambiente, percorsi, ctx.stop);
+    for (std::size_t i = 0; i < misure.size(); ++i) voci[posti[i]].size = misure[i].value_or(0);
+  }
   std::erase_if(voci, [](const Voce& voce) { return voce.size <= 0; });
   std::stable_sort(voci.begin(), voci.end(),
                    [](const Voce& a, const Voce& b) { return a.size > b.size; });
@@ -197,7 +234,7 @@ Finding scanRegola(const ScanContext& ctx, const RegolaCategoria& regola) {
   walker::Confini confini(volumiLontani(ctx, raccolta.trovati()));
   ambiente.confini = &confini;
   finding.items = filtra(ambiente, ctx, regola, raccolta.prendi(), finding);
-  misura(ambiente, ctx, finding.items);
+  misura(ambiente, ctx, regola.mode == "delete", finding.items);
   segnaVolumi(confini, finding);
   return finding;
 }

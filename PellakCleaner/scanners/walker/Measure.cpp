@@ -124,6 +124,11 @@ std::vector<std::optional<std::int64_t>> measureTrees(const Ambiente& ambiente,
   return sizes;
 }
 
+bool sharesSpace(const Ambiente& ambiente, std::string_view cartella) {
+  const auto folder = ambiente.lister.open(cartella);
+  return !folder || (*folder)->sharesSpace();
+}
+
 std::vector<std::optional<Misura>> measureForTrash(const Ambiente& ambiente,
                                                    std::span<const std::string> percorsi,
                                                    const Stop& stop) {

@@ -109,6 +109,10 @@ struct Misura {
   friend bool operator==(const Misura&, const Misura&) = default;
 };
 
+/// Whether files below a folder may hold the same room on disk, so that only `measureForTrash`
+/// tells what is a file's own. True where it can't be asked.
+bool sharesSpace(const Ambiente& ambiente, std::string_view cartella);
+
 /// `measureTrees` of what may be moved to the Trash. A file counts as free only when all its hard
 /// links lie in its tree, and then once, and without the room that it shares with other files.
 std::vector<std::optional<Misura>> measureForTrash(const Ambiente& ambiente,
