@@ -17,6 +17,8 @@ export interface Voce {
   size_h: string;
   when: string;
   mtime: number;
+  /** What emptying the Trash surely frees; absent when it is all of `size`. */
+  libera?: number;
 }
 
 export interface Gruppo {
@@ -37,6 +39,9 @@ export interface Gruppo {
   waste_h?: string;
   /** Of a duplicate set: the copy that stays when nobody chooses. */
   tieni?: string;
+  libera: number;
+  /** Of copies that free different amounts: one for each path. */
+  libere?: number[];
 }
 
 export interface Finding {
@@ -52,6 +57,7 @@ export interface Finding {
   kind: string;
   items: Voce[];
   groups: Gruppo[];
+  libera: number;
   /** What the scan held back. */
   perche_no?: { percorso: string; perche: string }[];
 }
@@ -74,6 +80,9 @@ export interface Sezione {
   apps_h?: string;
   updates_n?: number;
   avvio_n?: number;
+  libera: number;
+  /** False: something of this section can't be looked for. */
+  disponibile: boolean;
 }
 
 /** Bytes of the volume that holds the home folder. */
@@ -88,6 +97,7 @@ export interface RispostaStato {
   sections: Sezione[];
   busy: boolean;
   ver: number;
+  libera: number;
 }
 
 /** The short reply to a request that already knows this version. */

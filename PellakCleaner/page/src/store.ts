@@ -4,6 +4,8 @@ import type { Finding, Impostazioni, RispostaPermessi, RispostaStato, Sezione } 
 /** Everything the views share. Views read signals; only the functions of this page write them. */
 
 export const sezioni = signal<Sezione[]>([]);
+/** What emptying the Trash surely frees once all that can be moved is in it. */
+export const libera = signal(0);
 export const occupato = signal(false);
 /** Whether the first state has arrived. */
 export const pronto = signal(false);
@@ -33,33 +35,6 @@ export function cercaSezione(id: string): Sezione | null {
   return sezioni.value.find((s) => s.id === id) ?? null;
 }
 
-/**
- * The native side's line about a section. Its sum is of the last scan; what went to the Trash
- * since is taken off here, so that the line says the same as the numbers around it.
- */
-export function statoMostrato(sezione: Sezione): string {
-  if (sezione.scanning || !sezione.status.startsWith("Recuperabili ")) return sezione.status;
-  return sezione.total > 0 ? `Recuperabili ${sezione.total_h}.` : "";
-}
-
-/** Findings that moving to the Trash makes room with; applications are there to be used. */
-export function liberabile(finding: Finding): boolean {
-  return (
-    finding.mode === "delete" &&
-    !finding.unmeasured &&
-    finding.id !== "apps" &&
-    !finding.kind.startsWith("avvio")
-  );
-}
-
-export function byteLiberabili(sezione: Sezione): number {
-  return sezione.findings.reduce((somma, f) => somma + (liberabile(f) ? f.total : 0), 0);
-}
-
-export const totaleLiberabile = computed(() =>
-  sezioni.value.reduce((somma, s) => somma + byteLiberabili(s), 0),
-);
-
 export const ultimaScansione = computed(() =>
   sezioni.value.reduce((ultima, s) => Math.max(ultima, s.last_scan), 0),
 );
@@ -73,7 +48,8 @@ function stesseVoci(a: Finding, b: Finding): boolean {
         altra !== undefined &&
         voce.path === altra.path &&
         voce.size === altra.size &&
-        voce.mtime === altra.mtime
+        voce.mtime === altra.mtime &&
+        voce.libera === altra.libera
       );
     })
   );
@@ -94,5 +70,6 @@ function riusa(nuove: Sezione[], vecchie: Sezione[]): Sezione[] {
 
 export function accogliStato(stato: RispostaStato): void {
   sezioni.value = riusa(stato.sections, sezioni.value);
+  libera.value = stato.libera;
   pronto.value = true;
 }

@@ -25,6 +25,8 @@ export interface Vista {
   conteggio?: () => string;
   /** What the menu's "Scansiona questa vista" does; absent, nothing. */
   scansiona?: () => void;
+  /** Which of the two words for room on the disk that text is about. */
+  parola?: () => "libera" | "segnalati" | undefined;
   inCorso?: () => boolean;
   inCoda?: () => boolean;
 }

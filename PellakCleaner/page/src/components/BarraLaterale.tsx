@@ -132,7 +132,7 @@ function VoceLaterale({ vista: v }: { vista: Vista }) {
       ) : v.inCoda?.() ? (
         <span class="laterale-conteggio">in coda</span>
       ) : (
-        conteggio && <span class="laterale-conteggio">{conteggio}</span>
+        conteggio && <span class={`laterale-conteggio ${v.parola?.() ?? ""}`}>{conteggio}</span>
       )}
     </button>
   );

@@ -1,7 +1,8 @@
 import { Trash2 } from "lucide-preact";
 import { alLavoro } from "../cestino";
-import { type Scelto, byteScelti, quantiScelti } from "../sections/selezione";
-import { dimensione, quanti } from "../testo";
+import { liberaAlmeno } from "../libera";
+import { type Scelto, liberaScelti, quantiScelti } from "../sections/selezione";
+import { quanti } from "../testo";
 import { Pulsante } from "./Pulsante";
 import "./BarraSelezione.css";
 
@@ -11,7 +12,7 @@ interface Proprieta {
   cestina: () => void;
 }
 
-/** What is chosen, how much it takes, and the one thing to do with it. */
+/** What is chosen, how much it frees, and the one thing to do with it. */
 export function BarraSelezione({ scelti, svuota, cestina }: Proprieta) {
   if (scelti.length === 0) return null;
   return (
@@ -20,7 +21,7 @@ export function BarraSelezione({ scelti, svuota, cestina }: Proprieta) {
         <strong>
           {quanti(quantiScelti(scelti), "elemento selezionato", "elementi selezionati")}
         </strong>
-        <span class="misura">{dimensione(byteScelti(scelti))}</span>
+        <span class="misura libera">{liberaAlmeno(liberaScelti(scelti))}</span>
       </p>
       <Pulsante tipo="testo" onClick={svuota}>
         Deseleziona

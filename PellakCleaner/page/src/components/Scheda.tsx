@@ -2,7 +2,7 @@ import { ChevronRight } from "lucide-preact";
 import type { ComponentChildren } from "preact";
 import { useId } from "preact/hooks";
 import type { Finding } from "../rotte";
-import { mostrabile, quanti } from "../testo";
+import { dimensione, mostrabile, quanti } from "../testo";
 import "./Scheda.css";
 
 interface Proprieta {
@@ -57,7 +57,7 @@ export function Scheda(props: Proprieta) {
         </div>
         <p class="scheda-misure">
           <span class="scheda-conteggio">{quanti(finding.count, nomi[0], nomi[1])}</span>
-          {misurata && <span class="misura misura-forte">{finding.total_h}</span>}
+          {misurata && <Misura finding={finding} />}
         </p>
       </div>
       {note && (
@@ -69,5 +69,19 @@ export function Scheda(props: Proprieta) {
       )}
       {aperta && children}
     </section>
+  );
+}
+
+/** In the two words; where less comes free than the entries take, that too. */
+function Misura({ finding }: { finding: Finding }) {
+  if (finding.mode !== "delete") {
+    return <span class="misura misura-forte segnalati">{finding.total_h} segnalati</span>;
+  }
+  const libera = dimensione(finding.libera);
+  return (
+    <>
+      {libera !== finding.total_h && <span class="scheda-conteggio">di {finding.total_h}</span>}
+      <span class="misura misura-forte libera">libera {libera}</span>
+    </>
   );
 }

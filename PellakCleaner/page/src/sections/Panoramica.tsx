@@ -15,20 +15,19 @@ import { Anello } from "../components/Anello";
 import { Pulsante } from "../components/Pulsante";
 import { Vista } from "../components/Vista";
 import { frecce } from "../components/frecce";
+import { byteSegnalati, misuraDi, statoMostrato } from "../libera";
 import { caricaPermessi } from "../permessi";
 import type { Sezione } from "../rotte";
 import {
-  byteLiberabili,
   disco,
   inScansione,
+  libera,
   maiScansionato,
   mancanti,
   occupato,
   permessi,
   pronto,
   sezioni,
-  statoMostrato,
-  totaleLiberabile,
   ultimaScansione,
   vista,
 } from "../store";
@@ -63,7 +62,7 @@ function Panoramica() {
 /** Where the most can be freed: the next step after a scan. */
 function Rivedi() {
   const prima = sezioni.value.reduce<Sezione | null>(
-    (meglio, s) => (byteLiberabili(s) > (meglio ? byteLiberabili(meglio) : 0) ? s : meglio),
+    (meglio, s) => (s.libera > (meglio?.libera ?? 0) ? s : meglio),
     null,
   );
   if (!prima) return null;
@@ -75,7 +74,7 @@ function Rivedi() {
         vista.value = prima.id;
       }}
     >
-      Rivedi {dimensione(totaleLiberabile.value)}
+      Rivedi {dimensione(libera.value)}
     </Pulsante>
   );
 }
@@ -91,7 +90,7 @@ function Azioni() {
   return (
     <>
       <Pulsante
-        tipo={totaleLiberabile.value > 0 ? "normale" : "primario"}
+        tipo={libera.value > 0 ? "normale" : "primario"}
         Icona={Play}
         onClick={() => void scansiona("all")}
       >
@@ -158,12 +157,19 @@ function Benvenuto() {
 
 /** The one big figure with the bar it is made of; while a scan runs, what it is at. */
 function Cifra() {
-  const totale = totaleLiberabile.value;
+  const byte = libera.value;
+  const segnalati = sezioni.value.reduce((somma, s) => somma + byteSegnalati(s.findings), 0);
   return (
-    <section class="cifra" aria-label="Spazio che si può liberare">
-      <p class="cifra-numero">{dimensione(totale)}</p>
-      <p class="cifra-testo">{totale > 0 ? "si possono liberare" : "da liberare"}</p>
-      <BarraSezioni totale={totale} />
+    <section class="cifra" aria-label="Spazio che si libera">
+      <p class="cifra-parola libera">Libera{byte > 0 && " almeno"}</p>
+      <p class="cifra-numero">{dimensione(byte)}</p>
+      <p class="cifra-testo">
+        Lo spazio torna quando svuoti il Cestino.
+        {segnalati > 0 && (
+          <span class="segnalati"> Altri {dimensione(segnalati)} sono solo segnalati.</span>
+        )}
+      </p>
+      <BarraSezioni />
       <p class="cifra-stato" role="status">
         {occupato.value ? <InCorso /> : <Ultima />}
       </p>
@@ -189,10 +195,10 @@ function Ultima() {
   return ultima > 0 ? <span class="tenue">Ultima scansione: {quando(ultima)}</span> : null;
 }
 
-function BarraSezioni({ totale }: { totale: number }) {
-  const parti = sezioni.value
-    .map((s) => ({ s, byte: byteLiberabili(s) }))
-    .filter(({ byte }) => byte > 0);
+/** What lies in two sections is in the part of both, so the parts are shares of their own sum. */
+function BarraSezioni() {
+  const parti = sezioni.value.map((s) => ({ s, byte: s.libera })).filter(({ byte }) => byte > 0);
+  const totale = parti.reduce((somma, { byte }) => somma + byte, 0);
   const testo = parti.map(({ s, byte }) => `${s.name} ${dimensione(byte)}`).join(", ");
   return (
     <div class="barra" role="img" aria-label={testo || "Niente da liberare"}>
@@ -239,7 +245,7 @@ function Sezioni() {
 }
 
 function RigaSezione({ sezione }: { sezione: Sezione }) {
-  const liberabili = byteLiberabili(sezione);
+  const { testo, classe } = misuraDi(sezione);
   return (
     <button
       type="button"
@@ -254,9 +260,7 @@ function RigaSezione({ sezione }: { sezione: Sezione }) {
       {sezione.scanning ? (
         <Anello etichetta="scansione in corso" />
       ) : (
-        <span class={liberabili > 0 ? "misura" : "misura tenue"}>
-          {liberabili > 0 ? dimensione(liberabili) : "–"}
-        </span>
+        <span class={`misura ${testo ? classe : "tenue"}`}>{testo || "–"}</span>
       )}
       <ChevronRight size={15} aria-hidden="true" class="sezioni-freccia" />
     </button>
@@ -267,12 +271,13 @@ function statoDi(sezione: Sezione): string {
   if (sezione.scanning) return sezione.status;
   if (sezione.queued) return "In coda";
   if (!sezione.scanned) return sezione.status || "Mai scansionata";
+  const voci = sezione.findings.reduce((somma, f) => somma + f.count, 0);
+  if (voci === 0 && !sezione.disponibile) return statoMostrato(sezione);
   if (sezione.avvio_n) return quanti(sezione.avvio_n, "elemento", "elementi");
   if (sezione.apps_n) return `${quanti(sezione.apps_n, "app", "app")}, ${sezione.apps_h ?? ""}`;
   if (sezione.denied > 0)
     return quanti(sezione.denied, "percorso non leggibile", "percorsi non leggibili");
-  const segnalati = sezione.total - byteLiberabili(sezione);
-  if (segnalati > 0) return `${dimensione(segnalati)} solo segnalati`;
-  const voci = sezione.findings.reduce((somma, f) => somma + f.count, 0);
+  const segnalati = byteSegnalati(sezione.findings);
+  if (segnalati > 0) return `${dimensione(segnalati)} segnalati`;
   return voci > 0 ? quanti(voci, "voce", "voci") : statoMostrato(sezione);
 }

@@ -7,6 +7,7 @@ import { Interruttore } from "../components/Interruttore";
 import { Pulsante, PulsanteIcona } from "../components/Pulsante";
 import { Scheda } from "../components/Scheda";
 import { conferma } from "../dialogo";
+import { liberaAlmeno } from "../libera";
 import { poll } from "../polling";
 import { type Gruppo, fallita } from "../rotte";
 import { mostrabile, quanti } from "../testo";
@@ -82,7 +83,7 @@ function UnElemento({ id, gruppo, indice, cestinabile }: ProprietaElemento) {
   async function cestina() {
     const si = await conferma({
       titolo: `Spostare «${nome}» nel Cestino?`,
-      righe: [{ testo: percorso, misura: gruppo.size_h }],
+      righe: [{ testo: percorso, misura: liberaAlmeno(gruppo.libera) }],
       nota: NOTA_CESTINO,
       conferma: "Sposta nel Cestino",
     });

@@ -5,6 +5,7 @@ import { Percorso } from "../components/Percorso";
 import { Pulsante, PulsanteIcona } from "../components/Pulsante";
 import { useVirtuale } from "../components/useVirtuale";
 import { conferma } from "../dialogo";
+import { liberaAlmeno } from "../libera";
 import { conTilde, dimensione, mostrabile, nomeDi, quanti } from "../testo";
 import { casa } from "../store";
 import type { ProprietaScheda } from "./Sezione";
@@ -15,6 +16,8 @@ import {
   conTenuta,
   conVia,
   copieInPiu,
+  liberaCopie,
+  liberaPulizia,
   primaCopia,
   puliziaCompleta,
   scarta,
@@ -117,7 +120,7 @@ function Riassunto({ finding, insiemi, scelte }: ProprietaRiassunto) {
       righe: [
         {
           testo: `${quanti(insiemi.length, "gruppo", "gruppi")}, in ognuno resta la copia scelta`,
-          misura: finding.total_h,
+          misura: liberaAlmeno(liberaPulizia(insiemi, scelte)),
         },
       ],
       nota: NOTA_CESTINO,
@@ -147,7 +150,7 @@ function Testa({ insieme, scelta }: { insieme: Insieme; scelta: SceltaCopie }) {
       <span class="sotto">
         {quanti(gruppo.paths.length, "copia", "copie")} da {gruppo.size_h}
       </span>
-      <span class="misura misura-forte">{gruppo.waste_h}</span>
+      <span class="misura misura-forte libera">libera {dimensione(gruppo.libera)}</span>
     </div>
   );
 }
@@ -164,7 +167,7 @@ function Piede({ insieme, scelta }: { insieme: Insieme; scelta: SceltaCopie }) {
       righe: [
         {
           testo: `Si spostano ${quanti(vie.length, "copia", "copie")}`,
-          misura: dimensione(gruppo.size * vie.length),
+          misura: liberaAlmeno(liberaCopie(gruppo, vie)),
         },
         { testo: `Resta ${conTilde(scelta.tenuta, casa.value)}` },
       ],

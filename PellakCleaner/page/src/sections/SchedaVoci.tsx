@@ -8,7 +8,7 @@ import { Percorso } from "../components/Percorso";
 import { PulsanteIcona } from "../components/Pulsante";
 import { Scheda } from "../components/Scheda";
 import type { Voce } from "../rotte";
-import { cartellaDi, mostrabile, nomeDi } from "../testo";
+import { cartellaDi, dimensione, mostrabile, nomeDi } from "../testo";
 import type { ProprietaScheda } from "./Sezione";
 import { vaglia } from "./ordine";
 import { chiavi, sceglibile } from "./selezione";
@@ -108,6 +108,9 @@ const RigaVoce = memo(
         </div>
         <div role="gridcell" class="cella-misura misura">
           {misurata ? voce.size_h : ""}
+          {scelta !== null && voce.libera !== undefined && (
+            <span class="sotto">libera {dimensione(voce.libera)}</span>
+          )}
         </div>
         <div role="gridcell" class="cella-azioni">
           <AzioniVoce percorso={voce.path} nome={nome} tabIndex={tabIndex} />

@@ -11,7 +11,8 @@ import { Vista } from "../components/Vista";
 import { Vuoto } from "../components/Vuoto";
 import { poll } from "../polling";
 import type { Finding, Sezione as DatiSezione } from "../rotte";
-import { cercaSezione, occupato, pronto, statoMostrato } from "../store";
+import { statoMostrato } from "../libera";
+import { cercaSezione, occupato, pronto } from "../store";
 import { quando } from "../testo";
 import { LasciatiFuori } from "./LasciatiFuori";
 import { Negati } from "./Negati";
@@ -148,6 +149,7 @@ function Niente({ sezione }: { sezione: DatiSezione }) {
   if (!sezione.scanned)
     return <Vuoto Icona={ScanSearch}>Questa sezione non è ancora stata scansionata.</Vuoto>;
   if (sezione.denied > 0) return null;
+  if (!sezione.disponibile) return <Vuoto Icona={ScanSearch}>{statoMostrato(sezione)}</Vuoto>;
   // A scan that failed, or had nothing to look at, says so itself.
   const pulita = sezione.status.startsWith("Recuperabili") || sezione.status === "";
   return <Vuoto Icona={Sparkles}>{pulita ? "Niente da segnalare." : sezione.status}</Vuoto>;

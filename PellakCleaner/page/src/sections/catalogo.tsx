@@ -9,6 +9,7 @@ import {
   type LucideIcon,
   Power,
 } from "lucide-preact";
+import { misuraDi } from "../libera";
 import { cercaSezione } from "../store";
 import type { Vista } from "../vista";
 import { numero } from "../testo";
@@ -24,6 +25,7 @@ function sezione(id: string, nome: string, Icona: LucideIcon): Vista {
     Contenuto: () => <Sezione id={id} />,
     conteggio: () => conteggio(id),
     scansiona: () => void scansiona(id),
+    parola: () => parola(id),
     inCorso: () => cercaSezione(id)?.scanning ?? false,
     inCoda: () => cercaSezione(id)?.queued ?? false,
   };
@@ -32,7 +34,12 @@ function sezione(id: string, nome: string, Icona: LucideIcon): Vista {
 function conteggio(id: string): string {
   const dati = cercaSezione(id);
   if (dati?.avvio_n) return numero(dati.avvio_n);
-  return dati && dati.total > 0 ? dati.total_h : "";
+  return dati ? misuraDi(dati).testo : "";
+}
+
+function parola(id: string) {
+  const dati = cercaSezione(id);
+  return dati && !dati.avvio_n ? misuraDi(dati).classe : undefined;
 }
 
 /** The eight sections in catalogue order. */

@@ -80,3 +80,19 @@ export function puliziaCompleta(
 export function copieInPiu(insiemi: readonly Insieme[]): number {
   return insiemi.reduce((somma, { gruppo }) => somma + Math.max(0, gruppo.paths.length - 1), 0);
 }
+
+/** What emptying the Trash surely frees when these copies go and another one stays. */
+export function liberaCopie(gruppo: Gruppo, via: readonly string[]): number {
+  const { libere } = gruppo;
+  if (libere) return via.reduce((somma, p) => somma + (libere[gruppo.paths.indexOf(p)] ?? 0), 0);
+  return Math.floor(gruppo.libera / Math.max(1, gruppo.paths.length - 1)) * via.length;
+}
+
+/** The same of the complete cleaning. */
+export function liberaPulizia(insiemi: readonly Insieme[], scelte: SceltePerGruppo): number {
+  return insiemi.reduce((somma, { gruppo }) => {
+    const { tenuta } = sceltaDi(gruppo, scelte);
+    const via = gruppo.paths.filter((p) => p !== tenuta);
+    return somma + liberaCopie(gruppo, via);
+  }, 0);
+}

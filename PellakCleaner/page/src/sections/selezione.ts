@@ -1,8 +1,9 @@
 import { api } from "../api";
 import { type Spostamento, spostaNelCestino } from "../cestino";
 import { conferma } from "../dialogo";
+import { liberaAlmeno } from "../libera";
 import { type Finding, type Gruppo, type Voce, fallita } from "../rotte";
-import { dimensione, nomeDi, quanti } from "../testo";
+import { nomeDi, quanti } from "../testo";
 
 /** What is chosen in a section, across its findings. */
 
@@ -13,7 +14,8 @@ export interface Scelto {
   finding: Finding;
   voci: Voce[];
   gruppi: { indice: number; gruppo: Gruppo }[];
-  byte: number;
+  /** What emptying the Trash surely frees once these are in it. */
+  libera: number;
 }
 
 export function chiaveGruppo(gruppo: Gruppo): string {
@@ -57,10 +59,10 @@ export function riepilogo(findings: readonly Finding[], scelte: Scelte): Scelto[
       .map((gruppo, indice) => ({ indice, gruppo }))
       .filter(({ gruppo }) => sue.has(chiaveGruppo(gruppo)));
     if (voci.length + gruppi.length === 0) return [];
-    const byte =
-      voci.reduce((somma, v) => somma + v.size, 0) +
-      gruppi.reduce((somma, { gruppo }) => somma + gruppo.size, 0);
-    return [{ finding, voci, gruppi, byte }];
+    const libera =
+      voci.reduce((somma, v) => somma + (v.libera ?? v.size), 0) +
+      gruppi.reduce((somma, { gruppo }) => somma + gruppo.libera, 0);
+    return [{ finding, voci, gruppi, libera }];
   });
 }
 
@@ -68,8 +70,23 @@ export function quantiScelti(scelti: readonly Scelto[]): number {
   return scelti.reduce((somma, s) => somma + s.voci.length + s.gruppi.length, 0);
 }
 
-export function byteScelti(scelti: readonly Scelto[]): number {
-  return scelti.reduce((somma, s) => somma + s.byte, 0);
+/** Of all that is chosen: what lies in two lists, or in a folder that goes too, counts once. */
+export function liberaScelti(scelti: readonly Scelto[]): number {
+  const voci = new Map(scelti.flatMap((s) => s.voci.map((v) => [v.path, v.libera ?? v.size])));
+  const corto = [...voci.keys()].reduce((min, path) => Math.min(min, path.length), Infinity);
+  const inAltra = (path: string) => {
+    for (let fine = path.lastIndexOf("/"); fine >= corto; fine = path.lastIndexOf("/", fine - 1)) {
+      if (voci.has(path.slice(0, fine))) return true;
+    }
+    return false;
+  };
+  const gruppi = scelti
+    .flatMap((s) => s.gruppi)
+    .filter(({ gruppo }) => !gruppo.paths.some((p) => voci.has(p) || inAltra(p)));
+  return [...voci].reduce(
+    (somma, [path, byte]) => somma + (inAltra(path) ? 0 : byte),
+    gruppi.reduce((somma, { gruppo }) => somma + gruppo.libera, 0),
+  );
 }
 
 /** One group; an application that runs is closed first when the user agrees. */
@@ -122,7 +139,7 @@ export async function cestinaScelti(scelti: readonly Scelto[]): Promise<boolean>
     titolo: `Spostare ${quanti(totale, "elemento", "elementi")} nel Cestino?`,
     righe: scelti.map((s) => ({
       testo: `${s.finding.name}: ${quanti(s.voci.length + s.gruppi.length, "elemento", "elementi")}`,
-      ...(s.finding.unmeasured ? {} : { misura: dimensione(s.byte) }),
+      ...(s.finding.unmeasured ? {} : { misura: liberaAlmeno(s.libera) }),
     })),
     nomi: nomi.slice(0, NOMI_MOSTRATI),
     altri: Math.max(0, nomi.length - NOMI_MOSTRATI),

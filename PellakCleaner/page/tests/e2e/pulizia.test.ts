@@ -47,7 +47,9 @@ describe("moving to the Trash and putting back", () => {
     await page.getByLabel(`Seleziona ${OSTILE}`, { exact: true }).check();
     await page.getByLabel(`Seleziona ${ROTTO_MOSTRATO}`, { exact: true }).check();
     await page.locator('[data-finding="pip-cache"] .casella').first().check();
-    expect(await page.locator(".selezione").innerText()).toContain("4 elementi selezionati");
+    expect(await page.locator(".selezione").innerText()).toMatch(
+      /4 elementi selezionati\s*libera almeno 4\.6 MiB/,
+    );
 
     await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
     await page.keyboard.press("Escape");
@@ -55,8 +57,8 @@ describe("moving to the Trash and putting back", () => {
 
     await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
     const testo = await conferma(/Spostare 4 elementi/);
-    expect(testo).toMatch(/npm: cache: 3 elementi\s+3\.9 MiB/);
-    expect(testo).toMatch(/pip: cache: 1 elemento\s+700\.0 KiB/);
+    expect(testo).toMatch(/npm: cache: 3 elementi\s+libera almeno 3\.9 MiB/);
+    expect(testo).toMatch(/pip: cache: 1 elemento\s+libera almeno 700\.0 KiB/);
     expect(testo).toContain("Annulla");
     await avviso()
       .getByText(/^4 elementi spostati nel Cestino, 4\.6 MiB\.$/)

@@ -20,6 +20,7 @@ function gruppo(dati: Partial<Gruppo>): Gruppo {
     pesi: [],
     deboli: [],
     paths: [],
+    libera: dati.size ?? 0,
     ...dati,
   };
 }
@@ -39,6 +40,7 @@ function finding(dati: Partial<Finding>): Finding {
     kind: "",
     items: [],
     groups,
+    libera: dati.total ?? 0,
     ...dati,
   };
 }
@@ -162,6 +164,9 @@ export const conScena: Ritocco = (rotta, risposta) => {
     if (!findings) continue;
     sezione.findings = findings;
     sezione.total = findings.reduce((somma, f) => somma + f.total, 0);
+    sezione.disponibile = sezione.id !== "privacy";
+    sezione.libera = sezione.id === "privacy" ? sezione.total : 0;
+    stato.libera += sezione.libera;
     sezione.total_h = findings.at(-1)?.total_h ?? "";
     sezione.status = `Recuperabili ${sezione.total_h}.`;
     if (sezione.id === "avvio") sezione.avvio_n = 2;

@@ -7,7 +7,16 @@ export function voce(path: string, size: number): Voce {
 export function gruppo(paths: string[], size = 10): Gruppo {
   const icona = { bundle: "", icon_src: "", url: "", name: "" };
   const stato = { spento: false, admin: false, system: false };
-  return { ...icona, ...stato, size, size_h: `${size} B`, pesi: [], deboli: [], paths };
+  return {
+    ...icona,
+    ...stato,
+    size,
+    size_h: `${size} B`,
+    pesi: [],
+    deboli: [],
+    paths,
+    libera: size,
+  };
 }
 
 export function finding(id: string, dati: Partial<Finding> = {}): Finding {
@@ -25,6 +34,7 @@ export function finding(id: string, dati: Partial<Finding> = {}): Finding {
     kind: "",
     items,
     groups,
+    libera: items.reduce((somma, v) => somma + (v.libera ?? v.size), 0),
     ...dati,
   };
 }
@@ -44,6 +54,8 @@ export function sezione(id: string, findings: Finding[], dati: Partial<Sezione> 
     total: findings.reduce((somma, f) => somma + f.total, 0),
     total_h: "",
     findings,
+    libera: findings.reduce((somma, f) => somma + f.libera, 0),
+    disponibile: true,
     ...dati,
   };
 }

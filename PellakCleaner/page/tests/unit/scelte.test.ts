@@ -4,11 +4,19 @@ import {
   type SceltaCopie,
   conTenuta,
   conVia,
+  liberaCopie,
+  liberaPulizia,
   puliziaCompleta,
   sceltaDi,
 } from "../../src/sections/duplicati";
 import { vaglia } from "../../src/sections/ordine";
-import { conScelte, riepilogo, spostamenti } from "../../src/sections/selezione";
+import {
+  chiavi,
+  conScelte,
+  liberaScelti,
+  riepilogo,
+  spostamenti,
+} from "../../src/sections/selezione";
 import { Canale } from "./canale";
 import { finding, gruppo, voce } from "./esempi";
 
@@ -27,10 +35,30 @@ test("the choice counts only what is still there and may be moved", () => {
   scelte = conScelte(scelte, "app", ["/x.app"], true);
   const app = finding("app", { groups: [gruppo(["/y.app"]), gruppo(["/x.app", "/dati"], 20)] });
   const scelti = riepilogo([cache, report, app], scelte);
-  expect(scelti.map((s) => [s.finding.id, s.byte])).toEqual([
+  expect(scelti.map((s) => [s.finding.id, s.libera])).toEqual([
     ["cache", 3],
     ["app", 20],
   ]);
+});
+
+test("a choice frees each path once, and of it what nothing else holds", () => {
+  const uno = finding("uno", {
+    items: [voce("/c/x", 5), { ...voce("/c/y", 9), libera: 2 }, voce("/c/x/dentro", 4)],
+  });
+  const due = finding("due", { items: [voce("/c/x", 5), voce("/c/xy", 7)] });
+  const app = finding("app", { groups: [gruppo(["/c/x/app"], 4), gruppo(["/d"], 100)] });
+  const scelti = riepilogo(
+    [uno, due, app],
+    new Map([uno, due, app].map((f) => [f.id, new Set(chiavi(f))])),
+  );
+  expect(liberaScelti(scelti)).toBe(5 + 2 + 7 + 100);
+
+  const pari = { ...gruppo(["/1", "/2", "/3"]), libera: 20 };
+  expect([liberaCopie(pari, ["/2"]), liberaCopie(pari, ["/2", "/3"])]).toEqual([10, 20]);
+  const impari = { ...pari, libera: 10, libere: [10, 0, 10] };
+  expect([liberaCopie(impari, ["/2"]), liberaCopie(impari, ["/1", "/3"])]).toEqual([0, 20]);
+  const insiemi = [pari, impari].map((g, indice) => ({ gruppo: g, indice }));
+  expect(liberaPulizia(insiemi, new Map())).toBe(20 + 10);
 });
 
 test("moves name exactly the chosen entries and guard a group by its first path", async () => {

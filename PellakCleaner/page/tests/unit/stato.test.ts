@@ -1,4 +1,6 @@
 import { beforeEach, expect, test, vi } from "vitest";
+import { statoMostrato } from "../../src/libera";
+import type { Finding } from "../../src/rotte";
 import { Canale, respiro } from "./canale";
 import { finding, sezione, voce } from "./esempi";
 
@@ -69,15 +71,23 @@ test("a failed request does not end the polling of a running scan", async () => 
   vi.useRealTimers();
 });
 
-test("what can be freed leaves out reports, installed applications and startup items", async () => {
-  const { store } = await carica();
-  const conta = (id: string, dati: object) => finding(id, { items: [voce(`/${id}`, 7)], ...dati });
-  const tutte = [
-    conta("npm-cache", {}),
-    conta("large-files", { mode: "report" }),
-    conta("apps", { kind: "app" }),
-    conta("startup-user", { kind: "avvio" }),
-    conta("app-leftovers", {}),
-  ];
-  expect(store.byteLiberabili(sezione("x", tutte))).toBe(14);
+test("the line about a section has its sum in the two words, and never reads clean unlooked", () => {
+  const svuotata = finding("cache", { items: [{ ...voce("/a", 4096), libera: 1024 }] });
+  const report = finding("grandi", { mode: "report", libera: 0, items: [voce("/g", 2048)] });
+  const riga = (findings: Finding[], status: string, dati = {}) =>
+    statoMostrato(sezione("x", findings, { status, ...dati }));
+  expect(riga([svuotata], "Recuperabili 4.0 KiB.")).toBe("Libera almeno 1.0 KiB.");
+  expect(riga([report], "Recuperabili 2.0 KiB.")).toBe("2.0 KiB segnalati.");
+  expect(riga([svuotata, report], "Recuperabili 6.0 KiB.")).toBe(
+    "Libera almeno 1.0 KiB, 2.0 KiB segnalati.",
+  );
+  expect(riga([], "Niente da segnalare.")).toBe("Niente da segnalare.");
+  expect(riga([report], "Recuperabili 2.0 KiB. Risultati non salvati: disco pieno.")).toBe(
+    "2.0 KiB segnalati. Risultati non salvati: disco pieno.",
+  );
+  const manca = { disponibile: false };
+  expect(riga([], "Niente da segnalare.", manca)).toMatch(/^Ricerca non disponibile/);
+  expect(riga([], "Errore: disco", manca)).toMatch(/^Errore: disco Ricerca non completa/);
+  expect(riga([report], "Recuperabili 2.0 KiB.", manca)).toMatch(/^2\.0 KiB segnalati\. Ricerca/);
+  expect(riga([], "Cerco…", { ...manca, scanning: true })).toBe("Cerco…");
 });
