@@ -27,8 +27,8 @@ TEST(CustodeTest, SaysWhereThingsMayComeBackTo) {
 
 TEST(CustodeTest, UserFoldersOfOtherNamesStayThemselves) {
   const Store store("/home/u");
-  const NoTrash can;
-  const Custode custode(store, can, {"/home/u/Carte"});
+  const auto native = creaNative();
+  const Custode custode(store, native->platform().trash, {"/home/u/Carte"});
   EXPECT_FALSE(custode.ammesso("/home/u/Carte"));
   EXPECT_TRUE(custode.ammesso("/home/u/Carte/a"));
 }
