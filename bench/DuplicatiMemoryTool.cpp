@@ -134,6 +134,7 @@ class MadeReader final : public FileReader {
     const std::uint64_t file = std::strtoull(number.c_str(), nullptr, 10);
     return std::unique_ptr<OpenFile>(std::make_unique<MadeFile>(file, sets_.contentOf(file)));
   }
+  bool writable(std::string_view) override { return true; }
 
  private:
   const Sets sets_;

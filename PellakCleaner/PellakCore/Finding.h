@@ -19,6 +19,8 @@ struct Identita {
   std::int64_t mtimeNs = 0;  ///< last write of the content, nanoseconds since 1970
   std::int64_t ctimeNs = 0;  ///< last change of content or record, which no program can set back
   EntryType type = EntryType::unknown;
+  /// Of a copy of a duplicate set: what speaks against it as the one that stays (CopiaTenuta.h).
+  std::uint8_t svantaggi = 0;
 
   /// False: results of an older version, or made up without a file.
   bool nota() const { return type != EntryType::unknown; }

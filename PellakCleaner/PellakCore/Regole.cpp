@@ -85,6 +85,7 @@ Regole conSpostamenti(Regole regole, const std::vector<Spostamento>& spostamenti
   for (auto* radici : {&regole.duplicati.roots, &regole.grandi.roots}) {
     std::for_each(radici->begin(), radici->end(), sposta);
   }
+  std::for_each(regole.duplicati.passaggi.begin(), regole.duplicati.passaggi.end(), sposta);
   return regole;
 }
 

@@ -35,6 +35,8 @@ struct RegoleDuplicati {
   std::vector<std::string> excludeDirNames;
   std::vector<std::string> excludeBundleSuffixes;
   std::vector<std::string> excludePaths;
+  /// Where files only pass through: of a set, a copy elsewhere rather stays. No key of the file.
+  std::vector<std::string> passaggi = {"~/Downloads", "~/Desktop"};
 };
 
 /// The rules file's "large_old".

@@ -21,6 +21,7 @@ void scriviIdentita(JsonWriter& uscita, const Identita& identita) {
   uscita.integer(identita.mtimeNs);
   uscita.integer(identita.ctimeNs);
   uscita.integer(static_cast<std::int64_t>(identita.type));
+  if (identita.svantaggi != 0) uscita.integer(identita.svantaggi);
   uscita.endArray();
 }
 
@@ -28,9 +29,10 @@ void scriviIdentita(JsonWriter& uscita, const Identita& identita) {
 Identita leggiIdentita(Json lista) {
   std::vector<std::int64_t> campi;
   lista.perOgni([&](Json campo) { campi.push_back(campo.intero().value_or(-1)); });
-  if (campi.size() != 4 || campi[3] < 0 || campi[3] > kUltimoTipo) return {};
+  if (campi.size() < 4 || campi[3] < 0 || campi[3] > kUltimoTipo) return {};
+  const std::int64_t svantaggi = campi.size() > 4 ? campi[4] : 0;
   return {static_cast<std::uint64_t>(campi[0]), campi[1], campi[2],
-          static_cast<EntryType>(campi[3])};
+          static_cast<EntryType>(campi[3]), static_cast<std::uint8_t>(svantaggi)};
 }
 
 void scriviScheda(JsonWriter& uscita, const Scheda& scheda) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "PellakCore/CopiaTenuta.h"
 #include "PellakCore/Libera.h"
 
 namespace pellak {
@@ -52,6 +53,9 @@ void scriviGruppo(JsonWriter& uscita, const Finding& finding, const Group& grupp
     uscita.key("libere").beginArray();
     for (std::size_t i = 0; i < gruppo.paths.size(); ++i) uscita.integer(gruppo.libere[i]);
     uscita.endArray();
+  }
+  if (finding.duplicati() && !gruppo.paths.empty()) {
+    uscita.key("tieni").text(gruppo.paths[copiaTenuta(gruppo)]);
   }
   if (finding.insieme()) uscita.key("insieme").boolean(true);
   uscita.endObject();

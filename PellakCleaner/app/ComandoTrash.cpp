@@ -45,7 +45,8 @@ void mostra(const Finding& finding, const SceltaCestino& scelta, const std::stri
   fmt::print(stderr, "{}\n", grassetto(perTerminale(finding.name)));
   if (!finding.note.empty()) fmt::print(stderr, "{}\n", perTerminale(finding.note));
   if (finding.duplicati()) {
-    fmt::print(stderr, "Di ogni gruppo resta una copia, la prima ancora intatta.\n");
+    fmt::print(stderr,
+               "Di ogni gruppo resta una copia ancora intatta: di solito la più vecchia.\n");
   }
   Tabella tabella({Allineamento::destra, Allineamento::sinistra});
   tabella.riga({"Dimensione", "Percorso"});

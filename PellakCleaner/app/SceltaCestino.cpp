@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "PellakCore/CopiaTenuta.h"
 #include "PellakCore/Libera.h"
 #include "PellakCore/base/JsonWriter.h"
 #include "trash/Gruppi.h"
@@ -30,7 +31,7 @@ std::vector<std::string> tranne(const Group& gruppo, std::size_t tenuta) {
 /// What goes of a set when one copy stays. Returns the path of that copy; empty when none may be
 /// relied on: the request is going to refuse the set.
 std::string aggiungiCopie(SceltaCestino& scelta, const Group& gruppo, const trash::Copie& copie) {
-  for (std::size_t copia = 0; copia < gruppo.paths.size(); ++copia) {
+  for (const std::size_t copia : inOrdineDiTenuta(gruppo)) {
     if (!copie.conservabile(gruppo, copia, tranne(gruppo, copia))) continue;
     for (std::size_t i = 0; i < gruppo.paths.size(); ++i) {
       const std::string& via = gruppo.paths[i];

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/EntryType.h"
 #include "platform/Result.h"
 
 namespace pellak {
@@ -28,8 +29,6 @@ struct BulkEntry {
   std::uint32_t flags = 0;  ///< BSD file flags; 0 where the system has none
   std::uint32_t nlink = 0;  ///< hard links; 0 where the listing does not tell
 };
-
-enum class EntryType : std::uint8_t { unknown, directory, link, regular, other };
 
 /// What the system records about one path. Listings that carry attributes leave `mode`, `uid`,
 /// `gid` and `nlink` at 0.

@@ -58,6 +58,9 @@ class FileReader {
   /// nothing at the path makes the call wait (a pipe without a writer opens). Errors: missing,
   /// denied, invalid, failed (a link among them).
   virtual Result<std::unique_ptr<OpenFile>> open(std::string_view percorso, ReadPlan plan) = 0;
+
+  /// Whether entries of a folder may be made and taken away.
+  virtual bool writable(std::string_view cartella) = 0;
 };
 
 /// The reader of the system the program was built for.

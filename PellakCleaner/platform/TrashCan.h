@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/EntryType.h"
 #include "platform/Result.h"
 
 namespace pellak {
@@ -17,6 +18,9 @@ struct TrashPlan {
   std::uint64_t dev = 0;   ///< the item itself, a final symbolic link not followed
   std::uint64_t ino = 0;   ///< 0 when not known
   std::int64_t size = 0;   ///< bytes on disk when somebody measured them; the Trash may show them
+  EntryType type = EntryType::unknown;  ///< of the item; unknown when not looked at
+  std::int64_t mtimeNs = 0;             ///< its last write, nanoseconds since 1970
+  std::int64_t lunghezza = 0;           ///< its logical bytes
 };
 
 /// One series of moves to the Trash or out of it. Folders that many items share stay open as long
@@ -45,7 +49,7 @@ class TrashBatch {
   /// ever replaced. Returns the place in the Trash. A final symbolic link is moved itself. Errors,
   /// the item being where it was: missing, denied, busy, mounted (meanwhile), full, readOnly,
   /// exists (the name in the Trash was taken meanwhile: plan anew), invalid (something else lies at
-  /// the path now), failed.
+  /// the path now, or was written to since), failed.
   virtual Result<std::string> move(const TrashPlan& piano) = 0;
 
   /// Where an item that came from `percorso` lies in the Trash; empty when it does not. Only a

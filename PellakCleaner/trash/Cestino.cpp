@@ -27,6 +27,18 @@ constexpr int kServerError = 500;
 /// How often another name in the Trash is looked for when somebody else is faster.
 constexpr int kTentativi = 5;
 
+/// A folder is the same whatever was written in it; a file that only got other rights or another
+/// name is.
+bool comeVisto(const Candidato& voce, const TrashPlan& piano) {
+  const Identita& visto = voce.identita;
+  if (!visto.nota() || piano.type == EntryType::unknown) return true;
+  if (visto.type != piano.type || visto.type == EntryType::directory) {
+    return visto.type == piano.type;
+  }
+  return visto.inode == piano.ino && visto.mtimeNs == piano.mtimeNs &&
+         voce.lunghezza == piano.lunghezza;
+}
+
 }  // namespace
 
 /// One batch on its way to the Trash.
@@ -135,6 +147,10 @@ void Cestino::preparaUno(Lavoro& lavoro, const Candidato& voce, std::size_t lott
   if (!piano) {
     lavoro.esito.failed.push_back(
         {voce.percorso, trashMessage(voce.percorso, piano.error()), piano.error().causa});
+    return;
+  }
+  if (!comeVisto(voce, *piano)) {
+    lavoro.esito.failed.push_back({voce.percorso, kCambiato});
     return;
   }
   lavoro.intento.operazione.tot = sommaSicura(lavoro.intento.operazione.tot, voce.size);

@@ -11,6 +11,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "PellakCore/Finding.h"
 #include "PellakCore/Store.h"
 #include "platform/Clock.h"
 #include "platform/DirectoryLister.h"
@@ -38,10 +39,13 @@ struct AmbienteCestino {
   std::vector<std::string> cartelleUtente = {};
 };
 
-/// An item that is wanted in the Trash, with the size the scan measured.
+/// An item that is wanted in the Trash, with the size the scan measured, and as the scan saw it:
+/// what is another file now, was written to or is no longer a folder stays.
 struct Candidato {
   std::string percorso;
   std::int64_t size = 0;
+  std::int64_t lunghezza = 0;  ///< logical bytes
+  Identita identita = {};      ///< unknown: not compared
 };
 
 /// Items that go under one condition. Right before the first of them moves `ancora` is asked;

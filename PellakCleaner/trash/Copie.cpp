@@ -32,59 +32,50 @@ std::optional<Sha256Digest> impronta(const OpenFile& file, std::int64_t size) {
 
 }  // namespace
 
-std::optional<FileMark> Copie::stato(const std::string& percorso) const {
+Result<FileMark> Copie::stato(const std::string& percorso) const {
   const auto file = reader_.open(percorso, ReadPlan::samples);
-  if (!file) return {};
-  const auto letto = (*file)->mark();
-  return letto && letto->regular ? std::optional(*letto) : std::nullopt;
+  if (!file) return file.error();
+  auto letto = (*file)->mark();
+  if (letto && !letto->regular) return Error{ErrorKind::invalid, 0, "not a regular file"};
+  return letto;
 }
 
-bool Copie::esiste(const std::string& percorso) const { return stato(percorso).has_value(); }
-
-bool Copie::riscritta(const Group& gruppo, std::size_t copia) const {
-  const auto ora = stato(gruppo.paths[copia]);
-  return ora && nota(gruppo, copia) && !comeTrovata(gruppo, copia, *ora);
-}
+bool Copie::esiste(const std::string& percorso) const { return stato(percorso).ok(); }
 
 bool Copie::ancora(const std::string& percorso, const FileMark& prima) const {
-  return stato(percorso) == prima;
+  const auto ora = stato(percorso);
+  return ora && *ora == prima;
 }
 
 bool Copie::comeTrovata(const Group& gruppo, std::size_t copia, const FileMark& ora) const {
   if (ora.size != gruppo.size) return false;
-  if (nota(gruppo, copia) && !gruppo.dallaCache)
-    return ora.mtimeNs == gruppo.identita[copia].mtimeNs;
+  if (nota(gruppo, copia)) {
+    const Identita& trovata = gruppo.identita[copia];
+    if (ora.mtimeNs != trovata.mtimeNs) return false;
+    const bool stessa = ora.ino == trovata.inode && ora.ctimeNs == trovata.ctimeNs;
+    if (stessa && !gruppo.dallaCache) return true;
+  }
   if (!gruppo.conHash()) return false;
-  return contiene(gruppo.paths[copia], gruppo);
+  const auto file = reader_.open(gruppo.paths[copia], ReadPlan::whole);
+  return file && impronta(**file, ora.size) == gruppo.hash && ancora(gruppo.paths[copia], ora);
 }
 
-bool Copie::contiene(const std::string& percorso, const Group& gruppo) const {
-  const auto file = reader_.open(percorso, ReadPlan::whole);
-  if (!file) return false;
-  const auto ora = (*file)->mark();
-  if (!ora || !ora->regular || ora->size != gruppo.size) return false;
-  if (impronta(**file, ora->size) != gruppo.hash) return false;
-  const auto dopo = (*file)->mark();
-  return dopo && *dopo == *ora;
+Result<FileMark> Copie::scartabile(const Group& gruppo, std::size_t copia) const {
+  const auto prima = stato(gruppo.paths[copia]);
+  if (!prima) return prima.error();
+  if (comeTrovata(gruppo, copia, *prima)) return prima;
+  return Error{ErrorKind::invalid, 0, "changed since the scan"};
 }
 
 std::optional<FileMark> Copie::conservabile(const Group& gruppo, std::size_t copia,
                                             const std::vector<std::string>& scartate) const {
-  const std::string& percorso = gruppo.paths[copia];
-  const auto prima = stato(percorso);
-  if (!prima || !comeTrovata(gruppo, copia, *prima)) return {};
+  const auto prima = scartabile(gruppo, copia);
+  if (!prima) return {};
   const bool altroNome = std::any_of(scartate.begin(), scartate.end(), [&](const auto& scartata) {
     const auto altra = stato(scartata);
     return altra && altra->dev == prima->dev && altra->ino == prima->ino;
   });
-  if (altroNome) return {};
-  // What was only remembered is known once it is read: those that go must hold what stays.
-  const bool uguali =
-      !gruppo.dallaCache ||
-      std::all_of(scartate.begin(), scartate.end(), [&](const std::string& scartata) {
-        return !esiste(scartata) || contiene(scartata, gruppo);
-      });
-  return uguali && ancora(percorso, *prima) ? prima : std::nullopt;
+  return altroNome ? std::nullopt : std::optional(*prima);
 }
 
 }  // namespace pellak::trash

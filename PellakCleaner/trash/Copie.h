@@ -11,14 +11,17 @@
 namespace pellak::trash {
 
 /// Looks at the copies of a duplicate set as they are on the disk now. Any thread.
+///
+/// A copy is as the scan found it when it is the same file, and nothing of its record moved. When
+/// size and time are the same and only the file or its record is another (it was put back from
+/// elsewhere, got another name or other rights), its content is read and compared with the scan's;
+/// so it is for results that hold no identity, and for a set whose contents were remembered.
 class Copie {
  public:
   explicit Copie(FileReader& reader) : reader_(reader) {}
 
-  /// The state of a copy that may stay while `scartate` go: a regular file as the scan found it
-  /// (its size and time; results that hold no times: its whole content), and not another name of a
-  /// discarded file. Of a set whose contents were remembered, the copy and all `scartate` are read.
-  /// Nothing when it may not.
+  /// The state of a copy that may stay while `scartate` go: a regular file as the scan found it,
+  /// and not another name of a discarded file. Nothing when it may not.
   std::optional<FileMark> conservabile(const Group& gruppo, std::size_t copia,
                                        const std::vector<std::string>& scartate) const;
 
@@ -27,13 +30,12 @@ class Copie {
 
   bool esiste(const std::string& percorso) const;
 
-  /// Whether a copy was written to since the scan: what it holds now may be nowhere else.
-  bool riscritta(const Group& gruppo, std::size_t copia) const;
+  /// The state of a copy that is still as the scan found it. Errors: missing when there is nothing;
+  /// anything else: what lies there now may be nowhere else.
+  Result<FileMark> scartabile(const Group& gruppo, std::size_t copia) const;
 
  private:
-  /// Whether a file holds, byte for byte as far as a hash tells, what the set does.
-  bool contiene(const std::string& percorso, const Group& gruppo) const;
-  std::optional<FileMark> stato(const std::string& percorso) const;
+  Result<FileMark> stato(const std::string& percorso) const;
   bool comeTrovata(const Group& gruppo, std::size_t copia, const FileMark& stato) const;
 
   FileReader& reader_;

@@ -36,7 +36,8 @@ Esito OperazioniCestino::trash(std::string_view id,
   if (solo) scelti.insert(solo->begin(), solo->end());
   std::vector<Candidato> voci;
   for (const Voce& voce : finding->items) {
-    if (!solo || scelti.contains(voce.path)) voci.push_back({voce.path, voce.size});
+    if (solo && !scelti.contains(voce.path)) continue;
+    voci.push_back({voce.path, voce.size, voce.lunghezza, voce.identita});
   }
   if (voci.empty()) return rifiuto("nessun elemento trattabile");
   return sposta(id, titoloFisso("Categoria: " + finding->name), lottiDi(std::move(voci)));

@@ -5,6 +5,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "PellakCore/CopiaTenuta.h"
 #include "PellakCore/base/BytePath.h"
 #include "trash/Gruppi.h"
 #include "trash/Messaggi.h"
@@ -37,8 +38,8 @@ std::string obiezione(const Group* gruppo, const SceltaCopia& scelta) {
 
 }  // namespace
 
-/// What goes when `tenuta` stays; nothing when that one may not be relied on. A copy that was
-/// written to since the scan is none any more and is reported in `falliti`.
+/// What goes when `tenuta` stays; nothing when that one may not be relied on. A copy that changed
+/// since the scan is none any more and is reported in `falliti`.
 std::optional<Lotto> OperazioniCestino::scarta(const Group& gruppo, std::size_t tenuta,
                                                const std::vector<std::size_t>& via,
                                                std::vector<Fallito>& falliti) const {
@@ -49,10 +50,14 @@ std::optional<Lotto> OperazioniCestino::scarta(const Group& gruppo, std::size_t 
   if (!stato) return {};
   Lotto lotto;
   for (const std::size_t copia : via) {
-    if (copie_.riscritta(gruppo, copia)) {
-      falliti.push_back({gruppo.paths[copia], kCambiato});
-    } else {
+    const auto ora = copie_.scartabile(gruppo, copia);
+    if (ora) {
+      const Identita identita{ora->ino, ora->mtimeNs, ora->ctimeNs, EntryType::regular};
+      lotto.voci.push_back({gruppo.paths[copia], gruppo.size, ora->size, identita});
+    } else if (ora.error().kind == ErrorKind::missing) {
       lotto.voci.push_back({gruppo.paths[copia], gruppo.size});
+    } else {
+      falliti.push_back({gruppo.paths[copia], kCambiato});
     }
   }
   lotto.ancora = [this, percorso = gruppo.paths[tenuta], stato = *stato] {
@@ -65,7 +70,7 @@ std::optional<Lotto> OperazioniCestino::scarta(const Group& gruppo, std::size_t 
 /// may be relied on.
 std::optional<OperazioniCestino::Pulizia> OperazioniCestino::tieniUna(
     const Group& gruppo, const std::string& scelta, std::vector<Fallito>& falliti) const {
-  for (std::size_t copia = 0; copia < gruppo.paths.size(); ++copia) {
+  for (const std::size_t copia : inOrdineDiTenuta(gruppo)) {
     if (!scelta.empty() && gruppo.paths[copia] != scelta) continue;
     if (auto lotto = scarta(gruppo, copia, tranne(gruppo, copia), falliti)) {
       return Pulizia{copia, std::move(*lotto)};

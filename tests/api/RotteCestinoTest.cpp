@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <map>
 
+#include "PellakCore/CopiaTenuta.h"
 #include "PellakCore/base/Esadecimale.h"
 #include "api/Richieste.h"
 
@@ -223,15 +224,28 @@ TEST_F(RotteCestinoTest, WhatCannotBeMeantMovesNothing) {
   EXPECT_EQ(utente().size(), 3U);
 }
 
-TEST_F(RotteCestinoTest, KeepAllLeavesOneGoodCopyOfEachSet) {
-  trova(copie());
+TEST_F(RotteCestinoTest, OneRuleSaysWhichGoodCopyStays) {
+  Finding finding = copie();
+  finding.groups[0].identita.resize(3);
+  finding.groups[0].identita[0].svantaggi = kDiPassaggio;
+  finding.groups[0].identita[2].mtimeNs = 1;
+  finding.groups.push_back(finding.groups[0]);
+  for (std::string& percorso : finding.groups[1].paths) {
+    percorso += '2';
+    fakes::scriviFile(percorso, "x");
+  }
+  trova(finding);
   scandisci("duplicati");
-  fakes::scriviFile(home / "dati/a", "y");
-  EXPECT_THAT(chiedi("/api/keep_all"),
-              testing::MatchesRegex(
-                  R"(200 ."ok":2,"failed":.],"op":".*","tot":2,"quante":2,"saltati":.].)"));
-  EXPECT_EQ(utente(), (std::map<std::string, std::string>{{home / "dati/b", "x"}}));
-  EXPECT_EQ(chiedi("/api/keep_all"), R"(200 {"err":"nessun duplicato in elenco"})");
+  EXPECT_THAT(chiedi("/api/state"), testing::HasSubstr(R"("tieni":")" + (home / "dati/b") + "\"}"));
+  EXPECT_THAT(chiedi("/api/keep", R"({"group":1})"), testing::StartsWith(R"(200 {"ok":2,)"));
+  fakes::scriviFile(home / "dati/b", "y");
+  EXPECT_THAT(
+      chiedi("/api/keep_all"),
+      testing::MatchesRegex(R"(200 ."ok":1,"failed":.."percorso":"[^"]*/b","err":"lo stato.*)"
+                            R"(,"tot":1,"quante":1,"saltati":.].)"));
+  EXPECT_EQ(utente(),
+            (std::map<std::string, std::string>{
+                {home / "dati/b", "y"}, {home / "dati/b2", "x"}, {home / "dati/c", "x"}}));
 }
 
 TEST_F(RotteCestinoTest, KeepAllMovesNoChosenCopyEvenIfItStandsInTwoSets) {

@@ -50,7 +50,7 @@ BACK_ENDS = {"posix", "linux", "macos"}
 # Single arrows beyond the table: (including path, included path).
 EXCEPTIONS = [
     # What everything may use.
-    (re.compile(r""), re.compile(r"platform/Result\.h")),
+    (re.compile(r""), re.compile(r"platform/(Result|EntryType)\.h")),
     # The desktop brings the main loop it runs on.
     (re.compile(r"platform/DesktopHost\.h"), re.compile(r"platform/MainLoop\.h")),
     # The version comparison is the one thing tools and updates share.

@@ -128,31 +128,49 @@ class Nomi(ConCestino):
 class Meanwhile(ConCestino):
     """Something changes between the scan and the request."""
 
-    def test_a_path_that_vanished_and_a_link_in_its_place(self):
-        for nome in ("via", "resta", "link"):
+    def test_what_is_not_as_the_scan_saw_it_stays(self):
+        nomi = ("via", "resta", "link", "madre/figlio", "scritto", "cresciuto", "altro", "diritti",
+                "cartella/dentro", "piena/dentro", "sfondata")
+        for nome in nomi:
             self.cosa(nome, nome)
-        self.cosa("madre/figlio", "figlio")
         altrove = self.file("altrove/prezioso", 5_000)
         self.file("altrove/figlio", 5_001)
+        cose = self.casa / "cose"
         self.regole([{"id": FINDING, "name": "X", "section": "sviluppo", "mode": "delete",
-                      "paths": ["~/cose/via", "~/cose/resta", "~/cose/link",
-                                "~/cose/madre/figlio"]}])
+                      "paths": [f"~/cose/{nome.removesuffix('/dentro')}" for nome in nomi]}])
         self.scandisci()
-        os.unlink(self.casa / "cose/via")
-        os.unlink(self.casa / "cose/link")
-        os.symlink(altrove, self.casa / "cose/link")
-        os.rename(self.casa / "cose/madre", self.casa / "cose/vera")
-        os.symlink(self.casa / "altrove", self.casa / "cose/madre")
+        (cose / "via").unlink()
+        (cose / "link").unlink()
+        (cose / "link").symlink_to(os.fsdecode(altrove))
+        os.rename(cose / "madre", cose / "vera")
+        os.symlink(self.casa / "altrove", cose / "madre")
+        (cose / "scritto").write_bytes(b"y" * 4096)
+        prima = (cose / "cresciuto").stat()
+        with open(cose / "cresciuto", "ab") as uscita:
+            uscita.write(b"ancora")
+        os.utime(cose / "cresciuto", ns=(prima.st_atime_ns, prima.st_mtime_ns))
+        shutil.copy2(cose / "altro", cose / "nuovo")
+        os.replace(cose / "nuovo", cose / "altro")
+        (cose / "diritti").chmod(0o600)
+        shutil.rmtree(cose / "cartella")
+        (cose / "cartella").write_text("un file, ora")
+        (cose / "piena/altro").write_text("una cartella resta tale")
+        (cose / "sfondata").unlink()
+        (cose / "sfondata").mkdir()
         risposta = self.cestina()
-        self.assertEqual(risposta["ok"], 2)
         errori = {os.path.basename(v["percorso"]): v["err"] for v in risposta["failed"]}
-        self.assertEqual(set(errori), {"via", "figlio"})
-        self.assertEqual(errori["via"], "non esiste piu': era gia' stato rimosso")
-        self.assertTrue((self.cestino / "files/link").is_symlink())
+        figlio = errori.pop("figlio")
+        self.assertTrue(figlio)
+        self.assertEqual(errori.pop("via"), "non esiste piu': era gia' stato rimosso")
+        self.assertEqual(errori, dict.fromkeys(
+            ("link", "scritto", "cresciuto", "altro", "cartella", "sfondata"),
+            "lo stato è cambiato: ricarica e riprova"))
+        self.assertEqual(sorted(os.listdir(self.cestino / "files")), ["diritti", "piena", "resta"])
         self.assertEqual(os.path.getsize(altrove), 5_000)
         self.assertEqual((self.casa / "altrove/figlio").stat().st_size, 5_001)
-        self.assertEqual(self.ripristina()["items"], 2)
-        self.assertEqual(os.readlink(self.casa / "cose/link"), os.fsdecode(altrove))
+        elencate = {v["path"] for v in self.api("/api/voci", {"id": FINDING})["items"]}
+        self.assertEqual(elencate, {str(cose / nome) for nome in (*errori, "madre/figlio")})
+        self.assertEqual(self.ripristina()["items"], 3)
 
     def test_what_the_trash_holds_now_is_looked_at(self):
         self.cosa("svuotato", "svuotato")

@@ -4,6 +4,7 @@ import json
 import os
 import pathlib
 import re
+import shutil
 import signal
 import subprocess
 import time
@@ -41,17 +42,13 @@ class Categoria(ConOperazioni):
 
     @unittest.skipUnless(os.path.isdir("/proc/self/task"), "threads can't be looked at")
     def test_one_thread_alone_gets_the_signals(self):
-        aperti = []
-
         def ricevono(processo):
-            limite = time.monotonic() + 20  # until the thread that waits for them does
-            while not aperti and time.monotonic() < limite:
-                for compito in pathlib.Path(f"/proc/{processo}/task").iterdir():
-                    stato = re.search(r"^SigBlk:\s+(\w+)$", (compito / "status").read_text(), re.M)
-                    aperti.extend((compito.name, segnale)
-                                  for segnale in (signal.SIGINT, signal.SIGTERM)
-                                  if not int(stato[1], 16) >> (segnale - 1) & 1)
-
+            for compito in pathlib.Path(f"/proc/{processo}/task").iterdir():
+                stato = re.search(r"^SigBlk:\s+(\w+)$", (compito / "status").read_text(), re.M)
+                for segnale in (signal.SIGINT, signal.SIGTERM):
+                    if not int(stato[1], 16) >> (segnale - 1) & 1:
+                        aperti.append((compito.name, segnale))
+        aperti = []
         stato, _ = self.al_terminale(b"n\n", "trash", FINDING, guarda=ricevono)
         self.assertEqual(stato, 1)
         self.assertEqual([segnale for _, segnale in aperti], [signal.SIGINT, signal.SIGTERM])
@@ -187,7 +184,13 @@ class Duplicati(ConOperazioni):
     def test_named_groups_one_operation_each_and_a_changed_one_is_refused(self):
         numeri = self.gruppi()
         os.unlink(self.casa / "Documents/b0")
-        (self.casa / "Documents/c0").write_bytes(b"nuovo")
+        documenti = self.casa / "Documents"
+        # Another file with the same content and time, and one whose time was set back.
+        shutil.copy2(documenti / "a0", documenti / "nuovo")
+        os.replace(documenti / "nuovo", documenti / "a0")
+        prima = (documenti / "c0").stat()
+        (documenti / "c0").write_bytes(b"C" * self.GRANDE)
+        os.utime(documenti / "c0", ns=(prima.st_atime_ns, prima.st_mtime_ns))
         uscita, errori = self.esegui("trash", "duplicates", "--yes", "--group", numeri["b"],
                                      numeri["a"], "--group", numeri["c"], stato=1)
         self.assertEqual(errori.splitlines(),

@@ -26,7 +26,7 @@ Sezioni piene() {
   finding.kind = "k";
   finding.hint = "h";
   finding.unmeasured = true;
-  const Identita identita{UINT64_MAX, 5, -6, EntryType::other};
+  const Identita identita{UINT64_MAX, 5, -6, EntryType::other, 9};
   finding.items = {{"/h/strano\n\xFF\xEE\xBE\x80", 1024, 1'600'000'000, 1000, identita, 24},
                    {"/v"}};
   // Every member, in order.

@@ -62,7 +62,7 @@ TEST(StatoTesto, DuplicatesTellWhatDiscardingFrees) {
   const std::string testo = sezioneScritta("duplicati", sezione);
   EXPECT_NE(testo.find(R"("total":20971520,"total_h":"20.0 MiB")"), std::string::npos);
   EXPECT_NE(testo.find(R"("paths":["/a","/b","/c"],"waste":20971520,"waste_h":"20.0 MiB",)"
-                       R"("libera":7,"libere":[7,0,10]})"),
+                       R"("libera":7,"libere":[7,0,10],"tieni":"/a"})"),
             std::string::npos);
   EXPECT_NE(testo.find(R"("icon_src":"")"), std::string::npos);
 }

@@ -317,7 +317,7 @@ TEST_F(AnnouncedMovesTest, ABatchThatIsGivenUpLeavesNothing) {
 TEST_F(AnnouncedMovesTest, ANameTakenAfterThePlanStaysItsTakers) {
   fs::create_directories(trash_ + "/files");
   fs::create_directories(trash_ + "/info");
-  const TrashPlan piano = plan(file("m/7", "7"));
+  const TrashPlan piano = plan(file("altra/7", "7"));
   EXPECT_EQ(piano.nelCestino, trash_ + "/files/7");
   scriviFile(trash_ + "/info/7.trashinfo", "di un altro");
   piani_.push_back(piano);

@@ -18,6 +18,7 @@
 #include <thread>
 #include <unistd.h>
 
+#include "PellakCore/CopiaTenuta.h"
 #include "PellakCore/base/Esadecimale.h"
 #include "PellakCore/base/ScanCancelled.h"
 #include "PellakCore/base/ThreadSetting.h"
@@ -53,6 +54,12 @@ class LettoreSpia final : public FileReader {
         std::make_unique<FileSpia>(*this, testo, std::move(file).value()));
   }
 
+  bool writable(std::string_view cartella) override {
+    return cartella != protetta && vero_->writable(cartella);
+  }
+
+  std::string protetta;     ///< a folder that can't be written to
+  std::string altroVolume;  ///< a file on another volume
   std::map<std::string, std::size_t> letti() const { return letti_; }
   void dimentica() { letti_.clear(); }
   bool volumeAdatto = true;
@@ -62,7 +69,11 @@ class LettoreSpia final : public FileReader {
    public:
     FileSpia(LettoreSpia& spia, std::string percorso, std::unique_ptr<OpenFile> vero)
         : spia_(spia), percorso_(std::move(percorso)), vero_(std::move(vero)) {}
-    Result<FileMark> mark() const override { return vero_->mark(); }
+    Result<FileMark> mark() const override {
+      auto segno = vero_->mark();
+      if (segno && percorso_ == spia_.altroVolume) ++segno->dev;
+      return segno;
+    }
     bool allHole() const override { return vero_->allHole(); }
     bool keepsChangeTimes() const override {
       return spia_.volumeAdatto && vero_->keepsChangeTimes();
@@ -153,8 +164,37 @@ std::string sha256(const std::string& testo) {
   return esadecimale(sha->finish(0));
 }
 
+TEST_F(DuplicatiTest, WhichCopyStaysFollowsFromWhereTheyLieTheirNamesAndTheirAge) {
+  const std::vector<std::pair<std::string, int>> copie = {{"doc/fotocopie (di ieri)", 2},
+                                                          {"doc/recente", 1},
+                                                          {"Downloads/x", 5},
+                                                          {"Desktop/a/x", 4},
+                                                          {"doc/x (12).txt", 12},
+                                                          {"doc/Copia di x", 11},
+                                                          {"doc/x COPY", 10},
+                                                          {"chiusa/x", 20},
+                                                          {"altrove/x", 30}};
+  lettore_.protetta = casa_ / "chiusa";
+  lettore_.altroVolume = casa_ / "altrove/x";
+  std::vector<std::string> ordine;
+  for (const auto& [nome, ore] : copie) {
+    std::filesystem::last_write_time(
+        scrivi(nome, "uguali"),
+        std::filesystem::file_time_type::clock::now() - std::chrono::hours(ore));
+    ordine.push_back(nome);
+  }
+  const Finding finding = scan();
+  ASSERT_EQ(finding.groups.size(), 1U);
+  std::vector<std::string> trovate;
+  for (const std::size_t copia : inOrdineDiTenuta(finding.groups[0])) {
+    trovate.push_back(finding.groups[0].paths[copia].substr(casa_.percorso().size() + 1));
+  }
+  EXPECT_EQ(trovate, ordine);
+  EXPECT_EQ(copiaTenuta(finding.groups[0]), inOrdineDiTenuta(finding.groups[0]).front());
+}
+
 TEST_F(DuplicatiTest, TellsTheFindingAsAPersonSeesIt) {
-  scrivi("b/copia", std::string(200'000, 'a'));
+  scrivi("b/seconda", std::string(200'000, 'a'));
   scrivi("a/prima", std::string(200'000, 'a'));
   const Finding finding = scan();
   EXPECT_EQ(finding.id, "duplicates");
@@ -168,7 +208,7 @@ TEST_F(DuplicatiTest, TellsTheFindingAsAPersonSeesIt) {
   // sha256sum of 200,000 letters "a".
   EXPECT_EQ(esadecimale(finding.groups[0].hash),
             "2287d207f24a941ff3b56c04c8a25ad56b63e3023207b3bb5b4ac0c9869d74be");
-  EXPECT_THAT(finding.groups[0].paths, ElementsAre(casa_ / "a/prima", casa_ / "b/copia"));
+  EXPECT_THAT(finding.groups[0].paths, ElementsAre(casa_ / "a/prima", casa_ / "b/seconda"));
   EXPECT_EQ(finding.totale(), 200'000);
   for (std::size_t i = 0; i < 2; ++i) {
     const auto ora = native::DirectoryListerLinux().attributes(finding.groups[0].paths[i]);

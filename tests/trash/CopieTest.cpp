@@ -1,7 +1,9 @@
 #include <fcntl.h>
 #include <filesystem>
+#include <functional>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <utility>
 
 #include "PellakCore/base/Esadecimale.h"
 #include "fakes/CartellaTemporanea.h"
@@ -19,12 +21,17 @@ class CopieTest : public testing::Test {
  protected:
   CopieTest() {
     gruppo_.size = 5;
+    daEsadecimale("5994471abb01112afcc18159f6cc74b4f511b99806da59b3caf5a9c173cacfc5", gruppo_.hash);
     for (const char* nome : {"a", "b", "c"}) {
       scrivi(nome, "12345", kScritto);
       gruppo_.paths.push_back(home_ / nome);
-      gruppo_.identita.push_back(
-          {1, kScritto * 1'000'000'000 + 250'000'000, 1, EntryType::regular});
+      gruppo_.identita.push_back(vista(nome));
     }
+  }
+
+  Identita vista(const std::string& nome) {
+    const FileMark ora = reader_->open(home_ / nome, ReadPlan::samples).value()->mark().value();
+    return {ora.ino, ora.mtimeNs, ora.ctimeNs, EntryType::regular};
   }
 
   void scrivi(const std::string& nome, const std::string& testo, std::int64_t secondo) {
@@ -50,12 +57,12 @@ TEST_F(CopieTest, OnlyACopyAsTheScanFoundItMayStay) {
   EXPECT_TRUE(conservabile(0) && conservabile(1) && conservabile(2));
   scrivi("a", "54321", kScritto + 1);
   EXPECT_FALSE(conservabile(0)) << "written since";
-  EXPECT_TRUE(copie_.riscritta(gruppo_, 0));
+  EXPECT_EQ(copie_.scartabile(gruppo_, 0).error().kind, ErrorKind::invalid);
   scrivi("a", "123456", kScritto);
   EXPECT_FALSE(conservabile(0)) << "another size";
   fs::remove(home_ / "a");
   EXPECT_FALSE(conservabile(0));
-  EXPECT_FALSE(copie_.riscritta(gruppo_, 0)) << "gone, not written to";
+  EXPECT_EQ(copie_.scartabile(gruppo_, 0).error().kind, ErrorKind::missing);
   fs::create_symlink(home_ / "b", home_ / "a");
   EXPECT_FALSE(conservabile(0)) << "a link holds nothing";
   fs::remove(home_ / "a");
@@ -80,25 +87,37 @@ TEST_F(CopieTest, AWriteRightBeforeTheMoveIsSeen) {
   EXPECT_FALSE(copie_.ancora(home_ / "a", *stato)) << "size and time set as they were";
 }
 
-TEST_F(CopieTest, ResultsWithoutTimesCompareTheContent) {
-  gruppo_.identita.clear();
-  EXPECT_FALSE(conservabile(0)) << "nothing to compare with";
-  ASSERT_TRUE(daEsadecimale("5994471abb01112afcc18159f6cc74b4f511b99806da59b3caf5a9c173cacfc5",
-                            gruppo_.hash));
-  EXPECT_TRUE(conservabile(0));
-  scrivi("a", "54321", kScritto);
-  EXPECT_FALSE(conservabile(0));
+TEST_F(CopieTest, WhereOnlyTheRecordIsAnotherTheContentDecides) {
+  const auto altroFile = [&](const std::string& testo) {
+    fs::remove(home_ / "a");
+    scrivi("a", testo, kScritto);
+  };
+  const auto altriDiritti = [&](const std::string& testo) { scrivi("a", testo, kScritto); };
+  const auto senzaIdentita = [&](const std::string& testo) {
+    gruppo_.identita.clear();
+    scrivi("a", testo, kScritto);
+  };
+  for (const std::function<void(const std::string&)>& cambia :
+       {std::function<void(const std::string&)>(altriDiritti),
+        std::function<void(const std::string&)>(altroFile),
+        std::function<void(const std::string&)>(senzaIdentita)}) {
+    cambia("12345");
+    const Sha256Digest hash = std::exchange(gruppo_.hash, {});
+    EXPECT_FALSE(conservabile(0)) << "nothing to compare with";
+    gruppo_.hash = hash;
+    EXPECT_TRUE(conservabile(0) && copie_.scartabile(gruppo_, 0));
+    cambia("54321");
+    EXPECT_FALSE(conservabile(0) || copie_.scartabile(gruppo_, 0));
+  }
 }
 
 TEST_F(CopieTest, ARememberedSetIsReadTheCopyThatStaysAndThoseThatGo) {
-  ASSERT_TRUE(daEsadecimale("5994471abb01112afcc18159f6cc74b4f511b99806da59b3caf5a9c173cacfc5",
-                            gruppo_.hash));
   scrivi("c", "54321", kScritto);
-  EXPECT_TRUE(conservabile(0)) << "the scan has read them";
+  gruppo_.identita[2] = vista("c");
+  EXPECT_TRUE(conservabile(2) && copie_.scartabile(gruppo_, 2)) << "the scan has read them";
   gruppo_.dallaCache = true;
-  EXPECT_FALSE(conservabile(0)) << "c would go, and is none";
-  EXPECT_FALSE(conservabile(2)) << "c would stay";
-  EXPECT_TRUE(copie_.conservabile(gruppo_, 0, {home_ / "b", home_ / "gone"}).has_value());
+  EXPECT_TRUE(conservabile(0) && copie_.scartabile(gruppo_, 1));
+  EXPECT_FALSE(conservabile(2) || copie_.scartabile(gruppo_, 2));
 }
 
 }  // namespace

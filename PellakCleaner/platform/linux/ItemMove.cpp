@@ -6,8 +6,18 @@
 #include <sys/stat.h>
 
 #include "platform/posix/ErrnoError.h"
+#include "platform/posix/RecordTimes.h"
 
 namespace pellak::native {
+namespace {
+
+/// A folder is the same whatever was written in it.
+bool writtenSince(const struct stat& info, const TrashPlan& piano) {
+  return !S_ISDIR(info.st_mode) &&
+         (posix::timesOf(info).modified != piano.mtimeNs || info.st_size != piano.lunghezza);
+}
+
+}  // namespace
 
 using posix::Descriptor;
 using posix::errnoError;
@@ -48,6 +58,7 @@ Result<Look> lookAgain(int cartella, const std::string& nome, const TrashPlan& p
                             : ::fstatat(cartella, nome.c_str(), &info, AT_SYMLINK_NOFOLLOW);
   if (letto != 0) return errnoError(errno);
   if (info.st_dev != piano.dev || info.st_ino != piano.ino) return errnoError(EINVAL);
+  if (piano.type != EntryType::unknown && writtenSince(info, piano)) return errnoError(EINVAL);
   look.directory = S_ISDIR(info.st_mode);
   return look;
 }

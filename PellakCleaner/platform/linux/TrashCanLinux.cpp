@@ -179,7 +179,7 @@ Result<TrashPlan> BatchLinux::plan(std::string_view percorso) {
   if (!voce) return itemStays(voce.error(), piano.percorso);
   if (!sameMount(voce->volume, cartella_.volume()))
     return itemStays(errnoError(EBUSY), piano.percorso);
-  if (voce->directory) {
+  if (voce->type == EntryType::directory) {
     const auto solo = montati_.nothingBelow(cartella_.realPath(parti.nome));
     if (!solo) return solo.error();
   }
@@ -188,6 +188,9 @@ Result<TrashPlan> BatchLinux::plan(std::string_view percorso) {
   piano.nelCestino = (*aperto)->cestino.percorso + "/files/" + freeName(**aperto, parti.nome);
   piano.dev = voce->volume.dev;
   piano.ino = voce->ino;
+  piano.type = voce->type;
+  piano.mtimeNs = voce->mtimeNs;
+  piano.lunghezza = voce->size;
   return piano;
 }
 

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "platform/linux/XdgFolders.h"
+#include "platform/posix/EntryTypes.h"
 #include "platform/posix/ErrnoError.h"
 #include "platform/posix/HomeFolder.h"
 #include "platform/posix/OwnFile.h"
@@ -105,13 +106,15 @@ Result<bool> isTop(int cartella) {
 
 Result<Item> statItem(int cartella, const char* nome, int flags) {
   struct statx record {};
-  if (::statx(cartella, nome, flags | AT_NO_AUTOMOUNT, STATX_TYPE | STATX_INO | STATX_MNT_ID,
-              &record) != 0) {
+  constexpr unsigned kWanted = STATX_INO | STATX_MNT_ID | STATX_TYPE | STATX_MTIME | STATX_SIZE;
+  if (::statx(cartella, nome, flags | AT_NO_AUTOMOUNT, kWanted, &record) != 0) {
     return errnoError(errno);
   }
   Item voce;
   voce.ino = record.stx_ino;
-  voce.directory = S_ISDIR(record.stx_mode);
+  voce.type = posix::typeOf(record.stx_mode);
+  voce.mtimeNs = record.stx_mtime.tv_sec * 1'000'000'000 + record.stx_mtime.tv_nsec;
+  voce.size = static_cast<std::int64_t>(record.stx_size);
   voce.volume.dev = makedev(record.stx_dev_major, record.stx_dev_minor);
   if ((record.stx_mask & STATX_MNT_ID) != 0) voce.volume.mount = record.stx_mnt_id;
   return voce;

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/EntryType.h"
 #include "platform/Result.h"
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/Riserva.h"
@@ -30,7 +31,9 @@ inline bool sameMount(const Volume& a, const Volume& b) {
 struct Item {
   Volume volume;
   std::uint64_t ino = 0;
-  bool directory = false;
+  EntryType type = EntryType::unknown;
+  std::int64_t mtimeNs = 0;
+  std::int64_t size = 0;  ///< logical bytes
 };
 
 /// An open file, or an entry of an open folder (a link not followed).

@@ -13,8 +13,10 @@
 #include "platform/macos/Bridging.h"
 #include "platform/macos/FolderAboveMac.h"
 #include "platform/macos/MountsMac.h"
+#include "platform/posix/EntryTypes.h"
 #include "platform/posix/ErrnoError.h"
 #include "platform/posix/HomeFolder.h"
+#include "platform/posix/RecordTimes.h"
 #include "platform/posix/SyncToDisk.h"
 
 namespace pellak::native {
@@ -109,6 +111,9 @@ class BatchMac final : public TrashBatch {
       piano.percorso = percorso;
       piano.dev = static_cast<std::uint64_t>(info->st_dev);
       piano.ino = info->st_ino;
+      piano.type = posix::typeOf(info->st_mode);
+      piano.mtimeNs = posix::timesOf(*info).modified;
+      piano.lunghezza = info->st_size;
       if (auto stesso = sameVolume(piano); !stesso) return stesso.error();
       if (auto solo = S_ISDIR(info->st_mode) ? nothingBelow(piano.percorso) : Result<void>();
           !solo) {

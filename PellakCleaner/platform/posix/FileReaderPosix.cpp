@@ -112,6 +112,10 @@ Result<std::unique_ptr<OpenFile>> FileReaderPosix::open(std::string_view percors
   return std::unique_ptr<OpenFile>(std::make_unique<OpenFilePosix>(std::move(file).value()));
 }
 
+bool FileReaderPosix::writable(std::string_view cartella) {
+  return ::faccessat(AT_FDCWD, std::string(cartella).c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
 }  // namespace pellak::posix
 
 namespace pellak {

@@ -10,6 +10,7 @@
 #include <unistd.h>
 #include <utility>
 
+#include "platform/posix/EntryTypes.h"
 #include "platform/posix/ErrnoError.h"
 #include "platform/posix/RecordTimes.h"
 
@@ -54,12 +55,6 @@ Result<std::string> linkTarget(std::string_view percorso, int traverse) {
   if (bytes < 0 && errno != EINVAL) return errnoError(errno);
   target.resize(bytes < 0 ? 0 : static_cast<std::size_t>(bytes));
   return target;
-}
-
-EntryType typeOf(mode_t mode) {
-  if (S_ISDIR(mode)) return EntryType::directory;
-  if (S_ISLNK(mode)) return EntryType::link;
-  return S_ISREG(mode) ? EntryType::regular : EntryType::other;
 }
 
 }  // namespace

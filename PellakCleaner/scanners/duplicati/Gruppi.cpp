@@ -81,7 +81,7 @@ std::vector<std::pair<std::string, Copia>> prendi(std::deque<Copia>& copie, std:
 }  // namespace
 
 std::vector<Group> gruppiDi(std::vector<Contenuto> contenuti, std::vector<Candidato> candidati,
-                            const Candidati& testi) {
+                            const Candidati& testi, Svantaggi& svantaggi) {
   Copie tutte = raccogli(contenuti, candidati);
   std::vector<Contenuto>().swap(contenuti);
   std::vector<Candidato>().swap(candidati);
@@ -98,6 +98,7 @@ std::vector<Group> gruppiDi(std::vector<Contenuto> contenuti, std::vector<Candid
     gruppo.paths.reserve(prese.size());
     gruppo.identita.reserve(prese.size());
     for (auto& [percorso, copia] : prese) {
+      copia.identita.svantaggi = svantaggi.di(percorso, copia.dev);
       gruppo.paths.push_back(std::move(percorso));
       gruppo.identita.push_back(copia.identita);
     }

@@ -12,6 +12,7 @@
 #include "scanners/duplicati/Contenuti.h"
 #include "scanners/duplicati/Gruppi.h"
 #include "scanners/duplicati/Lettura.h"
+#include "scanners/duplicati/Svantaggi.h"
 #include "scanners/walker/Walker.h"
 
 namespace pellak::scanners {
@@ -106,7 +107,8 @@ Finding scanDuplicati(const ScanContext& ctx, FileReader& reader, Impronte* impr
   lettura.interi(contenuti);
   if (impronte != nullptr) impronte->concludi(contenuti, candidati);
   tieniUguali(contenuti);
-  finding.groups = gruppiDi(std::move(contenuti), std::move(candidati), testi);
+  Svantaggi svantaggi(ctx, reader);
+  finding.groups = gruppiDi(std::move(contenuti), std::move(candidati), testi, svantaggi);
   misura(ctx, finding.groups);
   return finding;
 }

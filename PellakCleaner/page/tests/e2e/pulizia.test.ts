@@ -148,10 +148,10 @@ describe("moving to the Trash and putting back", () => {
     expect(albero(casa)).toEqual(prima);
   });
 
-  test("what is gone already is named with its reason and leaves the list", async () => {
+  test("what changed since the scan is named with its reason and stays listed", async () => {
     const { page } = finestra;
     await finestra.vai("sviluppo");
-    fs.rmSync(path.join(casa.home, ".cache/pip/wheels"));
+    fs.appendFileSync(path.join(casa.home, ".cache/pip/wheels"), "ancora");
     await page.locator('[data-finding="pip-cache"] .casella').first().check();
     await page.locator('[data-finding="yarn-cache"] .casella').first().check();
     await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
@@ -159,8 +159,8 @@ describe("moving to the Trash and putting back", () => {
     await avviso()
       .getByText(/^1 elemento spostato/)
       .waitFor();
-    expect(await avviso().innerText()).toMatch(/wheels\s*non esiste piu': era gia' stato rimosso/);
-    await page.locator('[data-finding="pip-cache"]').waitFor({ state: "detached" });
+    expect(await avviso().innerText()).toMatch(/wheels\s*lo stato è cambiato: ricarica e riprova/);
+    await page.locator('[data-finding="pip-cache"]').waitFor();
   });
 
   test("duplicates: the copy to keep can't be discarded, the others go as chosen", async () => {
