@@ -58,9 +58,10 @@ std::shared_ptr<const Snapshot> Engine::costruisciLocked() {
     const Sec& sezione = state_.find(meta.id)->second;
     sezioni.push_back(&sezione);
     RiassuntoSezione riassunto = riassuntoLocked(meta);
-    statoTesto_.scriviSezione(nuovo->testo, meta, sezione,
-                              {riassunto.queued, riassunto.disponibile, riassunto.libera},
-                              nuovo->sezioni.empty(), icona);
+    statoTesto_.scriviSezione(
+        nuovo->testo, meta, sezione,
+        {riassunto.queued, riassunto.disponibile, riassunto.libera, riassunto.scandibile},
+        nuovo->sezioni.empty(), icona);
     nuovo->sezioni.push_back(std::move(riassunto));
   }
   nuovo->libera = libera_.tutte(sezioni);

@@ -201,6 +201,7 @@ void StatoTesto::scriviSezione(Rope& uscita, const Meta& meta, const Sec& sezion
   scriviConteggi(coda, meta, sezione);
   coda.key("libera").integer(contorno.libera);
   coda.key("disponibile").boolean(contorno.disponibile);
+  if (!contorno.scandibile) coda.key("scandibile").boolean(false);
   uscita.add("," + coda.take() + "}");
 }
 

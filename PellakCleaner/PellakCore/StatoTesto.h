@@ -42,6 +42,7 @@ struct Contorno {
   bool inCoda = false;
   bool disponibile = true;  ///< there is a scanner for every special category
   std::int64_t libera = 0;  ///< what emptying the Trash frees of it
+  bool scandibile = true;   ///< there is a scanner for something of it
 };
 
 /// Writes the state reply and keeps the written findings of each section, so that a change of a

@@ -34,6 +34,10 @@ Risposta apri(Servizi& servizi, Json corpo) {
 }
 
 Risposta mostra(Servizi& servizi, Json corpo) {
+  if (corpo.booleano("cestino", false)) {
+    if (servizi.fileManager.openTrash()) return riuscito();
+    return errore("gestore dei file non disponibile", 500);
+  }
   const std::string percorso = percorsoEsistente(servizi, corpo);
   if (percorso.empty()) return percorsoNonValido();
   return mostraTutti(servizi, std::array<std::string, 1>{percorso});

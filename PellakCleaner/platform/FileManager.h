@@ -20,6 +20,9 @@ class FileManager {
 
   /// Opens the item with its default application and does not wait for it.
   virtual Result<void> open(std::string_view percorso) = 0;
+
+  /// Opens the user's Trash in the file manager. Errors: failed when no way to show it is there.
+  virtual Result<void> openTrash() = 0;
 };
 
 }  // namespace pellak

@@ -14,14 +14,16 @@ TEST_F(RotteFileTest, PathsAreMadePlainBeforeTheyAreShownOrOpened) {
   EXPECT_EQ(chiedi("/api/apri", R"({"path":")" + home.percorso() + R"(/doc/"})"), kRiuscito);
   EXPECT_EQ(fileManager.mostrati,
             (std::vector<std::vector<std::string>>{{home / "doc/a\xff.txt"}}));
-  EXPECT_EQ(fileManager.aperti, (std::vector<std::string>{home / "doc"}));
+  EXPECT_EQ(chiedi("/api/mostra", R"({"cestino":true})"), kRiuscito);
+  EXPECT_EQ(fileManager.aperti, (std::vector<std::string>{home / "doc", "Cestino"}));
 }
 
 TEST_F(RotteFileTest, UnusablePathsReachNobody) {
   for (const std::string_view rotta : {"/api/mostra", "/api/apri"}) {
     for (const std::string corpo :
          {"{}", R"({"path":""})", R"({"path":"doc"})", R"({"path":"~/manca"})", R"({"path":3})",
-          R"({"path":"~altri/x"})", R"({"path":"~\u0000"})", R"({"path":["/"]})"}) {
+          R"({"path":"~altri/x"})", R"({"path":"~\u0000"})", R"({"path":["/"]})",
+          R"({"cestino":1})"}) {
       EXPECT_EQ(chiedi(rotta, corpo), kNonValido) << rotta << corpo;
     }
   }
@@ -31,6 +33,8 @@ TEST_F(RotteFileTest, UnusablePathsReachNobody) {
 TEST_F(RotteFileTest, AFailingDesktopIsReported) {
   fileManager.esito = Error{ErrorKind::failed, 0, "no desktop"};
   EXPECT_EQ(chiedi("/api/mostra", R"({"path":"/"})"),
+            R"(500 {"err":"gestore dei file non disponibile"})");
+  EXPECT_EQ(chiedi("/api/mostra", R"({"cestino":true})"),
             R"(500 {"err":"gestore dei file non disponibile"})");
   EXPECT_EQ(chiedi("/api/apri", R"({"path":"/"})"), R"(500 {"err":"apertura non riuscita"})");
 }

@@ -23,11 +23,16 @@ std::string risposta(const std::string& testo) { return "200 {\"valori\":" + tes
 class RotteImpostazioniTest : public Richieste {};
 
 TEST_F(RotteImpostazioniTest, AnEmptyBodyReadsValuesDefaultsAndLimits) {
+  fakes::scriviFile(
+      home / "regole.json",
+      R"({"duplicates":{"roots":["~/Foto","~/Manca","/"]},"large_old":{"roots":["~"]}})");
+  fakes::scriviFile(home / "Foto/x", "");
   const std::string tutto =
       "200 {\"valori\":" + valori() + ",\"default\":" + valori() +
       R"(,"limiti":{"dup_min_mb":[1,1000],"large_min_mb":[50,10000],)"
       R"("large_age_days":[30,3650],"cache_age_days":[0,90],"leftover_age_days":[0,365],)"
-      R"("installer_age_days":[0,365],"auto_days":[0,30]}})";
+      R"("installer_age_days":[0,365],"auto_days":[0,30]},"radici":{"duplicati":[")" +
+      home.percorso() + R"(/Foto","/"],"grandi":[")" + home.percorso() + R"("]}})";
   EXPECT_EQ(chiedi("/api/settings"), tutto);
   EXPECT_EQ(chiedi("/api/settings", "[1]"), tutto) << "no object counts as an empty one";
   EXPECT_FALSE(std::filesystem::exists(store.impostazioni())) << "reading writes nothing";

@@ -20,6 +20,8 @@ class FakeFileManager : public FileManager {
     return esito;
   }
 
+  Result<void> openTrash() override { return open("Cestino"); }
+
   std::vector<std::vector<std::string>> mostrati;  ///< one list per call
   std::vector<std::string> aperti;
   Result<void> esito;  ///< of every call

@@ -90,6 +90,16 @@ TEST_F(FileManagerLinuxTest, NeverStartsABusAndNeverHangsOnADeadOne) {
   EXPECT_EQ(opened().size(), 5U);
 }
 
+TEST_F(FileManagerLinuxTest, WhereNobodyKnowsTheTrashItsFolderOpens) {
+  set("XDG_DATA_HOME", "/dati");
+  launcher.answer(
+      "/bin/sh -c exec \"$0\" \"$1\" >/dev/null 2>&1 " + home / "bin/xdg-open" + " trash:///",
+      {.fine = {false, 4}});
+  launcher.answerAll({});
+  EXPECT_TRUE(manager.openTrash().ok());
+  EXPECT_EQ(opened(), (std::vector<std::string>{"trash:///", "/dati/Trash/files"}));
+}
+
 TEST_F(FileManagerLinuxTest, SaysWhenNothingCanShowOrOpen) {
   const std::vector<std::string> items = {"/x/a"};
   launcher.answerAll({.fine = {false, 3}});

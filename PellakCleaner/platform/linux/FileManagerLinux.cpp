@@ -10,6 +10,7 @@
 #include "platform/linux/Deadline.h"
 #include "platform/linux/GlibPtr.h"
 #include "platform/linux/SessionBus.h"
+#include "platform/linux/XdgFolders.h"
 
 namespace pellak::native {
 namespace {
@@ -120,6 +121,11 @@ Result<void> FileManagerLinux::show(std::span<const std::string> percorsi) {
 Result<void> FileManagerLinux::open(std::string_view percorso) {
   if (!usable(percorso)) return Error{ErrorKind::invalid, 0, "path"};
   return xdgOpen(launcher_, std::string(percorso));
+}
+
+Result<void> FileManagerLinux::openTrash() {
+  if (xdgOpen(launcher_, "trash:///")) return {};
+  return xdgOpen(launcher_, xdgDataHome() + "/Trash/files");
 }
 
 }  // namespace pellak::native

@@ -11,7 +11,8 @@ namespace pellak::native {
 
 /// Shows items through the file manager's interface on the user's message bus
 /// (org.freedesktop.FileManager1); without a bus, or when nobody answers there, opens the folders
-/// that hold them. Opens items with xdg-open. Waits about a second for it to say that it can't,
+/// that hold them. Opens items with xdg-open, the Trash by its address or, where no file
+/// manager knows that, as a folder. Waits about a second for it to say that it can't,
 /// never for the application.
 class FileManagerLinux final : public FileManager {
  public:
@@ -20,6 +21,7 @@ class FileManagerLinux final : public FileManager {
 
   Result<void> show(std::span<const std::string> percorsi) override;
   Result<void> open(std::string_view percorso) override;
+  Result<void> openTrash() override;
 
  private:
   ProcessLauncher& launcher_;

@@ -13,6 +13,7 @@ class FileManagerMac final : public FileManager {
  public:
   Result<void> show(std::span<const std::string> percorsi) override;
   Result<void> open(std::string_view percorso) override;
+  Result<void> openTrash() override;
 };
 
 }  // namespace pellak::native

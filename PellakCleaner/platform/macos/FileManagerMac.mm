@@ -31,4 +31,18 @@ Result<void> FileManagerMac::open(std::string_view percorso) {
   }
 }
 
+Result<void> FileManagerMac::openTrash() {
+  @autoreleasepool {
+    NSURL* url = [NSFileManager.defaultManager URLForDirectory:NSTrashDirectory
+                                                      inDomain:NSUserDomainMask
+                                             appropriateForURL:nil
+                                                        create:NO
+                                                         error:nil];
+    if (url == nil || ![NSWorkspace.sharedWorkspace openURL:url]) {
+      return Error{ErrorKind::failed, 0, "the Trash can't be shown"};
+    }
+    return {};
+  }
+}
+
 }  // namespace pellak::native
