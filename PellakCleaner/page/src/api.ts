@@ -1,3 +1,4 @@
+import { computed, signal } from "@preact/signals";
 import type { Errore, Esito, Percorso, Richiesta, Risposta } from "./rotte";
 
 /** The only file that touches the native side's message channels. */
@@ -23,6 +24,26 @@ declare global {
 const attese = new Map<number, (risposta: object) => void>();
 let ultimoId = 0;
 
+/** Longer than this and the wait is shown. */
+const PAZIENZA = 300;
+const lente = signal(0);
+/** Whether a request has been without its reply for a while. */
+export const inAttesa = computed(() => lente.value > 0);
+
+/** Runs `poi` when the reply is there, and counts the request as slow from some moment on. */
+function conPazienza(poi: (risposta: object) => void): (risposta: object) => void {
+  let lenta = false;
+  const orologio = setTimeout(() => {
+    lenta = true;
+    lente.value += 1;
+  }, PAZIENZA);
+  return (risposta) => {
+    clearTimeout(orologio);
+    if (lenta) lente.value -= 1;
+    poi(risposta);
+  };
+}
+
 /**
  * One request. Always settles, never rejects: a failure is a reply with "err", whether the native
  * side said so or could not be reached.
@@ -35,7 +56,7 @@ export function api<P extends Percorso>(
   if (!canale) return Promise.resolve<Errore>({ err: "programma non raggiungibile" });
   return new Promise((risolvi) => {
     const id = ++ultimoId;
-    attese.set(id, risolvi as (risposta: object) => void);
+    attese.set(id, conPazienza(risolvi as (risposta: object) => void));
     canale.postMessage({ id, path, body });
   });
 }

@@ -1,21 +1,45 @@
-import { signal } from "@preact/signals";
+import { computed, signal } from "@preact/signals";
 import { type Errore, perche } from "./rotte";
+import { vista } from "./store";
 import { frase } from "./testo";
 
-/** What an action led to; stays until it is closed or the next one takes its place. */
+/** A recorded operation and how many items it moved. */
+export interface OperazioneFatta {
+  id: string;
+  quanti: number;
+}
+
+/** What an action led to. It belongs to the view in which it is told. */
 export interface Avviso {
   tono: "fatto" | "errore";
   testo: string;
   /** What did not work and why. */
   falliti: { cosa: string; perche: string }[];
-  /** The operations that "Annulla" puts back, newest first. */
-  operazioni: string[];
+  /** Something lies in the Trash now: it can be opened from here. */
+  nelCestino: boolean;
+  /** The operations that "Rimetti a posto" puts back, newest first. */
+  operazioni: OperazioneFatta[];
 }
 
-export const avviso = signal<Avviso | null>(null);
+const avvisi = signal<ReadonlyMap<string, Avviso>>(new Map());
+
+/** The notice of the view on screen; stays until it is closed or the next one takes its place. */
+export const avviso = computed(() => avvisi.value.get(vista.value) ?? null);
+
+/** Whether a notice leaves by itself: nothing can be done from it and nothing went wrong. */
+export function passeggero(a: Avviso): boolean {
+  return a.tono === "fatto" && a.operazioni.length === 0 && a.falliti.length === 0;
+}
 
 export function mostraAvviso(nuovo: Partial<Avviso> & { testo: string }): void {
-  avviso.value = { tono: "fatto", falliti: [], operazioni: [], ...nuovo };
+  const vuoto: Avviso = {
+    tono: "fatto",
+    testo: "",
+    falliti: [],
+    nelCestino: false,
+    operazioni: [],
+  };
+  avvisi.value = new Map(avvisi.value).set(vista.value, { ...vuoto, ...nuovo });
 }
 
 export function mostraErrore(errore: Errore, prima = ""): void {
@@ -23,6 +47,7 @@ export function mostraErrore(errore: Errore, prima = ""): void {
   mostraAvviso({ tono: "errore", testo: `${frase(testo)}.` });
 }
 
-export function chiudiAvviso(): void {
-  avviso.value = null;
+export function chiudiAvviso(quale = avviso.value): void {
+  const altri = [...avvisi.value].filter(([, a]) => a !== quale);
+  avvisi.value = new Map(altri);
 }

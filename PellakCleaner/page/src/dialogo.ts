@@ -1,13 +1,18 @@
 import { signal } from "@preact/signals";
 
+export interface Elenco {
+  titolo?: string;
+  righe: { percorso: string; misura?: string }[];
+  altri?: string;
+}
+
 /** A question that has to be answered before anything happens. */
 export interface Domanda {
   titolo: string;
   /** What exactly happens, one line for each thing. */
   righe: { testo: string; misura?: string }[];
-  /** Names of what is concerned, as far as they fit; `altri` tells how many more there are. */
-  nomi?: string[];
-  altri?: number;
+  /** Paths of what is concerned, as far as they fit; `altri` tells how many more there are. */
+  elenchi?: Elenco[];
   nota?: string;
   conferma: string;
 }

@@ -1,7 +1,7 @@
 import { api } from "./api";
 import { mostraErrore } from "./avvisi";
 import { type Impostazioni, type RispostaImpostazioni, fallita } from "./rotte";
-import { impostazioni, limiti } from "./store";
+import { impostazioni, limiti, radici } from "./store";
 
 /** Reading and writing the settings; the answer is always what is shown. */
 
@@ -16,6 +16,7 @@ async function leggi(): Promise<void> {
   }
   impostazioni.value = risposta.valori;
   limiti.value = risposta.limiti ?? {};
+  radici.value = risposta.radici ?? {};
 }
 
 export function caricaImpostazioni(daCapo = false): Promise<void> {

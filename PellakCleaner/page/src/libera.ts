@@ -1,5 +1,5 @@
 import type { Finding, Sezione } from "./rotte";
-import { dimensione } from "./testo";
+import { conDimensioni, dimensione } from "./testo";
 
 /**
  * The two words for room on the disk. "libera": what emptying the Trash surely gives back;
@@ -18,6 +18,12 @@ export function byteSegnalati(findings: readonly Finding[]): number {
   );
 }
 
+/** What a running scan is at, without the words that every such line begins with. */
+export function fase({ status }: Sezione): string {
+  const testo = conDimensioni(status).replace(/^Scansione:\s*/, "");
+  return testo.replace(/\.\.\.$/, "…");
+}
+
 /** The room a section is about: what it frees, else what it reports. */
 export function misuraDi(sezione: Sezione): { testo: string; classe: "libera" | "segnalati" } {
   const segnalati = sezione.libera > 0 ? 0 : byteSegnalati(sezione.findings);
@@ -25,6 +31,12 @@ export function misuraDi(sezione: Sezione): { testo: string; classe: "libera" | 
   return { testo: sezione.libera > 0 ? dimensione(sezione.libera) : "", classe: "libera" };
 }
 
+/** Where this version or system can't look for anything: there is nothing to start either. */
+export function preclusa(sezione: Sezione): boolean {
+  return sezione.scandibile === false && sezione.findings.every((f) => f.count === 0);
+}
+
+const PRECLUSA = "Non ancora disponibile in questa versione.";
 const INCOMPLETA = "Ricerca non completa in questa versione.";
 /** Where nothing was found, nothing tells whether anything was looked for. */
 const ASSENTE = "Ricerca non disponibile, o non del tutto, in questa versione.";
@@ -45,10 +57,12 @@ function inDueParole(sezione: Sezione): string {
  */
 export function statoMostrato(sezione: Sezione): string {
   const { status } = sezione;
-  if (sezione.scanning) return status;
+  if (preclusa(sezione)) return PRECLUSA;
+  if (sezione.scanning)
+    return status.startsWith("Scansione:") ? `Scansione di ${fase(sezione)}` : fase(sezione);
   const [, prima = "", resto = ""] = /^(.*?(?:\.(?= )|$))(.*)$/s.exec(status) ?? [];
   const somma = prima.startsWith("Recuperabili ");
-  const stato = somma ? inDueParole(sezione) : prima;
+  const stato = somma ? inDueParole(sezione) : conDimensioni(prima);
   if (sezione.disponibile) return `${stato}${resto}`.trim();
   if (stato && (somma || GRAVE.test(stato))) return `${stato}${resto} ${INCOMPLETA}`;
   return `${ASSENTE}${resto}`;

@@ -83,6 +83,8 @@ export interface Sezione {
   libera: number;
   /** False: something of this section can't be looked for. */
   disponibile: boolean;
+  /** False: nothing of it can; absent otherwise. */
+  scandibile?: boolean;
 }
 
 /** Bytes of the volume that holds the home folder. */
@@ -179,6 +181,8 @@ export interface RispostaImpostazioni {
   valori: Impostazioni;
   default?: Impostazioni;
   limiti?: Record<string, [number, number]>;
+  /** The folders that the searches of two sections enter. */
+  radici?: Record<string, string[]>;
 }
 
 /** An item that did not move, or did not come back. */
@@ -191,6 +195,9 @@ export interface Fallito {
 export interface RispostaCestino {
   ok: number;
   failed: Fallito[];
+  /** The record of what moved, and its bytes. */
+  op?: string;
+  tot?: number;
   saltati?: string[];
   quante?: number;
   avviso?: string;
@@ -212,6 +219,8 @@ export interface Riuscita {
 export interface RispostaAvvio {
   ok: number | true;
   failed?: Fallito[];
+  op?: string;
+  tot?: number;
 }
 
 export type RichiestaAvvio =
@@ -230,7 +239,7 @@ export interface Rotte {
   "/api/log": UnaRotta<object, RispostaRegistro>;
   "/api/mappa": UnaRotta<{ path?: string; force?: boolean; livelli?: 2 }, RispostaMappa>;
   "/api/apri": UnaRotta<{ path: string }, Riuscita>;
-  "/api/mostra": UnaRotta<{ path: string }, Riuscita>;
+  "/api/mostra": UnaRotta<{ path: string } | { cestino: true }, Riuscita>;
   "/api/reveal": UnaRotta<{ id: string; group: number }, Riuscita>;
   "/api/perms": UnaRotta<object, RispostaPermessi>;
   "/api/perms/fda": UnaRotta<object, Riuscita>;

@@ -19,6 +19,8 @@ export const disco = computed(() => permessi.value?.disco ?? null);
 export const suMac = computed(() => permessi.value?.sistema === "macos");
 export const impostazioni = signal<Impostazioni | null>(null);
 export const limiti = signal<Record<string, [number, number]>>({});
+/** The folders that the searches of some sections enter, by section. */
+export const radici = signal<Record<string, string[]>>({});
 /** The home folder; empty until a reply has told it. */
 export const casa = signal("");
 

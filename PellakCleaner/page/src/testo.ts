@@ -2,7 +2,7 @@
 
 const UNITA = ["B", "KiB", "MiB", "GiB", "TiB", "PiB"];
 
-/** The same text as the native side's sizes. */
+/** "1,6 GiB", "84 MiB": the native side's steps and rounding, written as Italians do. */
 export function dimensione(byte: number): string {
   let valore = Math.abs(byte);
   let unita = 0;
@@ -11,7 +11,19 @@ export function dimensione(byte: number): string {
     unita += 1;
   }
   const cifre = unita === 0 ? String(Math.round(valore)) : valore.toFixed(1);
-  return `${byte < 0 ? "-" : ""}${cifre} ${UNITA[unita]}`;
+  return `${byte < 0 ? "-" : ""}${conVirgola(cifre)} ${UNITA[unita]}`;
+}
+
+function conVirgola(cifre: string): string {
+  return cifre.replace(/\.0$/, "").replace(".", ",");
+}
+
+/** The native side's texts with their sizes written that way too. */
+export function conDimensioni(testo: string): string {
+  return testo.replace(
+    /(\d+(?:\.\d)?)( (?:[KMGTP]iB|B)\b)/g,
+    (_tutto, cifre: string, unita: string) => conVirgola(cifre) + unita,
+  );
 }
 
 const numeri = new Intl.NumberFormat("it-IT");
@@ -67,6 +79,13 @@ export function cartellaDi(percorso: string): string {
   const barra = percorso.lastIndexOf("/");
   if (barra < 0) return "";
   return percorso.slice(0, barra) || "/";
+}
+
+/** Folders without those that lie in another one of them. */
+export function senzaContenute(cartelle: readonly string[]): string[] {
+  return [...new Set(cartelle)].filter(
+    (una) => !cartelle.some((altra) => altra !== una && una.startsWith(`${altra}/`)),
+  );
 }
 
 /** A path below the home folder with "~" in its place. */

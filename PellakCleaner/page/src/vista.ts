@@ -27,6 +27,10 @@ export interface Vista {
   scansiona?: () => void;
   /** Which of the two words for room on the disk that text is about. */
   parola?: () => "libera" | "segnalati" | undefined;
+  /** Whether something is chosen in it; marked in the sidebar. */
+  conScelta?: () => boolean;
+  /** Whether it has nothing to offer here: shown dim. */
+  spenta?: () => boolean;
   inCorso?: () => boolean;
   inCoda?: () => boolean;
 }

@@ -112,7 +112,7 @@ function VoceLaterale({ vista: v }: { vista: Vista }) {
   return (
     <button
       type="button"
-      class="laterale-voce"
+      class={v.spenta?.() ? "laterale-voce laterale-spenta" : "laterale-voce"}
       data-vista={v.id}
       aria-current={scelta ? "page" : undefined}
       tabIndex={scelta ? 0 : -1}
@@ -127,6 +127,9 @@ function VoceLaterale({ vista: v }: { vista: Vista }) {
         {...(v.colore ? { style: { color: v.colore } } : {})}
       />
       <span class="laterale-nome">{v.nome}</span>
+      {v.conScelta?.() && (
+        <span class="laterale-scelta" role="img" aria-label="con elementi selezionati" />
+      )}
       {v.inCorso?.() ? (
         <Anello etichetta="scansione in corso" />
       ) : v.inCoda?.() ? (

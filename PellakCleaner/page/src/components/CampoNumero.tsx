@@ -1,4 +1,4 @@
-import { useEffect, useId, useState } from "preact/hooks";
+import { useEffect, useId, useRef, useState } from "preact/hooks";
 import { numero } from "../testo";
 import "./CampoNumero.css";
 
@@ -8,7 +8,7 @@ interface Proprieta {
   minimo: number;
   massimo: number;
   unita: string;
-  salva: (valore: number) => void;
+  salva: (valore: number) => Promise<unknown>;
 }
 
 /** The number that a text stands for when it is a whole one inside the range. */
@@ -18,13 +18,36 @@ export function ammesso(testo: string, minimo: number, massimo: number): number 
   return valore >= minimo && valore <= massimo ? valore : null;
 }
 
-/** A whole number with its range; saved on Enter, on leaving the field and by the arrows. A value
- * outside the range is said so and never sent. */
+/** How long nothing is typed before a number counts as finished. */
+const PAUSA = 1500;
+
+/**
+ * A whole number with its range; saved on Enter, on leaving the field, after a pause and by the
+ * arrows. A value outside the range is said so and never sent. What is being typed stays as it is
+ * whatever value comes in.
+ */
 export function CampoNumero({ id, valore, minimo, massimo, unita, salva }: Proprieta) {
-  const [testo, setTesto] = useState(String(valore));
+  const [bozza, setBozza] = useState<string | null>(null);
   const nota = useId();
-  useEffect(() => setTesto(String(valore)), [valore]);
+  const testo = bozza ?? String(valore);
   const letto = ammesso(testo, minimo, massimo);
+  const scritta = useRef<string | null>(null);
+  scritta.current = bozza;
+
+  /** Sends what is typed; it stays on screen until the answer is there. */
+  async function finisci(lascia: boolean) {
+    const finita = scritta.current;
+    if (finita === null) return;
+    const nuovo = ammesso(finita, minimo, massimo);
+    if (nuovo !== null && nuovo !== valore) await salva(nuovo);
+    if (lascia) setBozza((adesso) => (adesso === finita ? null : adesso));
+  }
+
+  useEffect(() => {
+    if (bozza === null) return;
+    const orologio = window.setTimeout(() => void finisci(false), PAUSA);
+    return () => window.clearTimeout(orologio);
+  }, [bozza]);
 
   return (
     <div class="campo-numero">
@@ -39,16 +62,11 @@ export function CampoNumero({ id, valore, minimo, massimo, unita, salva }: Propr
           value={testo}
           aria-invalid={letto === null}
           aria-describedby={nota}
-          onInput={(evento) => setTesto(evento.currentTarget.value)}
-          onChange={(evento) => {
-            const nuovo = ammesso(evento.currentTarget.value, minimo, massimo);
-            if (nuovo !== null && nuovo !== valore) salva(nuovo);
-          }}
-          onBlur={() => {
-            if (letto === null) setTesto(String(valore));
-          }}
+          onInput={(evento) => setBozza(evento.currentTarget.value)}
+          onBlur={() => void finisci(true)}
           onKeyDown={(evento) => {
-            if (evento.key === "Escape") setTesto(String(valore));
+            if (evento.key === "Escape") setBozza(null);
+            if (evento.key === "Enter") void finisci(false);
           }}
         />
         <span class="unita">{unita}</span>

@@ -1,6 +1,7 @@
 import { useLayoutEffect, useRef } from "preact/hooks";
-import { type Domanda, domanda } from "../dialogo";
-import { mostrabile, quanti } from "../testo";
+import { type Domanda, type Elenco, domanda } from "../dialogo";
+import { mostrabile } from "../testo";
+import { Percorso } from "./Percorso";
 import { Pulsante } from "./Pulsante";
 import { conModali, rendiModale } from "./modale";
 import "./Dialogo.css";
@@ -45,16 +46,9 @@ function Aperto({ aperta }: { aperta: Domanda & { rispondi: (si: boolean) => voi
             {riga.misura && <span class="misura">{riga.misura}</span>}
           </p>
         ))}
-        {aperta.nomi && aperta.nomi.length > 0 && (
-          <ul class="dialogo-nomi">
-            {aperta.nomi.map((nome, i) => (
-              <li key={i}>
-                <bdi>{mostrabile(nome)}</bdi>
-              </li>
-            ))}
-            {(aperta.altri ?? 0) > 0 && <li>{quanti(aperta.altri ?? 0, "altro", "altri")}</li>}
-          </ul>
-        )}
+        {aperta.elenchi?.map((elenco, i) => (
+          <ElencoPercorsi key={i} {...elenco} />
+        ))}
         {aperta.nota && <p class="dialogo-nota">{aperta.nota}</p>}
         <div class="dialogo-azioni">
           <Pulsante onClick={() => aperta.rispondi(false)}>Annulla</Pulsante>
@@ -64,5 +58,22 @@ function Aperto({ aperta }: { aperta: Domanda & { rispondi: (si: boolean) => voi
         </div>
       </dialog>
     </>
+  );
+}
+
+function ElencoPercorsi({ titolo, righe, altri }: Elenco) {
+  return (
+    <div class="dialogo-nomi">
+      {titolo && <h3>{titolo}</h3>}
+      <ul aria-label={titolo}>
+        {righe.map(({ percorso, misura }) => (
+          <li class="riga-percorso" key={percorso}>
+            <Percorso percorso={percorso} />
+            {misura && <span class="misura">{misura}</span>}
+          </li>
+        ))}
+        {altri && <li>{altri}</li>}
+      </ul>
+    </div>
   );
 }

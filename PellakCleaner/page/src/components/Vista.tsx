@@ -1,7 +1,10 @@
 import type { ComponentChildren } from "preact";
 import { createContext } from "preact";
 import type { RefObject } from "preact";
-import { useContext, useRef } from "preact/hooks";
+import { useContext, useLayoutEffect, useRef, useState } from "preact/hooks";
+import { inAttesa } from "../api";
+import { vista } from "../store";
+import { Anello } from "./Anello";
 import { Avvisi } from "./Avvisi";
 import "./Vista.css";
 
@@ -14,15 +17,24 @@ export function useScorrimento(): RefObject<HTMLElement> {
   return scorrimento;
 }
 
-/** An area that scrolls by itself and tells the lists in it so. */
-export function AreaScorrevole({
-  classe,
-  children,
-}: {
+interface ProprietaArea {
   classe: string;
+  /** Under which name the place it is scrolled to is kept while it is not on screen. */
+  ricorda?: string;
   children: ComponentChildren;
-}) {
+}
+
+const posti = new Map<string, number>();
+
+/** An area that scrolls by itself and tells the lists in it so. */
+export function AreaScorrevole({ classe, ricorda, children }: ProprietaArea) {
   const scorrimento = useRef<HTMLDivElement>(null);
+  useLayoutEffect(() => {
+    const area = scorrimento.current;
+    if (!area || ricorda === undefined) return;
+    area.scrollTop = posti.get(ricorda) ?? 0;
+    return () => void posti.set(ricorda, area.scrollTop);
+  }, [ricorda]);
   return (
     <div class={classe} ref={scorrimento}>
       <div class="interno">
@@ -49,6 +61,7 @@ interface Proprieta {
 /** What every view is made of: a head that stays, a content that scrolls, notices and a foot. */
 export function Vista(props: Proprieta) {
   const { titolo, stato, azioni, strumenti, sotto, piede, piena, children } = props;
+  const [questa] = useState(() => vista.value);
   return (
     <main class="vista" aria-label={titolo}>
       <header class="testata">
@@ -61,10 +74,17 @@ export function Vista(props: Proprieta) {
           )}
         </div>
         {strumenti && <div class="testata-strumenti">{strumenti}</div>}
-        {azioni && <div class="testata-azioni">{azioni}</div>}
+        {(azioni || inAttesa.value) && (
+          <div class="testata-azioni">
+            {inAttesa.value && <Anello etichetta="attesa" />}
+            {azioni}
+          </div>
+        )}
         {sotto && <div class="testata-sotto">{sotto}</div>}
       </header>
-      <AreaScorrevole classe={piena ? "corpo corpo-pieno" : "corpo"}>{children}</AreaScorrevole>
+      <AreaScorrevole classe={piena ? "corpo corpo-pieno" : "corpo"} ricorda={questa}>
+        {children}
+      </AreaScorrevole>
       <Avvisi />
       {piede}
     </main>

@@ -7,7 +7,7 @@ export function Vuoto({ Icona, children }: { Icona: LucideIcon; children: Compon
   return (
     <div class="vuoto">
       <Icona size={28} strokeWidth={1.5} aria-hidden="true" />
-      <p>{children}</p>
+      <div class="vuoto-testo">{children}</div>
     </div>
   );
 }

@@ -36,6 +36,8 @@ export function useVirtuale({ quante, altezza, sempre, versione }: Opzioni) {
     count: quante,
     estimateSize: altezza,
     getScrollElement: () => scorrimento.current,
+    // A list that appears in a view already scrolled leaves it where it is.
+    initialOffset: () => scorrimento.current?.scrollTop ?? 0,
     scrollMargin: margine,
     overscan: 3,
     scrollPaddingStart: 8,

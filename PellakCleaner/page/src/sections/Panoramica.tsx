@@ -11,11 +11,13 @@ import {
   Undo2,
 } from "lucide-preact";
 import { useEffect } from "preact/hooks";
+import { alLavoro } from "../cestino";
 import { Anello } from "../components/Anello";
+import { Attesa } from "../components/Attesa";
 import { Pulsante } from "../components/Pulsante";
 import { Vista } from "../components/Vista";
 import { frecce } from "../components/frecce";
-import { byteSegnalati, misuraDi, statoMostrato } from "../libera";
+import { byteSegnalati, fase, misuraDi, preclusa, statoMostrato } from "../libera";
 import { caricaPermessi } from "../permessi";
 import type { Sezione } from "../rotte";
 import {
@@ -31,7 +33,7 @@ import {
   ultimaScansione,
   vista,
 } from "../store";
-import { dimensione, numero, quando, quanti } from "../testo";
+import { conDimensioni, dimensione, numero, quando, quanti } from "../testo";
 import type { Vista as DatiVista } from "../vista";
 import logo from "../../../resources/icons/pellak-cleaner.svg";
 import { interrompi, scansiona } from "./Sezione";
@@ -48,13 +50,18 @@ export const panoramica: DatiVista = {
 
 function Panoramica() {
   useEffect(() => void caricaPermessi(), [occupato.value]);
-  if (!pronto.value) return <Vista titolo="Panoramica">{null}</Vista>;
+  if (!pronto.value)
+    return (
+      <Vista titolo="Panoramica">
+        <Attesa />
+      </Vista>
+    );
   return (
     <Vista titolo="Panoramica" azioni={<Azioni />}>
       {permessi.value?.fda_denied && <StrisciaPermessi />}
-      {maiScansionato.value && !occupato.value ? <Benvenuto /> : <Cifra />}
+      {primaScansione() ? <PrimaScansione /> : maiScansionato.value ? <Benvenuto /> : <Cifra />}
       {disco.value && <SpazioDisco />}
-      {!maiScansionato.value && <Sezioni />}
+      {(!maiScansionato.value || occupato.value) && <Sezioni />}
     </Vista>
   );
 }
@@ -92,6 +99,7 @@ function Azioni() {
       <Pulsante
         tipo={libera.value > 0 ? "normale" : "primario"}
         Icona={Play}
+        disabled={alLavoro.value}
         onClick={() => void scansiona("all")}
       >
         Scansiona tutto
@@ -126,7 +134,11 @@ const PASSI: readonly (readonly [LucideIcon, string, string])[] = [
     "Cerca lo spazio che si può liberare e non sposta niente.",
   ],
   [Trash2, "Scegli tu che cosa togliere", "Va nel Cestino, non viene mai eliminato."],
-  [Undo2, "Si torna sempre indietro", "Ogni spostamento è nel Registro e da lì si annulla."],
+  [
+    Undo2,
+    "Si torna sempre indietro",
+    "Ogni spostamento è nel Registro: da lì si rimette tutto al suo posto.",
+  ],
 ];
 
 function Benvenuto() {
@@ -151,6 +163,37 @@ function Benvenuto() {
           </li>
         ))}
       </ol>
+    </section>
+  );
+}
+
+/** Until the first scan of all has ended there is no sum to show: some sections have none yet. */
+function primaScansione(): boolean {
+  const nuove = sezioni.value.filter((s) => !s.scanned && !preclusa(s));
+  return occupato.value && nuove.length > 0 && nuove.every((s) => s.scanning || s.queued);
+}
+
+/** One step for each section, filled as it is done. */
+function PrimaScansione() {
+  const fatte = sezioni.value.length - mancanti.value;
+  const testo = `${numero(fatte)} di ${quanti(sezioni.value.length, "sezione", "sezioni")}`;
+  return (
+    <section class="cifra" aria-label="Prima scansione">
+      <p class="cifra-parola">Prima scansione</p>
+      <p class="cifra-numero">{testo}</p>
+      <p class="cifra-testo">Legge soltanto, non sposta niente.</p>
+      <div class="barra passi" role="img" aria-label={testo}>
+        {sezioni.value.map((s) => (
+          <span
+            key={s.id}
+            class={s.scanning ? "passo passo-attuale" : "passo"}
+            {...(s.scanning || s.queued ? {} : { style: { background: `var(--sezione-${s.id})` } })}
+          />
+        ))}
+      </div>
+      <p class="cifra-stato" role="status">
+        <InCorso />
+      </p>
     </section>
   );
 }
@@ -182,12 +225,15 @@ function InCorso() {
   return (
     <>
       <Anello etichetta="scansione in corso" />
-      <span>
-        {attuale ? `${attuale.name}: ${attuale.status}` : "La scansione sta per cominciare"}
-      </span>
+      <span>{attuale ? nomeEFase(attuale) : "La scansione sta per cominciare"}</span>
       <span class="tenue">{quanti(mancanti.value, "sezione rimasta", "sezioni rimaste")}</span>
     </>
   );
+}
+
+function nomeEFase(sezione: Sezione): string {
+  const testo = fase(sezione);
+  return testo.startsWith(sezione.name) ? testo : `${sezione.name} · ${testo}`;
 }
 
 function Ultima() {
@@ -249,7 +295,7 @@ function RigaSezione({ sezione }: { sezione: Sezione }) {
   return (
     <button
       type="button"
-      class="sezioni-riga"
+      class={preclusa(sezione) ? "sezioni-riga sezioni-spenta" : "sezioni-riga"}
       onClick={() => {
         vista.value = sezione.id;
       }}
@@ -268,13 +314,15 @@ function RigaSezione({ sezione }: { sezione: Sezione }) {
 }
 
 function statoDi(sezione: Sezione): string {
-  if (sezione.scanning) return sezione.status;
+  if (preclusa(sezione)) return statoMostrato(sezione);
+  if (sezione.scanning) return fase(sezione);
   if (sezione.queued) return "In coda";
   if (!sezione.scanned) return sezione.status || "Mai scansionata";
   const voci = sezione.findings.reduce((somma, f) => somma + f.count, 0);
   if (voci === 0 && !sezione.disponibile) return statoMostrato(sezione);
   if (sezione.avvio_n) return quanti(sezione.avvio_n, "elemento", "elementi");
-  if (sezione.apps_n) return `${quanti(sezione.apps_n, "app", "app")}, ${sezione.apps_h ?? ""}`;
+  if (sezione.apps_n)
+    return `${quanti(sezione.apps_n, "app", "app")}, ${conDimensioni(sezione.apps_h ?? "")}`;
   if (sezione.denied > 0)
     return quanti(sezione.denied, "percorso non leggibile", "percorsi non leggibili");
   const segnalati = byteSegnalati(sezione.findings);

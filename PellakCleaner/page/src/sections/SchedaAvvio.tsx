@@ -1,5 +1,4 @@
 import { FolderOpen, Trash2 } from "lucide-preact";
-import { useMemo, useState } from "preact/hooks";
 import { api } from "../api";
 import { alLavoro, chiedi, mostra, spostaNelCestino } from "../cestino";
 import { frecce } from "../components/frecce";
@@ -9,41 +8,27 @@ import { Scheda } from "../components/Scheda";
 import { conferma } from "../dialogo";
 import { liberaAlmeno } from "../libera";
 import { poll } from "../polling";
-import { type Gruppo, fallita } from "../rotte";
+import { fallita } from "../rotte";
 import { mostrabile, quanti } from "../testo";
 import { Icona } from "./Icona";
 import type { ProprietaScheda } from "./Sezione";
-import { vaglia } from "./ordine";
+import type { Insieme } from "./duplicati";
+import { apertura, ricordaAperta } from "./memoria";
 import { NOTA_CESTINO, chiaveGruppo, nomeGruppo } from "./selezione";
 import { usePorzione } from "./usePorzione";
 
-interface Elemento {
-  gruppo: Gruppo;
-  indice: number;
-}
-
 /** Startup items: a switch each; one that is off stays in the list. */
-export function SchedaAvvio({ finding, vaglio }: ProprietaScheda) {
-  const [aperta, setAperta] = useState(true);
-  const { filtro, ordine } = vaglio;
-  const elementi = useMemo(
-    () =>
-      vaglia<Elemento>(
-        finding.groups.map((gruppo, indice) => ({ gruppo, indice })),
-        { filtro, ordine },
-        ({ gruppo }) => `${chiaveGruppo(gruppo)}/${nomeGruppo(gruppo)}`,
-        ({ gruppo }) => gruppo.size,
-      ),
-    [finding.groups, filtro, ordine],
-  );
-  const { porzione, altre, mostraAltre } = usePorzione(elementi);
+export function SchedaAvvio({ mostrata, filtro, memoria }: ProprietaScheda) {
+  const { finding, gruppi } = mostrata;
+  const { porzione, altre, mostraAltre } = usePorzione(gruppi);
   return (
     <Scheda
       finding={finding}
       nomi={["elemento", "elementi"]}
       misurata={false}
-      aperta={aperta || filtro !== ""}
-      cambia={setAperta}
+      {...(filtro ? { trovate: mostrata } : {})}
+      aperta={apertura(memoria, finding.id, true, filtro)}
+      cambia={(si) => ricordaAperta(memoria, finding.id, si)}
     >
       <ul class="gruppi" onKeyDown={frecce}>
         {porzione.map(({ gruppo, indice }) => (
@@ -65,7 +50,7 @@ export function SchedaAvvio({ finding, vaglio }: ProprietaScheda) {
   );
 }
 
-interface ProprietaElemento extends Elemento {
+interface ProprietaElemento extends Insieme {
   id: string;
   cestinabile: boolean;
 }
@@ -83,18 +68,18 @@ function UnElemento({ id, gruppo, indice, cestinabile }: ProprietaElemento) {
   async function cestina() {
     const si = await conferma({
       titolo: `Spostare «${nome}» nel Cestino?`,
-      righe: [{ testo: percorso, misura: liberaAlmeno(gruppo.libera) }],
+      righe: [],
+      elenchi: [{ righe: [{ percorso, misura: liberaAlmeno(gruppo.libera) }] }],
       nota: NOTA_CESTINO,
       conferma: "Sposta nel Cestino",
     });
     if (!si) return;
-    await spostaNelCestino([
-      async () => {
-        const risposta = await api("/api/avvio", { id, group: indice, delete: true });
-        if (fallita(risposta)) return risposta;
-        return { ok: Number(risposta.ok), failed: risposta.failed ?? [] };
-      },
-    ]);
+    const sposta = async () => {
+      const risposta = await api("/api/avvio", { id, group: indice, delete: true });
+      if (fallita(risposta)) return risposta;
+      return { ...risposta, ok: Number(risposta.ok), failed: risposta.failed ?? [] };
+    };
+    await spostaNelCestino([{ quanti: 1, sposta }]);
   }
 
   return (

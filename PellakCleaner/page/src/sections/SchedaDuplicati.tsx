@@ -1,13 +1,14 @@
 import { FolderOpen } from "lucide-preact";
-import { useMemo, useState } from "preact/hooks";
-import { alLavoro, mostra, spostaNelCestino } from "../cestino";
+import { useMemo } from "preact/hooks";
+import { type Spostamento, alLavoro, mostra, spostaNelCestino } from "../cestino";
 import { Percorso } from "../components/Percorso";
 import { Pulsante, PulsanteIcona } from "../components/Pulsante";
 import { useVirtuale } from "../components/useVirtuale";
 import { conferma } from "../dialogo";
 import { liberaAlmeno } from "../libera";
-import { conTilde, dimensione, mostrabile, nomeDi, quanti } from "../testo";
+import type { Finding } from "../rotte";
 import { casa } from "../store";
+import { dimensione, frase, mostrabile, nomeDi, numero, quanti } from "../testo";
 import type { ProprietaScheda } from "./Sezione";
 import {
   type Insieme,
@@ -18,14 +19,14 @@ import {
   copieInPiu,
   liberaCopie,
   liberaPulizia,
+  percheResta,
   primaCopia,
   puliziaCompleta,
   scarta,
   sceltaDi,
   tieniSolo,
 } from "./duplicati";
-import { type Vaglio, vaglia } from "./ordine";
-import { NOTA_CESTINO } from "./selezione";
+import { NOTA_CESTINO, elencoDi } from "./selezione";
 import "./SchedaDuplicati.css";
 
 type Riga =
@@ -36,7 +37,7 @@ type Riga =
 /** The foot counts the room to the next group. */
 const ALTEZZE = { testa: 46, copia: 36, piede: 60 };
 
-function righeDi(insiemi: Insieme[]): Riga[] {
+function righeDi(insiemi: readonly Insieme[]): Riga[] {
   return insiemi.flatMap((insieme) => [
     { tipo: "testa" as const, insieme },
     ...insieme.gruppo.paths.map((percorso) => ({ tipo: "copia" as const, insieme, percorso })),
@@ -46,40 +47,23 @@ function righeDi(insiemi: Insieme[]): Riga[] {
 
 const chiaveDi = (riga: Riga) => primaCopia(riga.insieme.gruppo);
 
-/** A group matches the filter when one of its copies does. */
-function vagliati(insiemi: Insieme[], vaglio: Vaglio): Insieme[] {
-  return vaglia(
-    insiemi,
-    vaglio,
-    ({ gruppo }) => (vaglio.filtro ? gruppo.paths.join("\n") : primaCopia(gruppo)),
-    ({ gruppo }) => gruppo.waste ?? 0,
-  );
-}
-
 /** The duplicates: one card a group, all positions visible, one copy always kept. */
-export function SchedaDuplicati({ finding, vaglio }: ProprietaScheda) {
-  const [scelte, setScelte] = useState<SceltePerGruppo>(new Map());
-  const { filtro, ordine } = vaglio;
-  const insiemi = useMemo(
-    () => finding.groups.map((gruppo, indice) => ({ gruppo, indice })),
-    [finding.groups],
-  );
-  const righe = useMemo(
-    () => righeDi(vagliati(insiemi, { filtro, ordine })),
-    [insiemi, filtro, ordine],
-  );
+export function SchedaDuplicati({ mostrata, filtro, memoria }: ProprietaScheda) {
+  const { finding, gruppi: insiemi } = mostrata;
+  const scelte = memoria.copie.value;
+  const righe = useMemo(() => righeDi(insiemi), [insiemi]);
   const { virtuale, radice, margine } = useVirtuale({
     quante: righe.length,
     altezza: (i) => ALTEZZE[righe[i]?.tipo ?? "copia"],
     versione: righe,
   });
-  const scegli = (insieme: Insieme, scelta: SceltaCopie) =>
-    setScelte((prima) => new Map(prima).set(primaCopia(insieme.gruppo), scelta));
+  const scegli = (insieme: Insieme, scelta: SceltaCopie) => {
+    memoria.copie.value = new Map(memoria.copie.value).set(primaCopia(insieme.gruppo), scelta);
+  };
 
   return (
     <section data-finding={finding.id} aria-label={finding.name}>
-      <Riassunto finding={finding} insiemi={insiemi} scelte={scelte} />
-      {righe.length === 0 && <p class="elenco-vuoto">Nessuna voce con questo nome.</p>}
+      <Riassunto finding={finding} insiemi={insiemi} scelte={scelte} filtro={filtro} />
       <div class="insiemi" ref={radice} style={{ height: `${virtuale.getTotalSize()}px` }}>
         {virtuale.getVirtualItems().map(({ index, start, size }) => {
           const riga = righe[index];
@@ -106,33 +90,42 @@ export function SchedaDuplicati({ finding, vaglio }: ProprietaScheda) {
 }
 
 interface ProprietaRiassunto {
-  finding: ProprietaScheda["finding"];
-  insiemi: Insieme[];
+  finding: Finding;
+  insiemi: readonly Insieme[];
   scelte: SceltePerGruppo;
+  filtro: string;
 }
 
-function Riassunto({ finding, insiemi, scelte }: ProprietaRiassunto) {
+function Riassunto({ finding, insiemi, scelte, filtro }: ProprietaRiassunto) {
   const copie = copieInPiu(insiemi);
+  const tutti = finding.groups.length;
+  const parte = filtro ? `${numero(insiemi.length)} di ` : "";
+  const quantiGruppi = parte + quanti(tutti, "gruppo di copie", "gruppi di copie");
 
   async function pulisci() {
+    const tenute = insiemi.map(({ gruppo }) => sceltaDi(gruppo, scelte).tenuta);
+    const vanno = insiemi.flatMap(({ gruppo }, i) => gruppo.paths.filter((p) => p !== tenute[i]));
+    const gruppi = quanti(insiemi.length, "gruppo", "gruppi");
+    const testo = filtro ? `${gruppi} fra i ${numero(tutti)}, quelli del filtro` : gruppi;
     const si = await conferma({
       titolo: `Spostare ${quanti(copie, "copia", "copie")} nel Cestino?`,
       righe: [
         {
-          testo: `${quanti(insiemi.length, "gruppo", "gruppi")}, in ognuno resta la copia scelta`,
+          testo: `${testo}: in ognuno resta la copia scelta`,
           misura: liberaAlmeno(liberaPulizia(insiemi, scelte)),
         },
       ],
+      elenchi: [elencoDi(tenute, "Restano"), elencoDi(vanno, "Vanno nel Cestino")],
       nota: NOTA_CESTINO,
       conferma: "Sposta nel Cestino",
     });
-    if (si) await spostaNelCestino(puliziaCompleta(insiemi, scelte));
+    if (si) await spostaNelCestino([puliziaCompleta(insiemi, scelte)]);
   }
 
   return (
     <div class="scheda scheda-riassunto">
       <div class="scheda-titoli">
-        <h2>{quanti(insiemi.length, "gruppo di copie", "gruppi di copie")}</h2>
+        <h2>{quantiGruppi}</h2>
         <p class="sotto">{mostrabile(finding.note)}</p>
       </div>
       <Pulsante disabled={alLavoro.value} onClick={() => void pulisci()}>
@@ -148,20 +141,18 @@ function Testa({ insieme, scelta }: { insieme: Insieme; scelta: SceltaCopie }) {
     <div class="insieme-testa">
       <bdi class="nome">{mostrabile(nomeDi(scelta.tenuta))}</bdi>
       <span class="sotto">
-        {quanti(gruppo.paths.length, "copia", "copie")} da {gruppo.size_h}
+        {quanti(gruppo.paths.length, "copia", "copie")} da {dimensione(gruppo.size)}
       </span>
       <span class="misura misura-forte libera">libera {dimensione(gruppo.libera)}</span>
     </div>
   );
 }
 
-const COPIE_MOSTRATE = 6;
-
 function Piede({ insieme, scelta }: { insieme: Insieme; scelta: SceltaCopie }) {
   const { gruppo } = insieme;
   const nome = mostrabile(nomeDi(scelta.tenuta));
 
-  async function sposta(vie: string[], titolo: string, passo: () => ReturnType<typeof tieniSolo>) {
+  async function sposta(vie: string[], titolo: string, passo: () => Spostamento) {
     const si = await conferma({
       titolo,
       righe: [
@@ -169,10 +160,8 @@ function Piede({ insieme, scelta }: { insieme: Insieme; scelta: SceltaCopie }) {
           testo: `Si spostano ${quanti(vie.length, "copia", "copie")}`,
           misura: liberaAlmeno(liberaCopie(gruppo, vie)),
         },
-        { testo: `Resta ${conTilde(scelta.tenuta, casa.value)}` },
       ],
-      nomi: vie.slice(0, COPIE_MOSTRATE).map((percorso) => conTilde(percorso, casa.value)),
-      altri: Math.max(0, vie.length - COPIE_MOSTRATE),
+      elenchi: [elencoDi([scelta.tenuta], "Resta"), elencoDi(vie, "Vanno nel Cestino")],
       nota: NOTA_CESTINO,
       conferma: "Sposta nel Cestino",
     });
@@ -183,6 +172,7 @@ function Piede({ insieme, scelta }: { insieme: Insieme; scelta: SceltaCopie }) {
   const via = [...scelta.via];
   return (
     <div class="insieme-piede">
+      <p class="sotto insieme-perche">{frase(percheResta(gruppo, scelta, casa.value))}</p>
       <Pulsante
         disabled={alLavoro.value || via.length === 0}
         onClick={() =>

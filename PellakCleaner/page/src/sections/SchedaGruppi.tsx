@@ -1,5 +1,4 @@
 import { ChevronRight, FolderOpen } from "lucide-preact";
-import { useMemo, useState } from "preact/hooks";
 import { mostra } from "../cestino";
 import { Casella } from "../components/Casella";
 import { frecce } from "../components/frecce";
@@ -10,51 +9,62 @@ import type { Gruppo } from "../rotte";
 import { dimensione, mostrabile, nomeDi, quanti } from "../testo";
 import { Icona } from "./Icona";
 import type { ProprietaScheda } from "./Sezione";
-import { vaglia } from "./ordine";
-import { chiaveGruppo, chiavi, nomeGruppo, sceglibile } from "./selezione";
+import { apertura, ricordaAperta } from "./memoria";
+import {
+  chiaveGruppo,
+  chiavi,
+  conScelte,
+  nomeGruppo,
+  sceglibile,
+  statoDi,
+  testoSeleziona,
+} from "./selezione";
 import { usePorzione } from "./usePorzione";
 
-const testoDi = (gruppo: Gruppo) => `${chiaveGruppo(gruppo)}/${nomeGruppo(gruppo)}`;
-const byteDi = (gruppo: Gruppo) => gruppo.size;
+const NESSUNO: ReadonlySet<string> = new Set();
 
 /** A finding made of groups: applications with their data, leftovers, browsers, updates. */
-export function SchedaGruppi({ finding, sola, vaglio, scelte, scegli }: ProprietaScheda) {
-  const [aperta, setAperta] = useState(sola);
-  const { filtro, ordine } = vaglio;
-  const gruppi = useMemo(
-    () => vaglia(finding.groups, { filtro, ordine }, testoDi, byteDi),
-    [finding.groups, filtro, ordine],
-  );
+export function SchedaGruppi({ mostrata, sola, filtro, memoria }: ProprietaScheda) {
+  const { finding, gruppi } = mostrata;
+  const scelte = memoria.scelte.value.get(finding.id) ?? NESSUNO;
+  const scegli = (quali: string[], si: boolean) => {
+    memoria.scelte.value = conScelte(memoria.scelte.value, finding.id, quali, si);
+  };
   const { porzione, altre, mostraAltre } = usePorzione(gruppi);
   const scelta = sceglibile(finding);
-  const tutti = scelte ? scelte.size >= finding.groups.length || "parte" : false;
   return (
     <Scheda
       finding={finding}
-      aperta={aperta || filtro !== ""}
-      cambia={setAperta}
+      {...(filtro ? { trovate: mostrata } : {})}
+      aperta={apertura(memoria, finding.id, sola, filtro)}
+      cambia={(si) => ricordaAperta(memoria, finding.id, si)}
       casella={
         scelta &&
         finding.id !== "apps" && (
           <Casella
-            stato={tutti}
-            cambia={(si) => scegli(chiavi(finding), si)}
-            etichetta={`Seleziona tutto: ${mostrabile(finding.name)}`}
+            stato={statoDi(mostrata, scelte)}
+            cambia={(si) => scegli(chiavi(mostrata), si)}
+            etichetta={`${filtro ? testoSeleziona(gruppi.length) : "Seleziona tutto"}: ${mostrabile(finding.name)}`}
           />
         )
       }
     >
-      {gruppi.length === 0 && <p class="elenco-vuoto">Nessuna voce con questo nome.</p>}
       <ul class="gruppi" onKeyDown={frecce}>
-        {porzione.map((gruppo) => (
-          <UnGruppo
-            key={chiaveGruppo(gruppo)}
-            gruppo={gruppo}
-            misurato={!finding.unmeasured}
-            scelto={scelta ? (scelte?.has(chiaveGruppo(gruppo)) ?? false) : null}
-            scegli={(si) => scegli([chiaveGruppo(gruppo)], si)}
-          />
-        ))}
+        {porzione.map(({ gruppo }) => {
+          const chiave = chiaveGruppo(gruppo);
+          const dettagli = `${finding.id}/${chiave}`;
+          return (
+            <UnGruppo
+              key={chiave}
+              gruppo={gruppo}
+              misurato={!finding.unmeasured}
+              scelto={scelta ? scelte.has(chiave) : null}
+              scegli={(si) => scegli([chiave], si)}
+              aperto={memoria.aperte.value.get(dettagli) ?? false}
+              apri={(si) => ricordaAperta(memoria, dettagli, si)}
+            />
+          );
+        })}
       </ul>
       {altre > 0 && (
         <Pulsante tipo="testo" onClick={mostraAltre}>
@@ -70,10 +80,11 @@ interface ProprietaGruppo {
   misurato: boolean;
   scelto: boolean | null;
   scegli: (si: boolean) => void;
+  aperto: boolean;
+  apri: (si: boolean) => void;
 }
 
-function UnGruppo({ gruppo, misurato, scelto, scegli }: ProprietaGruppo) {
-  const [aperto, setAperto] = useState(false);
+function UnGruppo({ gruppo, misurato, scelto, scegli, aperto, apri }: ProprietaGruppo) {
   const nome = mostrabile(nomeGruppo(gruppo));
   const dettagli = gruppo.paths.length + gruppo.deboli.length;
   return (
@@ -87,14 +98,14 @@ function UnGruppo({ gruppo, misurato, scelto, scegli }: ProprietaGruppo) {
           <bdi class="nome">{nome}</bdi>
           <span class="sotto">{mostrabile(gruppo.desc ?? "") || mostrabile(gruppo.bundle)}</span>
         </div>
-        {misurato && <span class="misura">{gruppo.size_h}</span>}
+        {misurato && <span class="misura">{dimensione(gruppo.size)}</span>}
         {dettagli > 0 && (
           <button
             type="button"
             class="pulsante-icona"
             aria-expanded={aperto}
             aria-label={`Dettagli di ${nome}`}
-            onClick={() => setAperto(!aperto)}
+            onClick={() => apri(!aperto)}
           >
             <ChevronRight size={15} aria-hidden="true" class="scheda-freccia" />
           </button>

@@ -1,6 +1,6 @@
 import { ExternalLink, FolderOpen } from "lucide-preact";
 import { memo } from "preact/compat";
-import { useMemo, useState } from "preact/hooks";
+import { useMemo } from "preact/hooks";
 import { apri, mostra } from "../cestino";
 import { Casella } from "../components/Casella";
 import { Elenco } from "../components/Elenco";
@@ -10,64 +10,59 @@ import { Scheda } from "../components/Scheda";
 import type { Voce } from "../rotte";
 import { cartellaDi, dimensione, mostrabile, nomeDi } from "../testo";
 import type { ProprietaScheda } from "./Sezione";
-import { vaglia } from "./ordine";
-import { chiavi, sceglibile } from "./selezione";
+import { apertura, ricordaAperta } from "./memoria";
+import { chiavi, conScelte, sceglibile, statoDi, testoSeleziona } from "./selezione";
 
 const ALTEZZA = 44;
 
-const percorsoDi = (voce: Voce) => voce.path;
-const byteDi = (voce: Voce) => voce.size;
+const NESSUNA: ReadonlySet<string> = new Set();
 
 /** A finding that is a flat list of files and folders. */
-export function SchedaVoci({ finding, sola, vaglio, scelte, scegli }: ProprietaScheda) {
-  const [aperta, setAperta] = useState(sola);
-  const { filtro, ordine } = vaglio;
-  const voci = useMemo(
-    () => vaglia(finding.items, { filtro, ordine }, percorsoDi, byteDi),
-    [finding.items, filtro, ordine],
-  );
+export function SchedaVoci({ mostrata, sola, filtro, memoria }: ProprietaScheda) {
+  const { finding, voci } = mostrata;
+  const scelte = memoria.scelte.value.get(finding.id) ?? NESSUNA;
+  const scegli = (quali: string[], si: boolean) => {
+    memoria.scelte.value = conScelte(memoria.scelte.value, finding.id, quali, si);
+  };
   const scelta = sceglibile(finding);
-  const tutte = scelte ? scelte.size >= finding.items.length || "parte" : false;
+  const tutte = useMemo(() => statoDi(mostrata, scelte), [voci, scelte]);
   return (
     <Scheda
       finding={finding}
-      aperta={aperta || filtro !== ""}
-      cambia={setAperta}
+      {...(filtro ? { trovate: mostrata } : {})}
+      aperta={apertura(memoria, finding.id, sola, filtro)}
+      cambia={(si) => ricordaAperta(memoria, finding.id, si)}
       casella={
         scelta && (
           <Casella
             stato={tutte}
-            cambia={(si) => scegli(chiavi(finding), si)}
-            etichetta={`Seleziona tutto: ${mostrabile(finding.name)}`}
+            cambia={(si) => scegli(chiavi(mostrata), si)}
+            etichetta={`${filtro ? testoSeleziona(voci.length) : "Seleziona tutto"}: ${mostrabile(finding.name)}`}
           />
         )
       }
     >
-      {voci.length === 0 ? (
-        <p class="elenco-vuoto">Nessuna voce con questo nome.</p>
-      ) : (
-        <Elenco
-          etichetta={mostrabile(finding.name)}
-          voci={voci}
-          altezza={ALTEZZA}
-          riga={(voce, attiva) => (
-            <RigaVoce
-              voce={voce}
-              attiva={attiva}
-              misurata={!finding.unmeasured}
-              scelta={scelta ? (scelte?.has(voce.path) ?? false) : null}
-              scegli={scegli}
-            />
-          )}
-          apri={(voce) => void mostra(voce.path)}
-          {...(scelta
-            ? {
-                scelta: (voce: Voce) => scelte?.has(voce.path) ?? false,
-                alterna: (voce: Voce) => scegli([voce.path], !scelte?.has(voce.path)),
-              }
-            : {})}
-        />
-      )}
+      <Elenco
+        etichetta={mostrabile(finding.name)}
+        voci={voci}
+        altezza={ALTEZZA}
+        riga={(voce, attiva) => (
+          <RigaVoce
+            voce={voce}
+            attiva={attiva}
+            misurata={!finding.unmeasured}
+            scelta={scelta ? scelte.has(voce.path) : null}
+            scegli={scegli}
+          />
+        )}
+        apri={(voce) => void mostra(voce.path)}
+        {...(scelta
+          ? {
+              scelta: (voce: Voce) => scelte.has(voce.path),
+              alterna: (voce: Voce) => scegli([voce.path], !scelte.has(voce.path)),
+            }
+          : {})}
+      />
     </Scheda>
   );
 }
@@ -107,7 +102,7 @@ const RigaVoce = memo(
           {voce.when}
         </div>
         <div role="gridcell" class="cella-misura misura">
-          {misurata ? voce.size_h : ""}
+          {misurata ? dimensione(voce.size) : ""}
           {scelta !== null && voce.libera !== undefined && (
             <span class="sotto">libera {dimensione(voce.libera)}</span>
           )}

@@ -9,11 +9,12 @@ import {
   type LucideIcon,
   Power,
 } from "lucide-preact";
-import { misuraDi } from "../libera";
+import { misuraDi, preclusa } from "../libera";
 import { cercaSezione } from "../store";
 import type { Vista } from "../vista";
 import { numero } from "../testo";
 import { Sezione, scansiona } from "./Sezione";
+import { memoria } from "./memoria";
 
 function sezione(id: string, nome: string, Icona: LucideIcon): Vista {
   return {
@@ -24,6 +25,11 @@ function sezione(id: string, nome: string, Icona: LucideIcon): Vista {
     colore: `var(--sezione-${id})`,
     Contenuto: () => <Sezione id={id} />,
     conteggio: () => conteggio(id),
+    spenta: () => {
+      const dati = cercaSezione(id);
+      return dati !== null && preclusa(dati);
+    },
+    conScelta: () => memoria(id).conScelta.value,
     scansiona: () => void scansiona(id),
     parola: () => parola(id),
     inCorso: () => cercaSezione(id)?.scanning ?? false,

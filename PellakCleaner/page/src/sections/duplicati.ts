@@ -1,6 +1,7 @@
 import { api } from "../api";
 import type { Spostamento } from "../cestino";
 import type { Gruppo } from "../rotte";
+import { nomeDi } from "../testo";
 
 /** Which copies stay and which go, group by group. */
 
@@ -46,35 +47,59 @@ export function conVia(scelta: SceltaCopie, percorso: string, si: boolean): Scel
 }
 
 export function tieniSolo({ gruppo, indice }: Insieme, keep: string): Spostamento {
-  return () => api("/api/keep", { group: indice, keep, first: primaCopia(gruppo) });
+  const sposta = () => api("/api/keep", { group: indice, keep, first: primaCopia(gruppo) });
+  return { quanti: 1, sposta };
 }
 
 export function scarta({ indice }: Insieme, paths: string[]): Spostamento {
-  return () => api("/api/dup_scarta", { id: "duplicates", group: indice, paths });
+  return {
+    quanti: 1,
+    sposta: () => api("/api/dup_scarta", { id: "duplicates", group: indice, paths }),
+  };
 }
 
-/** Groups of one request: it must stay within what the native side reads. */
-export const GRUPPI_PER_RICHIESTA = 20_000;
-
 /**
- * All groups, each with the copy that is shown as kept. The last groups go first: a finished one
- * leaves the list and moves those after it.
+ * These groups, each with the copy that is shown as kept. The last go first: a finished one leaves
+ * the list and moves those after it.
  */
-export function puliziaCompleta(
-  insiemi: readonly Insieme[],
-  scelte: SceltePerGruppo,
-): Spostamento[] {
-  const tutte = insiemi.map(({ gruppo, indice }) => ({
-    group: indice,
-    first: primaCopia(gruppo),
-    keep: sceltaDi(gruppo, scelte).tenuta,
-  }));
-  const passi: Spostamento[] = [];
-  for (let fine = tutte.length; fine > 0; fine -= GRUPPI_PER_RICHIESTA) {
-    const parte = tutte.slice(Math.max(0, fine - GRUPPI_PER_RICHIESTA), fine);
-    passi.push(() => api("/api/keep_all", { scelte: parte }));
+export function puliziaCompleta(insiemi: readonly Insieme[], scelte: SceltePerGruppo): Spostamento {
+  const tutte = insiemi
+    .map(({ gruppo, indice }) => ({
+      group: indice,
+      first: primaCopia(gruppo),
+      keep: sceltaDi(gruppo, scelte).tenuta,
+    }))
+    .sort((a, b) => b.group - a.group);
+  return {
+    quanti: tutte.length,
+    sposta: (da, n) => api("/api/keep_all", { scelte: tutte.slice(da, da + n) }),
+  };
+}
+
+const NUMERATO = /\(\d+\)/;
+/** Where files only pass through, as systems name it. */
+const DI_PASSAGGIO = ["Downloads", "Scaricati", "Desktop", "Scrivania"];
+
+function nomeDiCopia(percorso: string): boolean {
+  const nome = nomeDi(percorso).toLowerCase();
+  return NUMERATO.test(nome) || nome.includes("copia") || nome.includes("copy");
+}
+
+function diPassaggio(percorso: string, home: string): boolean {
+  return DI_PASSAGGIO.some((nome) => percorso.startsWith(`${home}/${nome}/`));
+}
+
+/** Why this copy is the one that stays, in the words of who looks at the list. */
+export function percheResta(gruppo: Gruppo, scelta: SceltaCopie, home: string): string {
+  if (scelta.tenuta !== (gruppo.tieni ?? primaCopia(gruppo))) return "l'hai scelta tu";
+  const altre = gruppo.paths.filter((p) => p !== scelta.tenuta);
+  if (altre.every(nomeDiCopia) && !nomeDiCopia(scelta.tenuta)) {
+    return "le altre hanno un nome da copia";
   }
-  return passi;
+  if (altre.every((p) => diPassaggio(p, home)) && !diPassaggio(scelta.tenuta, home)) {
+    return "le altre sono fra i download o sulla scrivania";
+  }
+  return "la più vecchia fra le copie adatte";
 }
 
 export function copieInPiu(insiemi: readonly Insieme[]): number {

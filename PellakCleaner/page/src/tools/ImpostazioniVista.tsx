@@ -1,6 +1,7 @@
 import { FolderPlus, RotateCcw, Settings, X } from "lucide-preact";
 import { useEffect, useId } from "preact/hooks";
 import { invia } from "../api";
+import { Attesa } from "../components/Attesa";
 import { CampoNumero } from "../components/CampoNumero";
 import { Interruttore } from "../components/Interruttore";
 import { Percorso } from "../components/Percorso";
@@ -52,6 +53,7 @@ function ImpostazioniVista() {
         </Pulsante>
       }
     >
+      {!valori && <Attesa />}
       {valori &&
         schede.map(({ titolo, interi, siNo, escluse }) => (
           <section class="scheda righe" key={titolo} aria-label={titolo}>
@@ -92,7 +94,7 @@ function RigaIntero(props: ProprietaRiga<ChiaveInteri> & { unita: string }) {
         minimo={minimo}
         massimo={massimo}
         unita={unita}
-        salva={(valore) => void cambia({ [chiave]: valore })}
+        salva={(valore) => cambia({ [chiave]: valore })}
       />
     </div>
   );

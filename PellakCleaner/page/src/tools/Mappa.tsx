@@ -18,7 +18,7 @@ import { AreaScorrevole, Vista } from "../components/Vista";
 import { Vuoto } from "../components/Vuoto";
 import type { FiglioMappa, RispostaMappa, VoceMappa } from "../rotte";
 import { casa, visibile } from "../store";
-import { frase, mostrabile, numero, quanti } from "../testo";
+import { conDimensioni, frase, mostrabile, numero, quanti } from "../testo";
 import type { Vista as DatiVista } from "../vista";
 import { type Indicata, MappaAlbero } from "./MappaAlbero";
 import { apriMappa, briciole, dentro, misuraDiNuovo, sopra, statoMappa, vai } from "./mappaStato";
@@ -96,7 +96,7 @@ function Mappa() {
 function StatoCartella({ dati }: { dati: RispostaMappa }) {
   return (
     <>
-      <span class="misura">{dati.tot_h}</span>
+      <span class="misura">{conDimensioni(dati.tot_h)}</span>
       {dati.misurando ? (
         <>
           <Anello etichetta="misura in corso" /> misura in corso
@@ -211,7 +211,7 @@ function Lista({ dati, voci, entra, indicata, id }: ProprietaLista) {
                 </span>
               </div>
               <div role="gridcell" class="cella-misura misura">
-                {voce.size_h}
+                {conDimensioni(voce.size_h)}
               </div>
               <div role="gridcell" class="cella-azioni">
                 <PulsanteIcona

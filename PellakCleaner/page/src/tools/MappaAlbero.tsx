@@ -1,7 +1,7 @@
 import { type Signal, useComputed } from "@preact/signals";
 import { useLayoutEffect, useMemo, useRef, useState } from "preact/hooks";
 import type { FiglioMappa, RispostaMappa, VoceMappa } from "../rotte";
-import { dimensione, mostrabile, quanti } from "../testo";
+import { conDimensioni, dimensione, mostrabile, quanti } from "../testo";
 import { type Posto, type Tessera, tessere, tinte, vicina } from "./tessere";
 import { type Tipo, nomiTipi, tipoDi } from "./tipi";
 
@@ -139,7 +139,7 @@ function UnaTessera(props: ProprietaTessera) {
         style={{ ...stile(props), ...colore }}
         data-nome={voce.nome}
         tabIndex={attiva ? 0 : -1}
-        title={`${nome}\n${voce.size_h}`}
+        title={`${nome}\n${conDimensioni(voce.size_h)}`}
         onClick={() => entra(voce)}
         onPointerEnter={indica}
         onFocus={() => {
@@ -148,7 +148,7 @@ function UnaTessera(props: ProprietaTessera) {
         }}
       >
         <bdi class={largo > 36 && alto > 18 ? "tessera-nome" : "nascosto"}>{nome}</bdi>{" "}
-        <span class={conMisura ? "tessera-misura" : "nascosto"}>{voce.size_h}</span>
+        <span class={conMisura ? "tessera-misura" : "nascosto"}>{conDimensioni(voce.size_h)}</span>
       </button>
       {interne.map((t) => {
         const figlio = t.figlio;

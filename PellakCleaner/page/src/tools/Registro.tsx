@@ -1,10 +1,11 @@
 import { signal } from "@preact/signals";
-import { ChevronRight, FolderOpen, ScrollText, Undo2 } from "lucide-preact";
-import { useEffect, useState } from "preact/hooks";
+import { ChevronRight, FolderOpen, ScrollText, SearchX, Undo2 } from "lucide-preact";
+import { useEffect } from "preact/hooks";
 import { api } from "../api";
 import { mostraErrore } from "../avvisi";
 import { alLavoro, mostra, ripristina } from "../cestino";
 import { frecce } from "../components/frecce";
+import { Attesa } from "../components/Attesa";
 import { Percorso } from "../components/Percorso";
 import { Pulsante, PulsanteIcona } from "../components/Pulsante";
 import { Ricerca } from "../components/Ricerca";
@@ -24,6 +25,16 @@ export const registro: DatiVista = {
 };
 
 const operazioni = signal<Operazione[] | null>(null);
+/** Kept while another view is on screen, like what is open. */
+const filtro = signal("");
+const aperte = signal<ReadonlySet<string>>(new Set());
+
+function apri(id: string, si: boolean): void {
+  const nuove = new Set(aperte.value);
+  if (si) nuove.add(id);
+  else nuove.delete(id);
+  aperte.value = nuove;
+}
 
 async function carica(): Promise<void> {
   const risposta = await api("/api/log");
@@ -32,7 +43,8 @@ async function carica(): Promise<void> {
 }
 
 async function rimetti(op: string, index?: number): Promise<void> {
-  await ripristina([op], index);
+  const quanti = operazioni.value?.find((o) => o.id === op)?.items.length ?? 1;
+  await ripristina([{ id: op, quanti }], index);
   await carica();
 }
 
@@ -45,10 +57,9 @@ function corrisponde(op: Operazione, cercato: string): boolean {
 
 /** What was moved to the Trash, newest first, and the way back for each of it. */
 function Registro() {
-  const [filtro, setFiltro] = useState("");
   useEffect(() => void carica(), [alLavoro.value]);
   const tutte = operazioni.value;
-  const cercato = filtro.trim().toLowerCase();
+  const cercato = filtro.value.trim().toLowerCase();
   const lista = (tutte ?? []).filter((op) => !cercato || corrisponde(op, cercato));
   const { porzione, altre, mostraAltre } = usePorzione(lista);
   return (
@@ -57,7 +68,11 @@ function Registro() {
       strumenti={
         tutte &&
         tutte.length > 0 && (
-          <Ricerca valore={filtro} cambia={setFiltro} etichetta="Cerca nel registro" />
+          <Ricerca
+            valore={filtro.value}
+            cambia={(testo) => (filtro.value = testo)}
+            etichetta="Cerca nel registro"
+          />
         )
       }
     >
@@ -66,8 +81,12 @@ function Registro() {
           Niente è stato spostato nel Cestino. Quando succede, da qui si rimette al suo posto.
         </Vuoto>
       )}
+      {!tutte && <Attesa />}
       {tutte && tutte.length > 0 && lista.length === 0 && (
-        <p class="elenco-vuoto">Nessuna operazione con questo nome.</p>
+        <Vuoto Icona={SearchX}>
+          <span>Nessuna operazione con questo nome.</span>
+          <Pulsante onClick={() => (filtro.value = "")}>Cancella filtro</Pulsante>
+        </Vuoto>
       )}
       {porzione.map((op) => (
         <UnaOperazione key={op.id} op={op} />
@@ -82,7 +101,7 @@ function Registro() {
 }
 
 function UnaOperazione({ op }: { op: Operazione }) {
-  const [aperta, setAperta] = useState(false);
+  const aperta = aperte.value.has(op.id);
   const tornati = op.items.filter((item) => item.rip).length;
   const tutti = tornati === op.items.length;
   return (
@@ -94,7 +113,7 @@ function UnaOperazione({ op }: { op: Operazione }) {
               type="button"
               class="scheda-apri"
               aria-expanded={aperta}
-              onClick={() => setAperta(!aperta)}
+              onClick={() => apri(op.id, !aperta)}
             >
               <ChevronRight size={15} aria-hidden="true" class="scheda-freccia" />
               <bdi>{mostrabile(op.azione)}</bdi>

@@ -48,7 +48,8 @@ describe.skipIf(!CARTELLA)("pictures", () => {
       await ritrai(vista);
     }
     await finestra.vai("applicazioni");
-    await page.locator('[data-finding="apps"] .scheda-apri').click();
+    const app = page.locator('[data-finding="apps"] .scheda-apri[aria-expanded="false"]');
+    if ((await app.count()) > 0) await app.click();
     await page.locator('[data-finding="apps"] .pulsante-icona[aria-expanded]').first().click();
     await page.locator('[data-finding="apps"] .casella').first().check();
     await ritrai("applicazioni-dettagli");
@@ -56,11 +57,16 @@ describe.skipIf(!CARTELLA)("pictures", () => {
     await page.locator('[data-finding="npm-cache"] .casella').first().check();
     await page.locator('[data-finding="pip-cache"] .casella').first().check();
     await ritrai("sviluppo-selezione");
+    await page.locator("[data-ricerca]").fill("content");
+    await ritrai("sviluppo-filtro");
+    await page.locator("[data-ricerca]").fill("mai vista");
+    await ritrai("sviluppo-niente");
+    await page.getByRole("button", { name: "Cancella filtro" }).click();
     await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
     await ritrai("conferma");
     fs.rmSync(path.join(casa.home, ".cache/pip/wheels"));
     await page.locator("dialog").getByRole("button", { name: "Sposta nel Cestino" }).click();
-    await page.getByRole("button", { name: "Annulla" }).waitFor();
+    await page.getByRole("button", { name: "Rimetti a posto" }).waitFor();
     await ritrai("avviso");
     await finestra.vai("registro");
     await page.waitForTimeout(200);

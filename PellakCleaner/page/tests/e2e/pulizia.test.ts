@@ -31,12 +31,12 @@ describe("moving to the Trash and putting back", () => {
   const conferma = async (titolo: RegExp) => {
     const dialogo = finestra.page.getByRole("dialog");
     await dialogo.getByRole("heading", { name: titolo }).waitFor();
-    const testo = await dialogo.innerText();
+    const testo = (await dialogo.innerText()).replaceAll("\n/", "/");
     await dialogo.getByRole("button", { name: "Sposta nel Cestino" }).click();
     return testo;
   };
 
-  test("chosen entries move, exactly they, and Annulla brings them back", async () => {
+  test("chosen entries move, exactly they, and come back, where they are listed again", async () => {
     const { page } = finestra;
     const prima = albero(casa);
     await finestra.vai("sviluppo");
@@ -48,7 +48,7 @@ describe("moving to the Trash and putting back", () => {
     await page.getByLabel(`Seleziona ${ROTTO_MOSTRATO}`, { exact: true }).check();
     await page.locator('[data-finding="pip-cache"] .casella').first().check();
     expect(await page.locator(".selezione").innerText()).toMatch(
-      /4 elementi selezionati\s*libera almeno 4\.6 MiB/,
+      /4 elementi selezionati\s*libera almeno 4,6 MiB/,
     );
 
     await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
@@ -57,11 +57,12 @@ describe("moving to the Trash and putting back", () => {
 
     await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
     const testo = await conferma(/Spostare 4 elementi/);
-    expect(testo).toMatch(/npm: cache: 3 elementi\s+libera almeno 3\.9 MiB/);
-    expect(testo).toMatch(/pip: cache: 1 elemento\s+libera almeno 700\.0 KiB/);
-    expect(testo).toContain("Annulla");
+    expect(testo).toMatch(/npm: cache, 3 elementi\s+libera almeno 3,9 MiB/);
+    expect(testo).toMatch(/pip: cache, 1 elemento\s+libera almeno 700 KiB/);
+    expect(testo).toContain("«Rimetti a posto»");
+    expect(testo).toContain("~/.npm/_cacache/content-v2");
     await avviso()
-      .getByText(/^4 elementi spostati nel Cestino, 4\.6 MiB\.$/)
+      .getByText(/^4 elementi spostati nel Cestino, 4,6 MiB\.$/)
       .waitFor();
     const tolti = prima.filter((nome) => !albero(casa).includes(nome));
     expect(tolti).toEqual([
@@ -75,11 +76,13 @@ describe("moving to the Trash and putting back", () => {
     expect(await page.locator(".selezione").count()).toBe(0);
     expect(await page.locator('[data-finding="pip-cache"]').count()).toBe(0);
 
-    await page.getByRole("button", { name: "Annulla" }).click();
+    await page.getByRole("button", { name: "Rimetti a posto" }).click();
     await avviso()
-      .getByText(/^4 elementi rimessi/)
+      .getByText(/^4 elementi rimessi al loro posto\.$/)
       .waitFor();
     expect(albero(casa)).toEqual(prima);
+    await page.locator('[data-finding="pip-cache"]').waitFor();
+    expect(await page.getByRole("row").count(), "the section was scanned again").toBe(7);
   });
 
   test("everything goes with the keyboard alone, and the focus is never lost", async () => {
@@ -96,7 +99,7 @@ describe("moving to the Trash and putting back", () => {
     await premi("End", "Home", "ArrowDown", "Enter");
     expect(await page.getByRole("heading", { level: 1 }).innerText()).toBe("Sviluppo");
     await premi("Control+f");
-    expect(await fuoco()).toBe("Filtra per nome");
+    expect(await fuoco()).toBe("Filtra schede, file, cartelle");
     for (let i = 0; i < 5 && (await fuoco()) !== "Seleziona tutto: npm: cache"; i++) {
       await premi("Tab");
     }
@@ -112,13 +115,58 @@ describe("moving to the Trash and putting back", () => {
       .waitFor();
     expect(await fuoco()).toContain("7 elementi spostati");
     await premi("Tab");
-    expect(await fuoco()).toBe("Annulla");
+    expect(await fuoco()).toBe("Apri il Cestino");
+    await premi("Tab");
+    expect(await fuoco()).toBe("Rimetti a posto");
     await premi("Enter");
     await avviso()
       .getByText(/^7 elementi rimessi/)
       .waitFor();
     await premi("Escape");
     expect(await page.locator(".avviso").count()).toBe(0);
+  });
+
+  test("with a filter actions take what is shown; choice, filter and place stay", async () => {
+    const { page } = finestra;
+    await finestra.vai("sviluppo");
+    await page.locator('[data-finding="pip-cache"] .casella').first().check();
+    const filtro = page.locator("[data-ricerca]");
+    await filtro.fill("content-v2");
+    expect(await page.locator("[data-finding]").count(), "cards without a match go").toBe(1);
+    expect(await page.locator(".trovate span").innerText()).toMatch(/^1 di \d+ voci, 3 MiB$/);
+    await page.locator('[data-finding="npm-cache"] .casella').first().check();
+    const barra = page.locator(".selezione");
+    expect(await barra.innerText()).toMatch(
+      /1 elemento selezionato\s+libera almeno 3 MiB\s+1 .*nascosto dal/,
+    );
+
+    await finestra.vai("duplicati");
+    await page.getByText(/^Cerca in: .*~\/Documenti, ~\/Immagini\.$/).waitFor();
+    await page.locator("[data-ricerca]").fill("relazione");
+    await page.getByRole("button", { name: "Pulizia completa (1 copia)" }).click();
+    const testo = await conferma(/Spostare 1 copia/);
+    expect(testo).toMatch(/Restano\s+~\/Documenti\/.*\s+Vanno nel Cestino\s+~\/Documenti\//);
+    await avviso()
+      .getByText(/^1 elemento spostato/)
+      .waitFor();
+    await page.locator("[data-ricerca]").fill("mai vista");
+    await page.getByRole("button", { name: "Cancella filtro" }).click();
+    expect(await page.locator(".copia").count(), "only the filtered group went").toBe(3);
+
+    const segno = page.locator('[data-vista="sviluppo"] .laterale-scelta');
+    await segno.waitFor();
+    await finestra.vai("sviluppo");
+    expect(await page.locator(".avviso").count(), "a notice stays in its view").toBe(0);
+    expect(await filtro.inputValue()).toBe("content-v2");
+    await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
+    expect(await conferma(/Spostare 1 elemento/)).toContain("1 nascosto dal filtro resta dov'è");
+    await avviso()
+      .getByText(/^1 elemento spostato/)
+      .waitFor();
+    expect(casa.esiste(".npm/_cacache/content-v2")).toBe(false);
+    expect(casa.esiste(".cache/pip/wheels")).toBe(true);
+    await page.getByRole("button", { name: "Cancella filtro" }).click();
+    expect(await barra.innerText()).toMatch(/1 elemento selezionato\s+libera almeno 700 KiB/);
   });
 
   test("the log restores one item, then the rest, and says which are back", async () => {
@@ -209,7 +257,7 @@ describe("moving to the Trash and putting back", () => {
     const { ops } = await finestra.api<RispostaRegistro>("/api/log");
     expect(ops).toHaveLength(1);
 
-    await page.getByRole("button", { name: "Annulla" }).click();
+    await page.getByRole("button", { name: "Rimetti a posto" }).click();
     await avviso()
       .getByText(/^3 elementi rimessi/)
       .waitFor();

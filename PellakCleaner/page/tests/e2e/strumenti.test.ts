@@ -24,7 +24,7 @@ describe("map, settings, polling", () => {
     const stato = page.locator(".testata-stato");
     await stato.getByText(/in \d+ elementi/).waitFor();
     const righe = page.locator(".mappa-lista [role=row]");
-    expect(await righe.first().innerText()).toMatch(/Filmati\s+530\.0 MiB/);
+    expect(await righe.first().innerText()).toMatch(/Filmati\s+530 MiB/);
 
     await righe.first().focus();
     await page.keyboard.press("Enter");
@@ -70,6 +70,16 @@ describe("map, settings, polling", () => {
     await expect.poll(async () => (await valori()).menu_ram).toBe(false);
     expect((await valori()).dup_min_mb).toBe(12);
     expect(JSON.parse(fs.readFileSync(file, "utf8"))).toMatchObject({ dup_min_mb: 12 });
+
+    await minimo.fill("1");
+    await page.waitForTimeout(300);
+    expect((await valori()).dup_min_mb, "half typed").toBe(12);
+    await minimo.pressSequentially("4");
+    expect(await minimo.inputValue()).toBe("14");
+    await expect.poll(async () => (await valori()).dup_min_mb, { timeout: 4000 }).toBe(14);
+    await minimo.fill("12");
+    await minimo.press("Enter");
+    await expect.poll(async () => (await valori()).dup_min_mb).toBe(12);
 
     await minimo.fill("1001");
     expect(await minimo.getAttribute("aria-invalid")).toBe("true");

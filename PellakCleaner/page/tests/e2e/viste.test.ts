@@ -64,8 +64,8 @@ describe.each([false, true])("every view, dark: %s", (scuro) => {
     await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
     expect(await page.getByRole("dialog").innerText()).toContain(OSTILE);
     await page.getByRole("dialog").getByRole("button", { name: "Sposta nel Cestino" }).click();
-    await page.getByRole("button", { name: "Annulla" }).click();
-    await page.getByText(/rimessi al suo posto/).waitFor();
+    await page.getByRole("button", { name: "Rimetti a posto" }).click();
+    await page.getByText(/rimessi al loro posto/).waitFor();
     await finestra.scansionaTutto();
   });
   afterAll(async () => {

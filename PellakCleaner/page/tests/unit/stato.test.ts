@@ -76,18 +76,21 @@ test("the line about a section has its sum in the two words, and never reads cle
   const report = finding("grandi", { mode: "report", libera: 0, items: [voce("/g", 2048)] });
   const riga = (findings: Finding[], status: string, dati = {}) =>
     statoMostrato(sezione("x", findings, { status, ...dati }));
-  expect(riga([svuotata], "Recuperabili 4.0 KiB.")).toBe("Libera almeno 1.0 KiB.");
-  expect(riga([report], "Recuperabili 2.0 KiB.")).toBe("2.0 KiB segnalati.");
+  expect(riga([svuotata], "Recuperabili 4.0 KiB.")).toBe("Libera almeno 1 KiB.");
+  expect(riga([report], "Recuperabili 2.0 KiB.")).toBe("2 KiB segnalati.");
   expect(riga([svuotata, report], "Recuperabili 6.0 KiB.")).toBe(
-    "Libera almeno 1.0 KiB, 2.0 KiB segnalati.",
+    "Libera almeno 1 KiB, 2 KiB segnalati.",
   );
   expect(riga([], "Niente da segnalare.")).toBe("Niente da segnalare.");
   expect(riga([report], "Recuperabili 2.0 KiB. Risultati non salvati: disco pieno.")).toBe(
-    "2.0 KiB segnalati. Risultati non salvati: disco pieno.",
+    "2 KiB segnalati. Risultati non salvati: disco pieno.",
   );
   const manca = { disponibile: false };
   expect(riga([], "Niente da segnalare.", manca)).toMatch(/^Ricerca non disponibile/);
   expect(riga([], "Errore: disco", manca)).toMatch(/^Errore: disco Ricerca non completa/);
-  expect(riga([report], "Recuperabili 2.0 KiB.", manca)).toMatch(/^2\.0 KiB segnalati\. Ricerca/);
-  expect(riga([], "Cerco…", { ...manca, scanning: true })).toBe("Cerco…");
+  expect(riga([report], "Recuperabili 2.0 KiB.", manca)).toMatch(/^2 KiB segnalati\. Ricerca/);
+  expect(riga([], "Scansione: npm: cache...", { ...manca, scanning: true })).toBe(
+    "Scansione di npm: cache…",
+  );
+  expect(riga([], "Niente da segnalare.", { ...manca, scandibile: false })).toMatch(/^Non ancora/);
 });

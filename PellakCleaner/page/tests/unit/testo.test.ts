@@ -1,20 +1,23 @@
 import { expect, test } from "vitest";
 import { ammesso } from "../../src/components/CampoNumero";
-import { conTilde, dimensione, mostrabile, quando } from "../../src/testo";
+import { conDimensioni, conTilde, dimensione, mostrabile, quando } from "../../src/testo";
 import { briciole, dentro, sopra } from "../../src/tools/mappaStato";
 
-test("sizes read as the native side writes them", () => {
+test("sizes round as the native side's and read as Italians write them", () => {
   const casi: [number, string][] = [
     [0, "0 B"],
     [1023, "1023 B"],
-    [1024, "1.0 KiB"],
-    [1536, "1.5 KiB"],
-    [1_048_575, "1024.0 KiB"],
-    [1_048_576, "1.0 MiB"],
-    [1024 ** 6, "1024.0 PiB"],
-    [-2048, "-2.0 KiB"],
+    [1024, "1 KiB"],
+    [1536, "1,5 KiB"],
+    [1_048_575, "1024 KiB"],
+    [1_048_576, "1 MiB"],
+    [1024 ** 6, "1024 PiB"],
+    [-2048, "-2 KiB"],
   ];
   for (const [byte, testo] of casi) expect(dimensione(byte)).toBe(testo);
+  expect(conDimensioni("Recuperabili 1.6 GiB. Scaricati 84.0 MiB di 10 B")).toBe(
+    "Recuperabili 1,6 GiB. Scaricati 84 MiB di 10 B",
+  );
 });
 
 test("signs that could disguise a name become visible, text stays as it is", () => {
