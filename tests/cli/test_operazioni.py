@@ -109,7 +109,7 @@ class Categoria(ConOperazioni):
         (self.casa / "cose/cosa03").write_text("di un altro")
         uscita, errori = self.esegui("restore", operazione, stato=1)
         self.assertTrue(uscita.startswith("Ripristinati 11 elementi\n"), uscita)
-        self.assertEqual(errori, OSTILE_MOSTRATO + ": non è più nel Cestino\n")
+        self.assertEqual(errori, f"~/cose/{OSTILE_MOSTRATO}: non è più nel Cestino\n")
         self.assertEqual(uscita.count("il posto era occupato"), 1)
         self.assertTrue((self.casa / "cose/cosa03 (ripristinato 1)").exists())
         for argomenti, testo in ((("restore", "boh"), "operazione non trovata\n"),

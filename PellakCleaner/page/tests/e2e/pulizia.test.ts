@@ -227,7 +227,7 @@ describe("moving to the Trash and putting back", () => {
       .getByText(/^1 elemento spostato/)
       .waitFor();
     expect(casa.esiste("Immagini/copie/mare (1).jpg")).toBe(false);
-    expect(await page.locator(".copia").count()).toBe(4);
+    await expect.poll(() => page.locator(".copia").count()).toBe(4);
 
     await copia("estate/mare.jpg").getByRole("radio").check();
     await primoPiede.getByRole("button", { name: "Tieni solo questa" }).click();
@@ -237,7 +237,7 @@ describe("moving to the Trash and putting back", () => {
       .waitFor();
     expect(casa.esiste("Immagini/estate/mare.jpg")).toBe(true);
     expect(casa.esiste(`Documenti/${OSTILE}.jpg`)).toBe(false);
-    expect(await page.locator(".copia").count()).toBe(2);
+    await expect.poll(() => page.locator(".copia").count()).toBe(2);
   });
 
   test("the complete cleaning keeps the chosen copies and can be undone whole", async () => {
