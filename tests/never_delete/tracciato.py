@@ -41,30 +41,34 @@ def _testo(grezzo):
 
 
 class Proprio:
-    """What is the program's own, for one home folder."""
+    """What is the program's own, for one home folder and what it really is behind links."""
 
-    def __init__(self, home, dati=b""):
-        dati = dati or home + b"/.local/share"
-        self.cestino = dati + b"/Trash"
-        self.supporto = home + b"/Library/Application Support/PellakCleaner/"
-        accesso = (home + b"/Library/LaunchAgents/com.pellaklab.cleaner.plist",
-                   home + b"/.config/autostart/com.pellaklab.cleaner.desktop")
-        self.accesso = {voce + fine for voce in accesso for fine in (b"", b".nuovo")}
+    def __init__(self, home, vera=b"", dati=b""):
+        case = {home, vera or home}
+        self.cestini = {(dati or casa + b"/.local/share") + b"/Trash" for casa in case}
+        self.senza_schede = {casa + b"/.Trash" for casa in case}
+        self.supporti = tuple(casa + b"/Library/Application Support/PellakCleaner/"
+                              for casa in case)
+        accesso = (b"/Library/LaunchAgents/com.pellaklab.cleaner.plist",
+                   b"/.config/autostart/com.pellaklab.cleaner.desktop")
+        self.accesso = {casa + voce + fine for casa in case for voce in accesso
+                        for fine in (b"", b".nuovo")}
 
     def cestino_di(self, percorso, parte):
         """Whether the path is `parte`, a pattern, below a Trash folder."""
         for trovato in re.finditer(rb"/(?=%b$)" % parte.pattern, percorso, re.DOTALL):
             sopra = percorso[:trovato.start()]
-            if sopra == self.cestino or CESTINO_DI_VOLUME.fullmatch(sopra):
+            if sopra in self.cestini or CESTINO_DI_VOLUME.fullmatch(sopra):
                 return True
         return False
 
     def e(self, percorso):
-        return (percorso.startswith(self.supporto) or percorso in self.accesso or
+        return (percorso.startswith(self.supporti) or percorso in self.accesso or
                 self.cestino_di(percorso, LIBRI))
 
     def elemento(self, percorso):
-        return self.cestino_di(percorso, re.compile(rb"files/[^/]+"))
+        return (self.cestino_di(percorso, re.compile(rb"files/[^/]+")) or
+                os.path.dirname(percorso) in self.senza_schede)
 
 
 class Chiamata:
@@ -152,7 +156,7 @@ class Ordine:
                 return "renames before it is on the disk"
             self.rinominati.add(os.path.dirname(chiamata.testi[1]))
         elif nome == b"renameat2" and self.proprio.elemento(chiamata.testi[1]):
-            if self.proprio.supporto.rstrip(b"/") in self.rinominati:
+            if any(s.rstrip(b"/") in self.rinominati for s in self.proprio.supporti):
                 return "moves before the intent is on the disk"
         return None
 

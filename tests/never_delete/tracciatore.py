@@ -18,7 +18,7 @@ PAZIENZA = 20
 # injects, which it can't where the kernel filters the calls.
 SOSTITUTO = """#!/bin/bash
 nome={tracce}/$$-$EPOCHREALTIME
-printf '%s\\0%s' "$HOME" "$XDG_DATA_HOME" >"$nome.casa"
+printf '%s\\0' "$HOME" "$(realpath -m -- "$HOME")" "$XDG_DATA_HOME" >"$nome.casa"
 opzione=--seccomp-bpf
 [[ -z $PELLAK_GUASTO ]] || opzione=--inject=$PELLAK_GUASTO
 exec {strace} -DDD -f -y -e signal=kill -e trace={chiamate},syncfs "$opzione" \\
@@ -58,14 +58,14 @@ class Tracciatore:
         limite = time.monotonic() + PAZIENZA
         letti = []
         for casa in sorted(self.tracce.glob("*.casa")):
-            home, _, dati = casa.read_bytes().partition(b"\0")
+            home, vera, dati, _ = casa.read_bytes().split(b"\0")
             pid = casa.name.partition("-")[0].encode()
             traccia = casa.with_suffix(".traccia")
             if not traccia.exists():
                 continue  # killed before the tracer was there, and so before the program
             while True:
                 testo = traccia.read_bytes()
-                tracciato = Tracciato(testo, Proprio(home, dati), pid)
+                tracciato = Tracciato(testo, Proprio(home, vera, dati), pid)
                 if tracciato.finito or time.monotonic() > limite:
                     break
                 if not testo and not self._vivo(pid):
