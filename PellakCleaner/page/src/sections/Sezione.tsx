@@ -125,7 +125,9 @@ export function Sezione({ id }: { id: string }) {
 /** What the last scan came to, and when it was. */
 function statoConData(sezione: DatiSezione): string {
   const stato = statoMostrato(sezione) || (sezione.queued ? "In coda" : "");
-  if (sezione.scanning || sezione.queued || sezione.last_scan <= 0) return stato;
+  if (sezione.scanning || sezione.queued || sezione.last_scan <= 0 || preclusa(sezione)) {
+    return stato;
+  }
   return [stato.replace(/\.$/, ""), quando(sezione.last_scan)].filter(Boolean).join(" · ");
 }
 
