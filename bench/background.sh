@@ -14,7 +14,7 @@ load_du() { du -s "$tree" >/dev/null; }
 load_build() {
   local i
   for ((i = 0; i < $(nproc); ++i)); do
-    find "$tree" -type f -size -64k -print0 | head -z -n 8000 | xargs -0 cat | gzip -6 >/dev/null &
+    xargs -0 cat <"$work/sources" | gzip -6 >/dev/null &
     jobs_of_load+=($!)
   done
   wait "${jobs_of_load[@]}"
@@ -55,6 +55,7 @@ median() { sort -n | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
 
 work=$(mktemp -d)
 trap 'stop_scans; rm -rf "$work"' EXIT
+find "$tree" -type f -size -64k -print0 | sort -z | sed -nz '1,8000p' >"$work/sources"
 for load in du build; do
   for ((round = 0; round < rounds; ++round)); do
     for beside in nothing low plain; do

@@ -8,8 +8,6 @@
 namespace pellak::scanners {
 
 void Corsia::comincia(std::int64_t size, bool tutti) {
-  primo_.blocco.resize(kBlocco);
-  prova_.resize(kBlocco);
   size_ = size;
   letti_ = 0;
   quanti_ = 0;

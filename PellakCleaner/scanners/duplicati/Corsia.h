@@ -20,6 +20,9 @@ class Corsia {
  public:
   static constexpr std::size_t kBlocco = std::size_t{256} * 1024;
 
+  /// Takes its memory on the thread that makes it.
+  Corsia() : prova_(kBlocco) { primo_.blocco.resize(kBlocco); }
+
   bool libera() const { return !occupata_; }
 
   /// Begins with no files, of `size` bytes each. `tutti`: no other file can be equal to these, so

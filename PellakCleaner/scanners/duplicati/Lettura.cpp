@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstring>
 #include <thread>
 #include <utility>
 
+#include "PellakCore/base/ThreadSetting.h"
 #include "scanners/duplicati/Impronta.h"
 
 namespace pellak::scanners {
@@ -41,8 +43,10 @@ std::span<const std::byte> leggiLuoghi(const OpenFile& file, std::int64_t size,
 
 std::size_t processori() { return std::max(1U, std::thread::hardware_concurrency()); }
 
-/// As many as keep disk and processors busy, of which each may hold `aperti` files open.
+/// As many as keep disk and processors busy, of which each may hold `aperti` files open. One where
+/// others come first: what the disk has begun for us they wait for.
 std::size_t lettori(std::size_t descrittori, std::size_t aperti) {
+  if (threadSetting() != nullptr) return 1;
   return std::clamp<std::size_t>(descrittori / aperti, 1, std::max(kLettori, processori()));
 }
 
@@ -172,7 +176,10 @@ void Lettura::interi(std::vector<Contenuto>& contenuti) {
   const std::size_t piu = std::clamp(descrittori / (quanti * kCorsie), kMinInsieme, kMaxInsieme);
   const std::vector<Insieme> insiemi = insiemiDi(contenuti, piu);
   Squadra squadra(insiemi.size(), quanti, ctx_.stop);
-  conContatore(squadra, [&] { leggiACoppie(squadra, insiemi, contenuti); });
+  // Made here and not by each thread, so that what they leave is free for the groups.
+  std::vector<Corsie> corsie(std::max<std::size_t>(1, std::min(quanti, insiemi.size())));
+  std::atomic<std::size_t> prese{0};
+  conContatore(squadra, [&] { leggiACoppie(squadra, insiemi, contenuti, corsie[prese++]); });
 }
 
 void Lettura::occupa(Corsia& corsia, const Insieme& insieme, std::vector<Contenuto>& contenuti) {
@@ -186,9 +193,8 @@ void Lettura::occupa(Corsia& corsia, const Insieme& insieme, std::vector<Contenu
 }
 
 void Lettura::leggiACoppie(Squadra& squadra, const std::vector<Insieme>& insiemi,
-                           std::vector<Contenuto>& contenuti) {
+                           std::vector<Contenuto>& contenuti, Corsie& corsie) {
   const auto sha = creaTwinSha256();
-  std::array<Corsia, TwinSha256::kLanes> corsie;
   const auto riempi = [&](Corsia& corsia) {
     if (!corsia.libera()) return;
     if (const auto parte = squadra.prossima()) occupa(corsia, insiemi[*parte], contenuti);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -44,8 +45,10 @@ class Lettura {
 
  private:
   void campiona(Contenuto& contenuto, std::vector<std::byte>& memoria, TwinSha256& sha);
+  using Corsie = std::array<Corsia, TwinSha256::kLanes>;
+
   void leggiACoppie(Squadra& squadra, const std::vector<Insieme>& insiemi,
-                    std::vector<Contenuto>& contenuti);
+                    std::vector<Contenuto>& contenuti, Corsie& corsie);
   void occupa(Corsia& corsia, const Insieme& insieme, std::vector<Contenuto>& contenuti);
   void ricorda(std::span<Contenuto> simili) const;
   bool volumeAdatto(std::uint64_t dev, const OpenFile& file);

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "PellakCore/base/ThreadSetting.h"
 #include "scanners/walker/Crew.h"
 #include "scanners/walker/FolderReader.h"
 #include "scanners/walker/OpenFolders.h"
@@ -207,7 +208,9 @@ void walkTogether(const Ambiente& ambiente, const Stop& stop, WalkClient& client
   std::mutex faultLock;
   std::exception_ptr fault;
   const std::size_t allowance = allowanceOf(ambiente, kMaxListings);
-  Crew crew(kMaxListings, std::move(roots), [&](std::size_t index) {
+  // Where others come first, one at a time: what the disk has begun for us they wait for.
+  const std::size_t most = threadSetting() == nullptr ? kMaxListings : 1;
+  Crew crew(most, std::move(roots), [&](std::size_t index) {
     try {
       Worker(walk, index, allowance).run();
     } catch (...) {
