@@ -34,16 +34,14 @@ RiassuntoSezione Engine::riassuntoLocked(const Meta& meta) {
   riassunto.status = sezione.statoMostrato();
   riassunto.scanning = sezione.scanning;
   riassunto.queued = std::find(queue_.begin(), queue_.end(), meta.id) != queue_.end();
-  riassunto.totale = sezione.totale();
-  riassunto.libera = libera_.sezione(meta.id, sezione);
+  const SommeSezione& somme = libera_.sezione(meta.id, sezione);
+  riassunto.totale = somme.totale;
+  riassunto.libera = somme.libera;
+  riassunto.segnalati = somme.segnalati;
   riassunto.lastScan = sezione.lastScan;
   riassunto.scandibile = scandibile(meta);
   riassunto.disponibile = disponibile(meta);
-  for (const Finding& finding : sezione.findings) {
-    riassunto.voci += finding.quante();
-    const bool segnalato = finding.mode != "delete" && !finding.unmeasured;
-    if (segnalato) riassunto.segnalati = sommaSicura(riassunto.segnalati, finding.totale());
-  }
+  for (const Finding& finding : sezione.findings) riassunto.voci += finding.quante();
   return riassunto;
 }
 

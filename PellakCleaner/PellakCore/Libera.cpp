@@ -164,15 +164,20 @@ std::int64_t libera(std::span<const std::vector<Finding>* const> liste) {
   return offerti.size() == 1 ? libera(*offerti.front()) : liberaDi(offerti);
 }
 
-std::int64_t LiberaSezioni::sezione(std::string_view id, const Sec& sezione) {
+const SommeSezione& LiberaSezioni::sezione(std::string_view id, const Sec& sezione) {
   const auto nota = note_.find(id);
   if (nota != note_.end() && nota->second.findingsVer == sezione.findingsVer) {
-    return nota->second.byte;
+    return nota->second.somme;
   }
+  SommeSezione somme;
   const std::vector<Finding>* const sola = &sezione.findings;
-  const std::int64_t byte = libera(std::span(&sola, 1));
-  note_[id] = {sezione.findingsVer, byte};
-  return byte;
+  somme.libera = libera(std::span(&sola, 1));
+  somme.totale = sezione.totale();
+  for (const Finding& finding : sezione.findings) {
+    if (finding.mode == "delete" || finding.unmeasured) continue;
+    somme.segnalati = sommaSicura(somme.segnalati, finding.totale());
+  }
+  return note_.insert_or_assign(id, Nota{sezione.findingsVer, somme}).first->second.somme;
 }
 
 std::int64_t LiberaSezioni::tutte(std::span<const Sec* const> sezioni) {

@@ -22,18 +22,25 @@ std::int64_t libera(const Finding& finding, const Group& gruppo);
 /// that stands in several of them, or below another one, counts once.
 std::int64_t libera(std::span<const std::vector<Finding>* const> liste);
 
-/// The same of sections, kept until their findings move. One thread at a time.
+/// What a section's findings come to, in bytes.
+struct SommeSezione {
+  std::int64_t libera = 0;
+  std::int64_t totale = 0;
+  std::int64_t segnalati = 0;  ///< of what is only reported
+};
+
+/// The sums of sections, kept until their findings move. One thread at a time.
 class LiberaSezioni {
  public:
-  std::int64_t sezione(std::string_view id, const Sec& sezione);
+  const SommeSezione& sezione(std::string_view id, const Sec& sezione);
 
-  /// Of all together.
+  /// What comes free of all together.
   std::int64_t tutte(std::span<const Sec* const> sezioni);
 
  private:
   struct Nota {
     std::uint64_t findingsVer;
-    std::int64_t byte;
+    SommeSezione somme;
   };
 
   std::map<std::string_view, Nota> note_;

@@ -70,14 +70,14 @@ TEST(Libera, SectionsAreCountedAgainWhenTheirFindingsMove) {
   altra.findings = una.findings;
   LiberaSezioni conto;
   const std::vector<const Sec*> tutte = {&una, &altra};
-  EXPECT_EQ(conto.sezione("una", una) + conto.sezione("altra", altra), 10);
+  EXPECT_EQ(conto.sezione("una", una).libera + conto.sezione("altra", altra).libera, 10);
   EXPECT_EQ(conto.tutte(tutte), 5);
   altra.findings[0].items[0].path = "/b";
   ++altra.findingsVer;
   EXPECT_EQ(conto.tutte(tutte), 10);
   una.findings.clear();
   ++una.findingsVer;
-  EXPECT_EQ(conto.sezione("una", una), 0);
+  EXPECT_EQ(conto.sezione("una", una).totale, 0);
 }
 
 }  // namespace
