@@ -93,10 +93,12 @@ class MadeLister final : public DirectoryLister {
   Result<std::shared_ptr<DirectoryHandle>> open(std::string_view) override {
     return std::shared_ptr<DirectoryHandle>(std::make_shared<MadeFolder>(-1));
   }
-  Result<EntryAttributes> attributes(std::string_view) override {
-    EntryAttributes root;
-    root.type = EntryType::directory;
-    return root;
+  Result<EntryAttributes> attributes(std::string_view percorso) override {
+    EntryAttributes entry;
+    const bool file = percorso.ends_with(".jpeg");
+    entry.type = file ? EntryType::regular : EntryType::directory;
+    entry.nlink = 1;
+    return entry;
   }
   bool emptyIsCertain() const override { return true; }
   std::size_t descriptorBudget() const override { return 256; }
