@@ -59,6 +59,11 @@ class ConCasa(unittest.TestCase):
         percorso.write_text(json.dumps({"categories": categorie}))
         self.ambiente["PELLAK_RULES"] = str(percorso)
 
+    def regola(self, **luoghi):
+        """One category, "x", of what may be moved: everything in `cose` unless places are given."""
+        self.regole([{"id": "x", "name": "X", "section": "sviluppo", "mode": "delete",
+                      **(luoghi or {"children_of": "~/cose"})}])
+
     def per_altri(self):
         """A copy that another user can run: the build folder may be closed to everybody else."""
         copia = self.casa / "programma"
@@ -68,6 +73,19 @@ class ConCasa(unittest.TestCase):
             risorse = os.path.join(os.path.dirname(PROGRAMMA), "resources")
             shutil.copytree(risorse, copia / "resources")
         return str(copia / "pellak-cleaner")
+
+    def da_nessuno(self, *argomenti):
+        """A run to its end as a user without rights."""
+        return subprocess.run([self.per_altri(), *argomenti], env=self.ambiente, timeout=PAZIENZA,
+                              stdin=subprocess.DEVNULL, capture_output=True, text=True,
+                              user=NOBODY, group=NOBODY, extra_groups=[])
+
+    def riempi(self, cartella):
+        """Leaves no room on the volume of a folder."""
+        with open(cartella / "zavorra", "wb", buffering=0) as zavorra:
+            with self.assertRaises(OSError):
+                while True:
+                    zavorra.write(b"x" * 4096)
 
     def avvia(self, *argomenti, **opzioni):
         programma = self.per_altri() if "user" in opzioni else PROGRAMMA
@@ -102,7 +120,7 @@ def su_terminale(argomenti, ambiente, invia=None, dopo=None, guarda=None):
     called with the process's number."""
     figlio, terminale = pty.fork()
     if figlio == 0:
-        os.execve(PROGRAMMA, [PROGRAMMA, *argomenti], ambiente)
+        os.execve(PROGRAMMA, [PROGRAMMA, *argomenti], dict(ambiente, TERM="xterm"))
     uscita = b""
     limite = time.monotonic() + PAZIENZA
     while time.monotonic() < limite:

@@ -23,11 +23,11 @@ class ConVolumi(ConCestino):
     def tmpfs(self, percorso, size="16m"):
         self.monta(percorso, "-t", "tmpfs", "-o", f"size={size}", "tmpfs")
 
-    def riempi(self, cartella):
-        with open(cartella / "zavorra", "wb", buffering=0) as zavorra:
-            with self.assertRaises(OSError):
-                while True:
-                    zavorra.write(b"x" * 4096)
+    def trasloca(self, casa):
+        self.casa = casa
+        self.ambiente["HOME"] = str(casa)
+        self.cestino = casa / ".local/share/Trash"
+        self.regola()
 
     def via_e_ritorno(self, cestino):
         """All of `cose` goes to that Trash and comes back."""
@@ -202,14 +202,10 @@ class Sovrapposto(ConVolumi):
         for nome in ("file", "scritto", "cartella/dato", "doppio"):
             self.cosa(nome, nome)
         os.link(self.casa / "cose/doppio", self.casa / "cose/altro nome")
-        self.casa = strati / "casa"
-        self.monta(self.casa, "-t", "overlay", "-o",
+        self.monta(strati / "casa", "-t", "overlay", "-o",
                    f"lowerdir={strati}/sotto,upperdir={strati}/sopra/su,"
                    f"workdir={strati}/sopra/lavoro", "overlay")
-        self.ambiente["HOME"] = str(self.casa)
-        self.cestino = self.casa / ".local/share/Trash"
-        self.regole([{"id": "x", "name": "X", "section": "sviluppo", "mode": "delete",
-                      "children_of": "~/cose"}])
+        self.trasloca(strati / "casa")
         self.cosa("nuovo", "nuovo")
         self.cosa("nuova/dato", "nuova")
         with open(self.casa / "cose/scritto", "ab") as scritto:
@@ -232,14 +228,12 @@ class Sovrapposto(ConVolumi):
 class DiscoPieno(ConVolumi):
     def casa_su(self, quanti, **opzioni):
         """A home on a volume of its own, scanned, with so many things in it."""
-        self.casa = self.casa / opzioni["size"]
-        self.tmpfs(self.casa, ",".join([opzioni.pop("size")] + [f"{n}={v}" for n, v in opzioni.items()]))
-        self.ambiente["HOME"] = str(self.casa)
-        self.cestino = self.casa / ".local/share/Trash"
+        casa = self.casa / opzioni["size"]
+        size = opzioni.pop("size")
+        self.tmpfs(casa, ",".join([size] + [f"{n}={v}" for n, v in opzioni.items()]))
+        self.trasloca(casa)
         for i in range(quanti):
             self.cosa(f"n{i}", f"n{i}")
-        self.regole([{"id": "x", "name": "X", "section": "sviluppo", "mode": "delete",
-                      "children_of": "~/cose"}])
         self.scandisci()
 
     def test_with_the_reserve_a_full_home_works_as_far_as_it_goes(self):
@@ -279,23 +273,14 @@ class DiscoPieno(ConVolumi):
 
     def test_a_home_with_little_room_loses_nothing(self):
         """From no room at all to enough, one page at a time."""
-        disco = self.casa / "disco"
-        self.tmpfs(disco, "1m")
-        self.ambiente["HOME"] = str(disco)
-        self.casa = disco
-        self.cestino = disco / ".local/share/Trash"
-        for i in range(6):
-            self.cosa(f"n{i}", f"n{i}")
-        self.regole([{"id": "x", "name": "X", "section": "sviluppo", "mode": "delete",
-                      "children_of": "~/cose"}])
-        self.scandisci()
+        self.casa_su(6, size="1m")
         risultati = (self.supporto / "risultati.json").read_bytes()
         prima = self.contenuti()
         esiti = set()
         for pagine in range(24):
             (self.supporto / "risultati.json").write_bytes(risultati)
-            self.riempi(disco)
-            with open(disco / "zavorra", "r+b") as zavorra:
+            self.riempi(self.casa)
+            with open(self.casa / "zavorra", "r+b") as zavorra:
                 zavorra.truncate(max(0, os.path.getsize(zavorra.name) - pagine * 4096))
             stato, risposta = self.prova("/api/trash", {"id": "x"})
             posti = self.contenuti()
@@ -329,12 +314,6 @@ class DiscoPieno(ConVolumi):
 @unittest.skipUnless(UTENTE == 0, "gives its home to another user, so it needs root")
 class SenzaDiritti(ConCestino):
     """The program runs as a user who owns the home but not everything in it."""
-
-    def da_nessuno(self, *argomenti):
-        return subprocess.run([self.casa / "programma/pellak-cleaner", *argomenti],
-                              env=self.ambiente, timeout=60, stdin=subprocess.DEVNULL,
-                              capture_output=True, text=True, user=NOBODY, group=NOBODY,
-                              extra_groups=[])
 
     def setUp(self):
         super().setUp()

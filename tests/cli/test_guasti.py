@@ -11,23 +11,6 @@ from programma import NOBODY, PROGRAMMA, ConCasa
 
 
 class FileRotti(ConCasa):
-    def test_rules_missing_broken_or_of_wrong_types(self):
-        percorso = self.casa / "regole.json"
-        self.ambiente["PELLAK_RULES"] = str(percorso)
-        for contenuto in (None, "", "{", "[]", '{"categories":{"a":1}}',
-                          '{"categories":[1,{"id":5,"section":["sviluppo"]}],"large_old":7}'):
-            if contenuto is not None:
-                percorso.write_text(contenuto)
-            uscita, errori = self.esegui("scan", "sviluppo")
-            if contenuto is None or not contenuto.startswith('{"'):
-                self.assertIn("Errore: file delle regole illeggibile", uscita)
-                self.assertIn("file delle regole illeggibile", errori)
-            else:
-                self.assertRegex(uscita, "Sviluppo +Ricerca non completa")
-        percorso.unlink()
-        percorso.mkdir()
-        self.esegui("scan", "sviluppo")
-
     def test_without_a_resource_folder_the_rules_inside_the_program_serve(self):
         self.file(".npm/_cacache/a", 30_000)
         self.ambiente["PELLAK_RESOURCES"] = str(self.casa / "manca")
@@ -36,16 +19,6 @@ class FileRotti(ConCasa):
         self.file("Library/Caches/Homebrew/a.tar.gz", 30_000)
         self.esegui("scan", "sviluppo")
         self.assertIn("brew-cache", self.esegui("show")[0])
-
-    def test_results_cut_in_half_start_from_scratch(self):
-        self.file(".npm/_cacache/a", 30_000)
-        self.esegui("scan", "sviluppo")
-        risultati = self.supporto / "risultati.json"
-        intero = risultati.read_bytes()
-        risultati.write_bytes(intero[:len(intero) // 2])
-        self.assertFalse(self.api("/api/state")["sections"][0]["scanned"])
-        self.esegui("scan", "sviluppo")
-        self.assertTrue(self.api("/api/state")["sections"][0]["scanned"])
 
     def test_results_that_cannot_be_read_as_such_are_kept_aside(self):
         self.supporto.mkdir(parents=True)
@@ -86,8 +59,7 @@ class FileRotti(ConCasa):
     def test_what_is_no_file_in_place_of_one_hangs_nothing_and_is_kept(self):
         os.chdir(self.casa)
         self.addCleanup(os.chdir, "/")
-        self.regole([{"id": "x", "name": "X", "section": "sviluppo", "mode": "delete",
-                      "children_of": "~/cose"}])
+        self.regola()
         self.file("cose/d/a")
         self.esegui("scan", "sviluppo")
         for numero, _ in enumerate(self.strani(self.supporto / "risultati.json")):
@@ -122,22 +94,16 @@ class FileRotti(ConCasa):
 class SenzaDiritti(ConCasa):
     """The program runs as a user who owns the home but not everything in it."""
 
-    def setUp(self):
-        super().setUp()
-        self.programma = self.per_altri()
-
     def da_nessuno(self, *argomenti):
+        self.per_altri()
         for radice, cartelle, file in os.walk(self.casa):
             for nome in [radice] + [os.path.join(radice, f) for f in cartelle + file]:
                 if "privata" not in nome:
                     os.chown(nome, NOBODY, NOBODY, follow_symlinks=False)
-        return subprocess.run([self.programma, *argomenti], env=self.ambiente, timeout=60,
-                              stdin=subprocess.DEVNULL, capture_output=True, text=True,
-                              user=NOBODY, group=NOBODY, extra_groups=[])
+        return super().da_nessuno(*argomenti)
 
     def test_unreadable_folders_are_counted_and_said(self):
-        self.regole([{"id": "x", "name": "X", "section": "sviluppo",
-                      "children_of": "~/cose"}])
+        self.regola()
         for nome in ("privata", "privata2"):
             (self.casa / "cose" / nome).mkdir(parents=True)
             (self.casa / "cose" / nome / "dato").write_bytes(b"x" * 9_000)
@@ -178,10 +144,7 @@ class DiscoPieno(ConCasa):
         self.file(".npm/_cacache/a", 30_000)
         self.api("/api/settings", {"dup_min_mb": 7})
         self.esegui("scan", "sviluppo")
-        with open(volume / "zavorra", "wb", buffering=0) as zavorra:
-            with self.assertRaises(OSError):
-                while True:
-                    zavorra.write(b"x" * 4096)
+        self.riempi(volume)
         prima = (self.supporto / "risultati.json").read_bytes()
         uscita, errori = self.esegui("scan", "sviluppo")
         self.assertIn("Libera almeno", uscita)

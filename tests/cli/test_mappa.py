@@ -3,7 +3,6 @@
 import json
 import os
 import subprocess
-import time
 import unittest
 
 from programma import NOBODY, PROGRAMMA, ConCasa, su_terminale
@@ -95,11 +94,11 @@ class MappaGrande(ConCasa):
             os.mkdir(f"{self.casa}/cose/{i % 40}/{i}")
 
     def test_progress_and_a_clean_interrupt(self):
-        stato, uscita = su_terminale(["map", "~/cose"], dict(self.ambiente, TERM="xterm"))
+        stato, uscita = su_terminale(["map", "~/cose"], self.ambiente)
         self.assertEqual(stato, 0, uscita[-500:])
         self.assertIn("cartelle su 40", uscita)
         for _ in range(20):  # a measure may be over before the key arrives
-            stato, uscita = su_terminale(["map", "~/cose"], dict(self.ambiente, TERM="xterm"),
+            stato, uscita = su_terminale(["map", "~/cose"], self.ambiente,
                                          invia=b"\x03", dopo=b"cartelle su 40")
             if stato != 0:
                 break
@@ -107,32 +106,10 @@ class MappaGrande(ConCasa):
         self.assertIn("Misura interrotta.", uscita)
         self.assertNotIn("Dimensione", uscita, "no table after an interrupt")
 
-    def test_the_page_sees_a_map_complete_by_asking_again(self):
-        processo = self.avvia("bridge")
-        richiesta = {"channel": "api", "path": "/api/mappa", "body": {"path": "~/cose"}}
-
-        def chiedi(numero, corpo):
-            riga = json.dumps(dict(richiesta, id=numero, body=corpo))
-            processo.stdin.write(riga.encode() + b"\n")
-            processo.stdin.flush()
-            return json.loads(processo.stdout.readline())["reply"]
-
-        numero = 0
-        risposta = chiedi(numero, {"path": "~/cose"})
-        self.assertTrue(risposta["misurando"], "the first answer does not wait")
-        limite = time.monotonic() + 60
-        while risposta["misurando"] and time.monotonic() < limite:
-            numero += 1
-            risposta = chiedi(numero, {"path": "~/cose"})
-        self.assertFalse(risposta["misurando"])
-        sotto = chiedi(numero + 1, {"path": "~/cose/7"})
-        self.assertFalse(sotto["misurando"], "the level below is known")
-        self.assertEqual(len(sotto["items"]), 500)
-        chiedi(numero + 2, {"path": "~/cose", "force": True})
-        processo.stdin.close()  # ends while a job may run
-        self.assertEqual(processo.wait(timeout=30), 0)
-        processo.stdout.close()
-        processo.stderr.close()
+    def test_the_first_answer_does_not_wait_nor_does_the_end(self):
+        risposta, = self.ponte([{"channel": "api", "id": 1, "path": "/api/mappa",
+                                 "body": {"path": "~/cose"}}])
+        self.assertTrue(risposta["reply"]["misurando"])
 
 
 if __name__ == "__main__":

@@ -10,7 +10,7 @@ import subprocess
 import time
 import unittest
 
-from cestino import FINDING, ConCestino
+from cestino import FINDING, LENTO, ConCestino
 from programma import PROGRAMMA, su_terminale
 
 OSTILE = b"rosso\033[31m\nriga\xff"
@@ -23,7 +23,7 @@ class ConOperazioni(ConCestino):
         return re.findall(r"^Per annullare: pellak-cleaner restore (\S+)\r?$", uscita, re.M)
 
     def al_terminale(self, risposta, *argomenti, guarda=None):
-        stato, uscita = su_terminale(argomenti, dict(self.ambiente, TERM="xterm", NO_COLOR="1"),
+        stato, uscita = su_terminale(argomenti, dict(self.ambiente, NO_COLOR="1"),
                                      invia=risposta, dopo=b"[s/N]", guarda=guarda)
         return stato, uscita.replace("\r\n", "\n")
 
@@ -85,6 +85,9 @@ class Categoria(ConOperazioni):
         self.assertEqual(self.contenuti(), self.prima)
 
     def test_without_a_terminal_only_yes_moves_and_names_stay_harmless(self):
+        elenco, _ = self.esegui("show", FINDING)
+        self.assertIn(f"~/cose/{OSTILE_MOSTRATO}\n", elenco)
+        self.assertNotIn("\033", elenco)
         uscita, errori = self.esegui("trash", FINDING, stato=1, entrata=b"s\n")
         self.assertEqual((uscita, errori.count("\n")), ("", 1))
         self.assertIn("--yes", errori)
@@ -132,8 +135,7 @@ class Categoria(ConOperazioni):
                              ("", "nessun risultato salvato: rifai la scansione\n"))
             self.assertEqual(self.api("/api/trash", {"id": mai_cercata}, stato=1),
                              {"err": "categoria inesistente"})
-        self.regole([{"id": FINDING, "name": "X", "section": "sviluppo", "mode": "delete",
-                      "children_of": "~/cose"}])
+        self.regola()
         self.scandisci()
         self.assertEqual(self.esegui("trash", FINDING, "--group", "0", "--yes", stato=1),
                          ("", "gruppo inesistente\n"))
@@ -235,19 +237,21 @@ class Gruppi(ConOperazioni):
 
 
 class RegistroLungo(ConOperazioni):
-    QUANTE = 20_000
+    QUANTE = 20_000 if LENTO else 100_000
 
     def test_a_long_log_starts_with_the_newest_and_ends_with_its_reader(self):
         self.assertEqual(self.esegui("log"), ("Nessuna operazione nel registro.\n", ""))
         self.supporto.mkdir(parents=True)
+        inizio = 1_700_000_000 - self.QUANTE
         with open(self.registro, "w", encoding="utf-8") as registro:
             for i in range(self.QUANTE):
                 registro.write(json.dumps(
-                    {"id": f"{i:012}", "ts": 1.6e9 + i, "azione": "Categoria: \033[2J",
+                    {"id": f"{i:012}", "ts": inizio + i + .5, "azione": "Categoria: \033[2J",
                      "tot": 1024, "nota": "prova", "items": [
-                         {"orig": "/x", "trash": "/y", "rip": False}]}) + "\n")
-            registro.write(json.dumps({"ripristino": f"{self.QUANTE - 1:012}", "ts": 1.7e9,
-                                       "indici": [0]}) + "\n{\"id\":\"a meta")
+                         {"orig": f"/x/{i}", "trash": f"/t/{i}", "rip": False}]}) + "\n")
+            for i in (7, self.QUANTE - 1):
+                registro.write(f'{{"ripristino":"{i:012}","ts":1.7e9,"indici":[0]}}\n')
+            registro.write('{"id":"a meta')
         with subprocess.Popen([PROGRAMMA, "log"], env=self.ambiente, stdout=subprocess.PIPE,
                               stderr=subprocess.PIPE) as processo:
             testata, prima = processo.stdout.readline(), processo.stdout.readline()
@@ -256,9 +260,18 @@ class RegistroLungo(ConOperazioni):
         self.assertRegex(testata.decode(), r"^Id +Data +Elementi +Dimensione +Ripristinati +Operaz")
         self.assertEqual(
             prima.decode(),
-            f"{self.QUANTE - 1:012}  2020-09-13 17:59         1     1.0 KiB             1  "
+            f"{self.QUANTE - 1:012}  2023-11-14 22:13         1     1.0 KiB             1  "
             "Categoria: \\x1b[2J (prova)\n")
-        self.assertEqual(len(json.loads(self.esegui("log", "--json")[0])["ops"]), self.QUANTE)
+        ops = json.loads(self.esegui("log", "--json")[0])["ops"]
+        self.assertEqual([op["ts"] for op in ops],
+                         [inizio + i + .5 for i in reversed(range(self.QUANTE))])
+        self.assertEqual([op["id"] for op in ops if op["items"][0]["rip"]],
+                         [f"{self.QUANTE - 1:012}", "000000000007"])
+        self.cosa("a", "a")
+        self.scandisci()
+        self.cestina()
+        self.assertEqual(self.operazioni()[0]["items"][0]["orig"], str(self.casa / "cose/a"))
+        self.assertEqual(self.ripristina()["items"], 1)
 
 
 if __name__ == "__main__":

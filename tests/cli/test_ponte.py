@@ -1,7 +1,6 @@
 """One request by the api command, many by the bridge."""
 
 import json
-import os
 import time
 import unittest
 
@@ -30,12 +29,6 @@ class Api(ConCasa):
         stato = self.api("/api/state")
         self.assertTrue(stato["sections"][0]["scanned"])
         self.assertEqual(stato["sections"][0]["findings"][0]["id"], "npm-cache")
-
-    def test_settings_last(self):
-        self.api("/api/settings", {"dup_min_mb": 12, "auto_days": 99})
-        valori = self.api("/api/settings")["valori"]
-        self.assertEqual((valori["dup_min_mb"], valori["auto_days"]), (12, 0))
-        self.assertEqual(self.api("/api/settings", {"reset": True})["valori"]["dup_min_mb"], 5)
 
 
 class Ponte(ConCasa):
@@ -78,15 +71,12 @@ class Ponte(ConCasa):
             id_ += 1
             stato = chiedi(id_, "/api/state")
         self.assertTrue(all(s["scanned"] for s in stato["sections"]))
-        breve = chiedi(9_000, "/api/state", {"ver": stato["ver"]})
-        self.assertEqual(breve, {"ver": stato["ver"], "busy": False, "invariato": True})
-        pagina = chiedi(9_001, "/api/voci", {"id": "pip-cache", "quante": 0})
-        self.assertEqual((pagina["count"], len(pagina["items"])), (1, 1))
+        self.assertEqual(chiedi(9_000, "/api/voci", {"id": "pip-cache"})["count"], 1)
         processo.stdin.close()
         self.assertEqual(processo.wait(30), 0)
 
     def test_names_that_are_no_utf8_survive_scan_restart_and_request(self):
-        self.regole([{"id": "x", "name": "X", "section": "sviluppo", "children_of": "~/cose"}])
+        self.regola()
         self.file(b"cose/a\xff\nb")
         self.esegui("scan", "sviluppo")
         voce = self.api("/api/voci", {"id": "x"})["items"][0]["path"]

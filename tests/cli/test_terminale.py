@@ -34,21 +34,12 @@ class Scansione(ConCasa):
         self.assertEqual(oggetto["items"][0]["path"], str(self.casa / ".npm/_cacache/content"))
         self.esegui("show", "non-esiste", stato=2)
 
-    def test_a_clean_scan_and_a_reader_that_goes_away(self):
+    def test_a_clean_scan_is_no_missing_one(self):
         self.assertIn("Nessun risultato salvato", self.esegui("show")[0])
         uscita, _ = self.esegui("scan", "sviluppo", "privacy")
         self.assertRegex(uscita, r"Sviluppo +Ricerca non completa")
         self.assertRegex(uscita, r"Privacy +Non ancora disponibile")
         self.assertIn("non ha trovato niente", self.esegui("show")[0])
-        for numero in range(3_000):
-            self.file(f".npm/_cacache/{numero}", 10)
-        self.esegui("scan", "sviluppo")
-        processo = self.avvia("show", "npm-cache")
-        processo.stdout.read(10)
-        processo.stdout.close()
-        self.assertEqual((processo.wait(60), processo.stderr.read()), (0, b""))
-        processo.stderr.close()
-        processo.stdin.close()
 
     def test_places_that_the_environment_moves(self):
         self.ambiente["XDG_CACHE_HOME"] = str(self.casa / "altrove")
@@ -87,7 +78,8 @@ class Scansione(ConCasa):
         uscita, _ = self.esegui("show", "duplicates")
         self.assertIn("~/Carte/a", uscita)
         self.assertIn("~/in più/b", uscita)
-        for argomenti, perche in ((["~/manca"], "cartella inesistente"), (["boh"], "inesistente"),
+        for argomenti, perche in ((["~/manca"], "cartella inesistente"),
+                                  (["Grandi"], "sezione inesistente"),
                                   (["sviluppo", "~"], "solo per duplicati e grandi")):
             self.assertIn(perche, self.esegui("scan", *argomenti, stato=2)[1])
 
@@ -103,22 +95,16 @@ class Scansione(ConCasa):
         for sezione in ("duplicati", "grandi"):
             self.assertRegex(self.esegui("scan", sezione, str(chiusa), **utente)[0],
                              r"ATTENZIONE: [12] percorsi non leggibili\. Probabile mancanza")
-        (self.casa / "regole.json").write_text("{")
-        for sezione in ("duplicati", "grandi", "sviluppo"):
-            self.assertIn("Errore: file delle regole illeggibile", self.esegui("scan", sezione)[0])
-
-    def test_named_sections_and_json(self):
-        uscita, _ = self.esegui("scan", "avvio", "privacy")
-        self.assertEqual(len(uscita.splitlines()), 4, uscita)
-        stato = json.loads(self.esegui("scan", "privacy", "--json")[0])
-        self.assertEqual(len(stato["sections"]), 8)
-        self.assertFalse(stato["busy"])
-        _, errori = self.esegui("scan", "Privacy", stato=2)
-        self.assertIn("sezione inesistente", errori)
+        regole = self.casa / "regole.json"
+        for rompi in (lambda: regole.write_text("{"), regole.unlink, regole.mkdir):
+            rompi()
+            for sezione in ("duplicati", "grandi", "sviluppo"):
+                uscita, errori = self.esegui("scan", sezione)
+                self.assertIn("Errore: file delle regole illeggibile", uscita)
+                self.assertIn("file delle regole illeggibile", errori)
 
     def test_order_and_limit(self):
-        self.regole([{"id": "x", "name": "X", "section": "sviluppo", "mode": "delete",
-                      "children_of": "~/cose"}])
+        self.regola()
         for nome, byte in (("Beta", 9_000), ("alfa", 90_000), ("gamma", 50_000)):
             self.file("cose/" + nome, byte)
         self.esegui("scan", "sviluppo")
@@ -141,8 +127,7 @@ class Scansione(ConCasa):
         self.file("cose/a")
         self.regole([{"id": f"c{i}", "name": f"Categoria {i}", "section": "sviluppo",
                       "children_of": "~/cose"} for i in range(60_000)])
-        ambiente = dict(self.ambiente, TERM="xterm")
-        stato, uscita = su_terminale(["scan", "sviluppo"], ambiente, invia=b"\x03",
+        stato, uscita = su_terminale(["scan", "sviluppo"], self.ambiente, invia=b"\x03",
                                      dopo=b"[1/1] Sviluppo: Scansione: Categoria")
         self.assertEqual(stato, 130, uscita[-500:])
         self.assertIn("Scansione interrotta.", uscita)
@@ -158,17 +143,6 @@ class Scansione(ConCasa):
         processo.send_signal(signal.SIGTERM)
         _, errori = processo.communicate(timeout=30)
         self.assertEqual((processo.returncode, errori), (130, b"Scansione interrotta.\n"))
-
-    def test_hostile_names_cannot_reach_the_terminal(self):
-        self.regole([{"id": "x", "name": "X", "section": "sviluppo", "children_of": "~/cose"}])
-        nome = b"rosso\033[31m\nriga\xff<img src=x>"
-        self.file(b"cose/" + nome)
-        self.esegui("scan", "sviluppo")
-        testo, _ = self.esegui("show", "x")
-        self.assertIn(r"~/cose/rosso\x1b[31m\nriga\xff<img src=x>", testo)
-        self.assertNotIn("\033", testo)
-        oggetto = json.loads(self.esegui("show", "x", "--json")[0])
-        self.assertTrue(oggetto["items"][0]["path"].endswith("riga\uefff<img src=x>"))
 
 
 class RigaDiComando(ConCasa):

@@ -237,8 +237,7 @@ class Sessione(ConCestino):
         subprocess.run(["mount", "-t", "tmpfs", "tmpfs", volume], check=True)
         self.addCleanup(subprocess.run, ["umount", "--lazy", volume], check=True)
         self.file("volume/uno", 5_000)
-        self.regole([{"id": "x", "name": "X", "section": "sviluppo", "mode": "delete",
-                      "paths": ["~/volume/uno"]}])
+        self.regola(paths=["~/volume/uno"])
         self.scandisci()
         self.assertEqual(self.cestina()["ok"], 1)
         self.assertEqual(self.ripristina()["items"], 1)
