@@ -40,7 +40,6 @@ DEBIAN_TEST=(
   libgmock-dev
   libgtest-dev
   python3
-  rmlint
   shellcheck
   strace
   trash-cli

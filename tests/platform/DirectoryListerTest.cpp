@@ -3,16 +3,15 @@
 #include <algorithm>
 #include <atomic>
 #include <dirent.h>
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <map>
 #include <mutex>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 
 #include "fakes/CartellaTemporanea.h"
+#include "fakes/SistemaStretto.h"
 #include "platform/Native.h"
 #include "scanners/walker/Walker.h"
 
@@ -20,45 +19,10 @@ namespace pellak {
 namespace {
 
 using fakes::CartellaTemporanea;
+using fakes::makeDeepChain;
 using fakes::scriviFile;
 using testing::ElementsAre;
 using testing::Pair;
-
-/// Until the end of the scope the process is a user without privileges, unless it is one anyway.
-class WithoutPrivileges {
- public:
-  WithoutPrivileges() {
-    if (!root_) return;
-    EXPECT_EQ(::setegid(65534), 0);
-    EXPECT_EQ(::seteuid(65534), 0);
-  }
-  ~WithoutPrivileges() {
-    if (!root_) return;
-    EXPECT_EQ(::seteuid(0), 0);
-    EXPECT_EQ(::setegid(0), 0);
-  }
-  WithoutPrivileges(const WithoutPrivileges&) = delete;
-  WithoutPrivileges& operator=(const WithoutPrivileges&) = delete;
-
- private:
-  const bool root_ = ::geteuid() == 0;
-};
-
-/// Lowers the number of descriptors that the process may have for a scope.
-class FewDescriptors {
- public:
-  explicit FewDescriptors(rlim_t most) {
-    EXPECT_EQ(::getrlimit(RLIMIT_NOFILE, &before_), 0);
-    const rlimit now{most, before_.rlim_max};
-    EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &now), 0);
-  }
-  ~FewDescriptors() { EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &before_), 0); }
-  FewDescriptors(const FewDescriptors&) = delete;
-  FewDescriptors& operator=(const FewDescriptors&) = delete;
-
- private:
-  rlimit before_{};
-};
 
 class DirectoryListerTest : public testing::Test {
  protected:
@@ -90,26 +54,6 @@ class DirectoryListerTest : public testing::Test {
                                ++refusals_[std::string(p)];
                              }};
 };
-
-/// A chain of folders below `top`, each with a file "f" and a branch, whose path is longer than
-/// one system call takes. Made step by step; the destructor of the temporary folder copes.
-std::string makeDeepChain(const std::string& top, int levels, const std::string& name) {
-  int at = ::open(top.c_str(), O_RDONLY | O_DIRECTORY);
-  std::string path = top;
-  for (int i = 0; i < levels; ++i) {
-    EXPECT_EQ(::mkdirat(at, name.c_str(), 0755), 0);
-    EXPECT_EQ(::mkdirat(at, "branch", 0755), 0);
-    const int below = ::openat(at, name.c_str(), O_RDONLY | O_DIRECTORY);
-    ::close(at);
-    at = below;
-    const int file = ::openat(at, "f", O_WRONLY | O_CREAT, 0644);
-    EXPECT_EQ(::write(file, "x", 1), 1);
-    ::close(file);
-    path += '/' + name;
-  }
-  ::close(at);
-  return path;
-}
 
 TEST_F(DirectoryListerTest, ReachesPathsBeyondWhatOneCallTakes) {
   const std::string deepest = makeDeepChain(folder_.percorso(), 60, std::string(250, 'n'));
@@ -166,7 +110,7 @@ TEST_F(DirectoryListerTest, CountsWhatAnUnprivilegedUserMayNotRead) {
   ASSERT_EQ(::chmod(shut.c_str(), 0000), 0);
   ASSERT_EQ(::chmod(noSearch.c_str(), 0444), 0);
   {
-    const WithoutPrivileges scope;
+    const fakes::WithoutPrivileges scope;
     EXPECT_THAT(files(folder_.percorso()), ElementsAre(folder_ / "free"));
     EXPECT_THAT(refusals(), ElementsAre(Pair(noSearch + "/in", 1), Pair(shut, 2)));
     EXPECT_EQ(walker::treeSize(ambiente_, folder_.percorso()),
@@ -174,9 +118,10 @@ TEST_F(DirectoryListerTest, CountsWhatAnUnprivilegedUserMayNotRead) {
     EXPECT_THAT(refusals(), ElementsAre(Pair(noSearch + "/in", 1), Pair(shut, 2)));
     EXPECT_FALSE(walker::bulkList(ambiente_, shut));
     EXPECT_FALSE(walker::nameList(ambiente_, shut));
+    EXPECT_TRUE(files(shut).empty() && files(folder_ / "missing").empty());
     EXPECT_FALSE(walker::statNoFollow(ambiente_, shut + "/in"));
     EXPECT_EQ(walker::nameList(ambiente_, noSearch), std::vector<std::string>{"in"});
-    EXPECT_THAT(refusals(), ElementsAre(Pair(shut, 2), Pair(shut + "/in", 1)));
+    EXPECT_THAT(refusals(), ElementsAre(Pair(shut, 4), Pair(shut + "/in", 1)));
   }
   ASSERT_EQ(::chmod(shut.c_str(), 0755), 0);
   ASSERT_EQ(::chmod(noSearch.c_str(), 0755), 0);
@@ -192,7 +137,7 @@ TEST_F(DirectoryListerTest, MakesDoWithFewDescriptors) {
   ASSERT_EQ(expected.size(), 1000U);
   const std::int64_t bytes = walker::treeSize(ambiente_, folder_.percorso());
   for (const rlim_t most : {rlim_t{256}, rlim_t{64}}) {
-    const FewDescriptors scope(most);
+    const fakes::LowerLimit scope(RLIMIT_NOFILE, most);
     EXPECT_EQ(files(folder_.percorso()), expected) << most;
     EXPECT_EQ(walker::treeSize(ambiente_, folder_.percorso()), bytes) << most;
   }

@@ -24,6 +24,20 @@ struct FakeService {
   bool property = true;
 };
 
+/// What shows a notification on a desktop.
+inline FakeService notificationService() {
+  return {"org.freedesktop.Notifications",
+          "/org/freedesktop/Notifications",
+          "<node><interface name='org.freedesktop.Notifications'><method name='GetCapabilities'>"
+          "<arg type='as' direction='out'/></method><method name='Notify'>"
+          "<arg type='s' direction='in'/><arg type='u' direction='in'/>"
+          "<arg type='s' direction='in'/><arg type='s' direction='in'/>"
+          "<arg type='s' direction='in'/><arg type='as' direction='in'/>"
+          "<arg type='a{sv}' direction='in'/><arg type='i' direction='in'/>"
+          "<arg type='u' direction='out'/></method></interface></node>",
+          {}};
+}
+
 /// Answers on the bus at `address`, on a thread of its own, and writes down what it was asked.
 class FakeBusService {
  public:

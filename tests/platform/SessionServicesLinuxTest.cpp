@@ -55,17 +55,7 @@ FakeService sessionManager(int writingEnd) {
 }
 
 FakeService notifications(std::vector<const char*> capabilities) {
-  FakeService service;
-  service.name = "org.freedesktop.Notifications";
-  service.path = "/org/freedesktop/Notifications";
-  service.description =
-      "<node><interface name='org.freedesktop.Notifications'><method name='GetCapabilities'>"
-      "<arg type='as' direction='out'/></method><method name='Notify'>"
-      "<arg type='s' direction='in'/><arg type='u' direction='in'/>"
-      "<arg type='s' direction='in'/><arg type='s' direction='in'/>"
-      "<arg type='s' direction='in'/><arg type='as' direction='in'/>"
-      "<arg type='a{sv}' direction='in'/><arg type='i' direction='in'/>"
-      "<arg type='u' direction='out'/></method></interface></node>";
+  FakeService service = notificationService();
   service.answer = [capabilities = std::move(capabilities)](const std::string& method,
                                                             GDBusMethodInvocation* call) {
     GVariant* list =

@@ -1,40 +1,35 @@
-#include <cstring>
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "PellakCore/base/Esadecimale.h"
 #include "platform/linux/Sha256OpenSsl.h"
 #include "platform/posix/Sha256Instructions.h"
 
 namespace pellak {
 namespace {
 
-std::string hex(const Sha256Digest& digest) {
-  std::string text;
-  for (const std::uint8_t byte : digest) {
-    text += "0123456789abcdef"[byte >> 4];
-    text += "0123456789abcdef"[byte & 15];
-  }
-  return text;
-}
-
 std::span<const std::byte> bytes(const std::string& text) {
   return std::as_bytes(std::span(text.data(), text.size()));
 }
 
 void expectPublishedDigests(TwinSha256& sha) {
-  EXPECT_EQ(hex(sha.finish(0)), "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
+  EXPECT_EQ(esadecimale(sha.finish(0)),
+            "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
   sha.update(1, bytes("abc"));
-  EXPECT_EQ(hex(sha.finish(1)), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+  EXPECT_EQ(esadecimale(sha.finish(1)),
+            "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
   const std::string long56 = "abcdbcdecdefdefgefghfghighijhijkijkljklmklmnlmnomnopnopq";
   sha.updateBoth(bytes(long56), bytes("abc"));
-  EXPECT_EQ(hex(sha.finish(0)), "248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1");
-  EXPECT_EQ(hex(sha.finish(1)), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+  EXPECT_EQ(esadecimale(sha.finish(0)),
+            "248d6a61d20638b8e5c026930c3e6039a33ce45964ff2167f6ecedd419db06c1");
+  EXPECT_EQ(esadecimale(sha.finish(1)),
+            "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
   const std::string million(1'000'000, 'a');
   sha.updateBoth(bytes(million), bytes(million));
   for (const std::size_t lane : {0U, 1U}) {
-    EXPECT_EQ(hex(sha.finish(lane)),
+    EXPECT_EQ(esadecimale(sha.finish(lane)),
               "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
   }
 }
@@ -57,8 +52,8 @@ TEST(Sha256, AForkGoesOnFromWhereTheLaneWas) {
       const std::string one = begin + "one";
       const std::string other = begin + "other";
       alone->updateBoth(bytes(one), bytes(other));
-      EXPECT_EQ(hex(sha->finish(1)), hex(alone->finish(0)));
-      EXPECT_EQ(hex(forked->finish(0)), hex(alone->finish(1)));
+      EXPECT_EQ(esadecimale(sha->finish(1)), esadecimale(alone->finish(0)));
+      EXPECT_EQ(esadecimale(forked->finish(0)), esadecimale(alone->finish(1)));
     }
   }
 }
@@ -89,7 +84,7 @@ TEST(Sha256, TheInstructionsAgreeWithTheLibraryHoweverTheDataArrive) {
       }
     }
     const std::size_t lane = upTo(1);
-    ASSERT_EQ(hex(ours->finish(lane)), hex(library->finish(lane))) << round;
+    ASSERT_EQ(esadecimale(ours->finish(lane)), esadecimale(library->finish(lane))) << round;
   }
   for (const std::size_t lane : {0U, 1U}) EXPECT_EQ(ours->finish(lane), library->finish(lane));
 }

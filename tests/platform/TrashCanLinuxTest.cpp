@@ -1,20 +1,19 @@
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <optional>
 #include <sched.h>
 #include <set>
 #include <sys/mount.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 #include <vector>
 
 #include "fakes/CartellaTemporanea.h"
+#include "fakes/SistemaStretto.h"
+#include "platform/linux/DirectoryListerLinux.h"
 #include "platform/linux/TrashCanLinux.h"
 #include "platform/linux/TrashRecord.h"
 
@@ -203,38 +202,14 @@ TEST_F(TrashCanLinuxTest, TheCacheOfFolderSizesFollowsTheFolders) {
 }
 
 TEST_F(TrashCanLinuxTest, APathLongerThanTheSystemTakesGoesAndComesBack) {
-  const std::string nome(200, 'p');
-  std::string percorso = home_.percorso();
-  int cartella = ::open(percorso.c_str(), O_RDONLY | O_DIRECTORY);
-  for (int livello = 0; livello < 30; ++livello) {
-    ASSERT_EQ(::mkdirat(cartella, nome.c_str(), 0700), 0);
-    const int sotto = ::openat(cartella, nome.c_str(), O_RDONLY | O_DIRECTORY);
-    ::close(cartella);
-    cartella = sotto;
-    percorso += "/" + nome;
-  }
-  ::close(::openat(cartella, "foglia", O_WRONLY | O_CREAT, 0600));
-  const TrashPlan piano = plan(percorso + "/foglia");
+  const TrashPlan piano =
+      plan(fakes::makeDeepChain(home_.percorso(), 30, std::string(200, 'p')) + "/f");
+  DirectoryListerLinux lister;
   ASSERT_TRUE(batch_->move(piano).ok());
-  EXPECT_NE(::faccessat(cartella, "foglia", F_OK, 0), 0);
+  EXPECT_EQ(lister.attributes(piano.percorso).error().kind, ErrorKind::missing);
   EXPECT_EQ(can_.begin()->locate(piano), piano.nelCestino) << "the whole path is in the record";
   ASSERT_TRUE(batch_->putBack(piano.nelCestino, piano.percorso).ok());
-  EXPECT_EQ(::faccessat(cartella, "foglia", F_OK, 0), 0);
-  ::close(cartella);
-}
-
-TEST_F(TrashCanLinuxTest, ManyRecordsGoTogether) {
-  std::vector<TrashPlan> piani;
-  for (int i = 0; i < 1000; ++i) {
-    piani.push_back(plan(file("m/" + std::to_string(i))));
-    ASSERT_TRUE(batch_->move(piani.back()).ok());
-  }
-  EXPECT_EQ(records(), 1000U);
-  for (const TrashPlan& piano : piani) {
-    ASSERT_TRUE(batch_->putBack(piano.nelCestino, piano.percorso).ok());
-  }
-  ASSERT_TRUE(batch_->sync().ok());
-  EXPECT_EQ(records(), 0U);
+  EXPECT_TRUE(lister.attributes(piano.percorso).ok());
 }
 
 TEST_F(TrashCanLinuxTest, NothingIsReplacedWhereTheVolumePromisesNothing) {
@@ -333,18 +308,15 @@ TEST_F(AnnouncedMovesTest, ANameTakenAfterThePlanStaysItsTakers) {
 TEST_F(AnnouncedMovesTest, AnItemWhoseRecordCannotBeWrittenStays) {
   constexpr rlim_t kLongest = 300;  // bytes that fit into a file; half of the records take more
   planMany(400, 240);
-  rlimit prima{};
-  ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &prima), 0);
-  const rlimit stretto = {kLongest, prima.rlim_max};
   const auto segnale = std::signal(SIGXFSZ, SIG_IGN);
-  ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &stretto), 0);
+  std::optional<fakes::LowerLimit> limite(std::in_place, RLIMIT_FSIZE, kLongest);
   announce();
   for (std::size_t i = 0; i < piani_.size(); ++i) {
     EXPECT_EQ(batch_->move(piani_[i]).ok(), i % 2 == 0) << i;
     EXPECT_EQ(fs::exists(piani_[i].percorso), i % 2 == 1) << i;
   }
   EXPECT_TRUE(batch_->sync().ok());
-  ::setrlimit(RLIMIT_FSIZE, &prima);
+  limite.reset();
   std::signal(SIGXFSZ, segnale);
   EXPECT_EQ(records(), 200U);
   expectOnlyRecordsOfItems();

@@ -1,6 +1,5 @@
 #include <atomic>
 #include <chrono>
-#include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
@@ -11,9 +10,7 @@
 #include <mutex>
 #include <random>
 #include <set>
-#include <sstream>
 #include <stdexcept>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -24,6 +21,7 @@
 #include "PellakCore/base/ThreadSetting.h"
 #include "fakes/CartellaTemporanea.h"
 #include "fakes/FakeClock.h"
+#include "fakes/SistemaStretto.h"
 #include "platform/Sha256.h"
 #include "platform/linux/DirectoryListerLinux.h"
 #include "platform/posix/FilesPosix.h"
@@ -197,12 +195,7 @@ TEST_F(DuplicatiTest, TellsTheFindingAsAPersonSeesIt) {
   scrivi("b/seconda", std::string(200'000, 'a'));
   scrivi("a/prima", std::string(200'000, 'a'));
   const Finding finding = scan();
-  EXPECT_EQ(finding.id, "duplicates");
-  EXPECT_EQ(finding.name, "File duplicati");
-  EXPECT_EQ(finding.mode, "delete");
-  EXPECT_EQ(finding.note,
-            "Confronto per dimensione, poi hash parziale, poi hash completo. Gli hard link non "
-            "sono conteggiati come duplicati.");
+  EXPECT_EQ(finding.id + " " + finding.mode, "duplicates delete");
   ASSERT_EQ(finding.groups.size(), 1U);
   EXPECT_EQ(finding.groups[0].size, 200'000);
   // sha256sum of 200,000 letters "a".
@@ -329,12 +322,8 @@ TEST_F(DuplicatiTest, AFewDescriptorsAreEnough) {
   std::vector<std::string> attesi;
   const std::string testo = casuale(100'000, 7);
   for (int i = 100; i < 220; ++i) attesi.push_back(scrivi("copie/" + std::to_string(i), testo));
-  rlimit limite{};
-  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limite), 0);
-  const rlimit pochi{std::min<rlim_t>(48, limite.rlim_cur), limite.rlim_max};
-  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &pochi), 0);
+  const fakes::LowerLimit pochi(RLIMIT_NOFILE, 48);
   const Finding finding = scan();
-  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limite), 0);
   ASSERT_EQ(finding.groups.size(), 1U);
   EXPECT_EQ(finding.groups[0].paths, attesi);
 }
@@ -392,40 +381,25 @@ TEST_F(DuplicatiTest, RootsMayOverlapOrBeMissing) {
 }
 
 TEST_F(DuplicatiTest, NamesAreBytesOfAnyKind) {
-  const std::string testo(70'000, 'n');
   // Longer than one call to the system takes.
-  const int prima = ::open(".", O_RDONLY | O_DIRECTORY);
-  ASSERT_EQ(::chdir(casa_.percorso().c_str()), 0);
-  std::string profondo = casa_.percorso();
-  for (int i = 0; i < 25; ++i) {
-    const std::string nome(200, 'l');
-    ASSERT_EQ(::mkdir(nome.c_str(), 0700), 0);
-    ASSERT_EQ(::chdir(nome.c_str()), 0);
-    profondo += "/" + nome;
-  }
-  std::ofstream("fondo") << testo;
-  ASSERT_EQ(::fchdir(prima), 0);
-  ::close(prima);
-  scrivi("a\xff\xfe\n", testo);
+  const std::string profondo =
+      fakes::makeDeepChain(casa_.percorso(), 25, std::string(200, 'l')) + "/f";
+  scrivi("a\xff\xfe\n", "x");
   const auto trovati = gruppi();
   ASSERT_EQ(trovati.size(), 1U);
-  EXPECT_THAT(trovati[0],
-              ElementsAre("a\xff\xfe\n", profondo.substr(casa_.percorso().size() + 1) + "/fondo"));
+  EXPECT_EQ(trovati[0].size(), 26U);
+  EXPECT_EQ(trovati[0].front(), "a\xff\xfe\n");
+  EXPECT_EQ(trovati[0].back(), profondo.substr(casa_.percorso().size() + 1));
 }
 
 TEST_F(DuplicatiTest, RefusedFilesCountAndOthersStillGroup) {
   for (const char* nome : {"a", "b", "c"}) scrivi(nome, std::string(2'000, 'r'));
   ::chmod((casa_ / "b").c_str(), 0);
   ::chmod(casa_.percorso().c_str(), 0755);
-  const bool root = ::geteuid() == 0;
-  if (root) {
-    ASSERT_EQ(::seteuid(65'534), 0);
+  {
+    const fakes::WithoutPrivileges scope;
+    EXPECT_THAT(gruppi(), ElementsAre(ElementsAre("a", "c")));
   }
-  const auto trovati = gruppi();
-  if (root) {
-    ASSERT_EQ(::seteuid(0), 0);
-  }
-  EXPECT_THAT(trovati, ElementsAre(ElementsAre("a", "c")));
   EXPECT_THAT(contatore_.percorsi(), ElementsAre(casa_ / "b"));
   EXPECT_EQ(Denied::sharedCount(), 0);
 }
@@ -578,34 +552,22 @@ TEST_F(DuplicatiTest, EveryThreadOfALoweredScanIsLowered) {
   EXPECT_EQ(altri, 0);
 }
 
-/// The sets of files on disk (by inode) that rmlint finds.
-std::set<std::set<ino_t>> insiemiDiRmlint(const std::string& cartella, const std::string& elenco) {
-  const std::string comando =
-      "rmlint -T df --hidden --no-hardlinked -a sha256 --size 1 -o fdupes:" + elenco + " '" +
-      cartella + "' >/dev/null 2>&1";
-  EXPECT_EQ(std::system(comando.c_str()), 0);
-  std::set<std::set<ino_t>> insiemi;
-  std::set<ino_t> insieme;
-  std::istringstream righe(fakes::leggiFile(elenco) + "\n\n");
-  for (std::string riga; std::getline(righe, riga);) {
+TEST_F(DuplicatiTest, FindsExactlyTheSetsOfEqualContent) {
+  const auto inode = [](const std::string& percorso) {
     struct stat stato {};
-    if (::lstat(riga.c_str(), &stato) == 0) insieme.insert(stato.st_ino);
-    if (riga.empty() && !insieme.empty()) insiemi.insert(std::exchange(insieme, {}));
-  }
-  return insiemi;
-}
-
-TEST_F(DuplicatiTest, FindsTheSetsThatRmlintFinds) {
-  if (std::system("rmlint --version >/dev/null 2>&1") != 0) GTEST_SKIP() << "rmlint not installed";
+    EXPECT_EQ(::lstat(percorso.c_str(), &stato), 0);
+    return stato.st_ino;
+  };
   std::mt19937 random(11);
   std::vector<std::string> testi;
   std::vector<std::string> nomi;
+  std::map<std::string, std::set<ino_t>> uguali;
   for (int i = 0; i < 400; ++i) {
-    const std::string nome = "c" + std::to_string(random() % 9) + "/s" +
-                             std::to_string(random() % 5) + "/" + std::to_string(i);
-    std::filesystem::create_directories(std::filesystem::path(casa_ / nome).parent_path());
-    nomi.push_back(nome);
-    if (!testi.empty() && random() % 10 == 0) {
+    nomi.push_back("c" + std::to_string(random() % 9) + "/s" + std::to_string(random() % 5) + "/" +
+                   std::to_string(i));
+    const std::string& nome = nomi.back();
+    if (i > 0 && random() % 10 == 0) {
+      std::filesystem::create_directories(std::filesystem::path(casa_ / nome).parent_path());
       collega(nomi[random() % (nomi.size() - 1)], nome);
       continue;
     }
@@ -616,18 +578,17 @@ TEST_F(DuplicatiTest, FindsTheSetsThatRmlintFinds) {
       altro[random() % altro.size()] ^= 1;
       testi.push_back(altro);
     }
-    scrivi(nome, testi[random() % testi.size()]);
+    const std::string& testo = testi[random() % testi.size()];
+    uguali[testo].insert(inode(scrivi(nome, testo)));
   }
-  const fakes::CartellaTemporanea altrove;
-  const auto attesi = insiemiDiRmlint(casa_.percorso(), altrove / "elenco");
+  std::set<std::set<ino_t>> attesi;
+  for (const auto& [testo, file] : uguali) {
+    if (file.size() > 1) attesi.insert(file);
+  }
   std::set<std::set<ino_t>> nostri;
   for (const Group& gruppo : scan().groups) {
     std::set<ino_t> insieme;
-    for (const std::string& percorso : gruppo.paths) {
-      struct stat stato {};
-      ASSERT_EQ(::lstat(percorso.c_str(), &stato), 0);
-      insieme.insert(stato.st_ino);
-    }
+    for (const std::string& percorso : gruppo.paths) insieme.insert(inode(percorso));
     EXPECT_EQ(insieme.size(), gruppo.paths.size());
     nostri.insert(insieme);
   }

@@ -226,7 +226,7 @@ TEST_P(WalkerTest, KeepsNamesAsBytes) {
   EXPECT_GT(treeSize(ambiente(), at("")), 0);
 }
 
-TEST_P(WalkerTest, AsksForAStopOncePerFolderAndThenDiscardsAll) {
+TEST_P(WalkerTest, AStopIsAskedForOncePerFolderAndLikeAnExceptionDiscardsAll) {
   for (int i = 0; i < 40; ++i) world_->file("/d" + std::to_string(i) + "/e/f", 1);
   const std::vector<std::string> roots = {at("")};
   const auto keep = [](std::string_view, const struct stat&) { return std::optional(1); };
@@ -248,11 +248,6 @@ TEST_P(WalkerTest, AsksForAStopOncePerFolderAndThenDiscardsAll) {
     EXPECT_THROW(measureTrees(ambiente(), roots, stop), ScanCancelled);
   }
   EXPECT_EQ(treeSize(ambiente(), at("/d1/e/f"), [] { return true; }), world_->alloc("/d1/e/f"));
-}
-
-TEST_P(WalkerTest, HandsAVisitorsExceptionToTheCaller) {
-  makeMixedTree();
-  const std::vector<std::string> roots = {at("")};
   const auto fail = [](std::string_view, const struct stat&) -> std::optional<int> {
     throw std::runtime_error("visitor");
   };

@@ -8,15 +8,6 @@
 
 namespace {
 
-constexpr const char* kDescription =
-    "<node><interface name='org.freedesktop.Notifications'>"
-    "<method name='GetCapabilities'><arg type='as' direction='out'/></method>"
-    "<method name='Notify'><arg type='s' direction='in'/><arg type='u' direction='in'/>"
-    "<arg type='s' direction='in'/><arg type='s' direction='in'/><arg type='s' direction='in'/>"
-    "<arg type='as' direction='in'/><arg type='a{sv}' direction='in'/>"
-    "<arg type='i' direction='in'/><arg type='u' direction='out'/></method>"
-    "</interface></node>";
-
 void answer(const std::string& method, GDBusMethodInvocation* call) {
   if (method == "GetCapabilities") {
     g_dbus_method_invocation_return_value(call, g_variant_new("(as)", nullptr));
@@ -36,9 +27,9 @@ void answer(const std::string& method, GDBusMethodInvocation* call) {
 
 int main() {
   const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
-  const pellak::native::FakeBusService service(
-      address == nullptr ? "" : address,
-      {"org.freedesktop.Notifications", "/org/freedesktop/Notifications", kDescription, answer});
+  pellak::native::FakeService notifications = pellak::native::notificationService();
+  notifications.answer = answer;
+  const pellak::native::FakeBusService service(address == nullptr ? "" : address, notifications);
   std::puts("ready");
   std::fflush(stdout);
   while (std::getchar() != EOF) {
