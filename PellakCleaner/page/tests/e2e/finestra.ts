@@ -37,6 +37,12 @@ export interface Opzioni {
   ritocco?: Ritocco;
 }
 
+/** A picture of what is there, for people, in the folder that PELLAK_IMMAGINI names. */
+export async function ritrai(page: Page, nome: string): Promise<void> {
+  const cartella = process.env.PELLAK_IMMAGINI;
+  if (cartella) await page.screenshot({ path: path.join(cartella, `${nome}.png`) });
+}
+
 /** The built page in a browser, joined to a program of its own through its stdio bridge. */
 export class Finestra {
   readonly richieste: string[] = [];

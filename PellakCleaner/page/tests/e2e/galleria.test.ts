@@ -1,14 +1,12 @@
 import axe from "axe-core";
-import * as fs from "node:fs";
 import * as path from "node:path";
 import { fileURLToPath } from "node:url";
 import { type Browser, type Page, chromium } from "playwright-core";
 import { afterAll, beforeAll, describe, expect, test } from "vitest";
 import { build } from "vite";
-import { CHROMIUM } from "./finestra";
+import { CHROMIUM, ritrai } from "./finestra";
 
 const RADICE = fileURLToPath(new URL("../../", import.meta.url));
-const CARTELLA = process.env.PELLAK_IMMAGINI;
 const PANNELLI = ["tabella", "schede", "quadranti", "comandi"];
 
 let browser: Browser;
@@ -50,10 +48,7 @@ describe.each([false, true])("every part, dark: %s", (scuro) => {
           await page.evaluate(() => document.documentElement.scrollWidth),
           pannello,
         ).toBeLessThanOrEqual(width);
-        if (!CARTELLA) continue;
-        fs.mkdirSync(CARTELLA, { recursive: true });
-        const file = `parti-${pannello}-${width}-${scuro ? "scuro" : "chiaro"}.png`;
-        await page.screenshot({ path: path.join(CARTELLA, file) });
+        await ritrai(page, `parti-${pannello}-${width}-${scuro ? "scuro" : "chiaro"}`);
       }
     }
     await page.close();

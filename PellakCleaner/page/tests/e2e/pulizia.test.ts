@@ -3,7 +3,7 @@ import * as path from "node:path";
 import { afterEach, beforeEach, describe, expect, test } from "vitest";
 import type { RispostaRegistro } from "../../src/rotte";
 import { type Casa, OSTILE, ROTTO_MOSTRATO, STRANO, casaPiena } from "./casa";
-import { Finestra } from "./finestra";
+import { Finestra, ritrai } from "./finestra";
 
 /** Every file and folder below the home folder but what the program keeps for itself. */
 function albero(casa: Casa): string[] {
@@ -28,10 +28,15 @@ describe("moving to the Trash and putting back", () => {
   });
 
   const avviso = () => finestra.page.locator(".avviso-testo");
+  const avvisa = async (testo: RegExp) => {
+    await avviso().getByText(testo).waitFor();
+    await ritrai(finestra.page, "avviso");
+  };
   const conferma = async (titolo: RegExp) => {
     const dialogo = finestra.page.getByRole("dialog");
     await dialogo.getByRole("heading", { name: titolo }).waitFor();
     const testo = (await dialogo.innerText()).replaceAll("\n/", "/");
+    await ritrai(finestra.page, "conferma");
     await dialogo.getByRole("button", { name: "Sposta nel Cestino" }).click();
     return testo;
   };
@@ -61,9 +66,7 @@ describe("moving to the Trash and putting back", () => {
     expect(testo).toMatch(/pip: cache, 1 elemento\s+libera almeno 700 KiB/);
     expect(testo).toContain("«Rimetti a posto»");
     expect(testo).toContain("~/.npm/_cacache/content-v2");
-    await avviso()
-      .getByText(/^4 elementi spostati nel Cestino, 4,6 MiB\.$/)
-      .waitFor();
+    await avvisa(/^4 elementi spostati nel Cestino, 4,6 MiB\.$/);
     const tolti = prima.filter((nome) => !albero(casa).includes(nome));
     expect(tolti).toEqual([
       ".cache/pip/wheels",
@@ -77,9 +80,7 @@ describe("moving to the Trash and putting back", () => {
     expect(await page.locator('[data-finding="pip-cache"]').count()).toBe(0);
 
     await page.getByRole("button", { name: "Rimetti a posto" }).click();
-    await avviso()
-      .getByText(/^4 elementi rimessi al loro posto\.$/)
-      .waitFor();
+    await avvisa(/^4 elementi rimessi al loro posto\.$/);
     expect(albero(casa)).toEqual(prima);
     await page.locator('[data-finding="pip-cache"]').waitFor();
     expect(await page.getByRole("row").count(), "the section was scanned again").toBe(7);
@@ -110,18 +111,14 @@ describe("moving to the Trash and putting back", () => {
     await page.getByRole("dialog").waitFor();
     expect(await fuoco()).toBe("Sposta nel Cestino");
     await premi("Enter");
-    await avviso()
-      .getByText(/^7 elementi spostati/)
-      .waitFor();
+    await avvisa(/^7 elementi spostati/);
     expect(await fuoco()).toContain("7 elementi spostati");
     await premi("Tab");
     expect(await fuoco()).toBe("Apri il Cestino");
     await premi("Tab");
     expect(await fuoco()).toBe("Rimetti a posto");
     await premi("Enter");
-    await avviso()
-      .getByText(/^7 elementi rimessi/)
-      .waitFor();
+    await avvisa(/^7 elementi rimessi/);
     await premi("Escape");
     expect(await page.locator(".avviso").count()).toBe(0);
   });
@@ -146,9 +143,7 @@ describe("moving to the Trash and putting back", () => {
     await page.getByRole("button", { name: "Pulizia completa (1 copia)" }).click();
     const testo = await conferma(/Spostare 1 copia/);
     expect(testo).toMatch(/Restano\s+~\/Documenti\/.*\s+Vanno nel Cestino\s+~\/Documenti\//);
-    await avviso()
-      .getByText(/^1 elemento spostato/)
-      .waitFor();
+    await avvisa(/^1 elemento spostato/);
     await page.locator("[data-ricerca]").fill("mai vista");
     await page.getByRole("button", { name: "Cancella filtro" }).click();
     expect(await page.locator(".copia").count(), "only the filtered group went").toBe(3);
@@ -160,9 +155,7 @@ describe("moving to the Trash and putting back", () => {
     expect(await filtro.inputValue()).toBe("content-v2");
     await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
     expect(await conferma(/Spostare 1 elemento/)).toContain("1 nascosto dal filtro resta dov'è");
-    await avviso()
-      .getByText(/^1 elemento spostato/)
-      .waitFor();
+    await avvisa(/^1 elemento spostato/);
     expect(casa.esiste(".npm/_cacache/content-v2")).toBe(false);
     expect(casa.esiste(".cache/pip/wheels")).toBe(true);
     await page.getByRole("button", { name: "Cancella filtro" }).click();
@@ -176,9 +169,7 @@ describe("moving to the Trash and putting back", () => {
     await page.locator('[data-finding="npm-cache"] .casella').first().check();
     await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
     await conferma(/Spostare 7 elementi/);
-    await avviso()
-      .getByText(/^7 elementi spostati/)
-      .waitFor();
+    await avvisa(/^7 elementi spostati/);
 
     await finestra.vai("registro");
     const operazione = page.locator("[data-operazione]");
@@ -204,9 +195,7 @@ describe("moving to the Trash and putting back", () => {
     await page.locator('[data-finding="yarn-cache"] .casella').first().check();
     await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
     await conferma(/Spostare 2 elementi/);
-    await avviso()
-      .getByText(/^1 elemento spostato/)
-      .waitFor();
+    await avvisa(/^1 elemento spostato/);
     expect(await avviso().innerText()).toMatch(/wheels\s*lo stato è cambiato: ricarica e riprova/);
     await page.locator('[data-finding="pip-cache"]').waitFor();
   });
@@ -223,18 +212,14 @@ describe("moving to the Trash and putting back", () => {
     await copia("mare (1).jpg").getByRole("checkbox").check();
     await primoPiede.getByRole("button", { name: "Scarta queste copie" }).click();
     await conferma(/Scartare 1 copia/);
-    await avviso()
-      .getByText(/^1 elemento spostato/)
-      .waitFor();
+    await avvisa(/^1 elemento spostato/);
     expect(casa.esiste("Immagini/copie/mare (1).jpg")).toBe(false);
     await expect.poll(() => page.locator(".copia").count()).toBe(4);
 
     await copia("estate/mare.jpg").getByRole("radio").check();
     await primoPiede.getByRole("button", { name: "Tieni solo questa" }).click();
     await conferma(/Tenere una sola copia/);
-    await avviso()
-      .getByText(/^1 elemento spostato/)
-      .waitFor();
+    await avvisa(/^1 elemento spostato/);
     expect(casa.esiste("Immagini/estate/mare.jpg")).toBe(true);
     expect(casa.esiste(`Documenti/${OSTILE}.jpg`)).toBe(false);
     await expect.poll(() => page.locator(".copia").count()).toBe(2);
@@ -247,9 +232,7 @@ describe("moving to the Trash and putting back", () => {
     await page.locator(".copia", { hasText: "estate/mare.jpg" }).getByRole("radio").check();
     await page.getByRole("button", { name: "Pulizia completa (3 copie)" }).click();
     await conferma(/Spostare 3 copie/);
-    await avviso()
-      .getByText(/^3 elementi spostati/)
-      .waitFor();
+    await avvisa(/^3 elementi spostati/);
     expect(casa.esiste("Immagini/estate/mare.jpg")).toBe(true);
     expect(casa.esiste(`Documenti/${OSTILE}.jpg`)).toBe(false);
     expect(casa.esiste("Documenti/relazione.pdf")).toBe(true);
@@ -258,9 +241,7 @@ describe("moving to the Trash and putting back", () => {
     expect(ops).toHaveLength(1);
 
     await page.getByRole("button", { name: "Rimetti a posto" }).click();
-    await avviso()
-      .getByText(/^3 elementi rimessi/)
-      .waitFor();
+    await avvisa(/^3 elementi rimessi/);
     expect(albero(casa)).toEqual(prima);
   });
 });

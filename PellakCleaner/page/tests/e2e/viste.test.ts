@@ -1,21 +1,11 @@
 import axe from "axe-core";
 import { afterAll, beforeAll, describe, expect, test } from "vitest";
 import { type Casa, OSTILE, ROTTO_MOSTRATO, STRANO, STRANO_MOSTRATO, casaPiena } from "./casa";
-import { Finestra, PAGINA } from "./finestra";
+import { Finestra, PAGINA, ritrai } from "./finestra";
 import { conScena } from "./scena";
 
-const VISTE_CON_NOMI = [
-  "sviluppo",
-  "applicazioni",
-  "duplicati",
-  "grandi",
-  "privacy",
-  "avvio",
-  "mappa",
-  "registro",
-  "permessi",
-  "impostazioni",
-];
+const VISTE_CON_NOMI =
+  "sviluppo applicazioni duplicati grandi privacy avvio mappa registro permessi impostazioni";
 
 const VISTE_CON_BYTE = ["sviluppo", "mappa", "registro"];
 
@@ -135,6 +125,7 @@ describe.each([false, true])("every view, dark: %s", (scuro) => {
     await page.setViewportSize({ width, height });
     for (const vista of await viste(finestra)) {
       await finestra.vai(vista);
+      await ritrai(page, `${vista}-${width}-${scuro ? "scuro" : "chiaro"}`);
       const fuori = await page.evaluate(() => {
         const lista: string[] = [];
         for (const el of document.querySelectorAll("main button, main input, nav button, h1")) {

@@ -29,39 +29,27 @@ Object.assign(window, {
 });
 
 const percento = (valore: number) => `${valore.toFixed(1).replace(".", ",")} %`;
-const colonne: Colonna<Processo>[] = [
-  {
-    chiave: "nome",
-    titolo: "Processo",
-    larghezza: "minmax(120px, 1fr)",
-    valore: (p) => p.nome,
-    cella: (p) => p.nome,
-  },
-  {
-    chiave: "pid",
-    titolo: "PID",
-    larghezza: "64px",
-    numerica: true,
-    cedevole: true,
-    valore: (p) => p.pid,
-    cella: (p) => p.pid,
-  },
-  {
-    chiave: "cpu",
-    titolo: "Processore",
-    larghezza: "96px",
-    numerica: true,
-    valore: (p) => p.cpu,
+const colonna = (
+  chiave: keyof Processo,
+  titolo: string,
+  larghezza: string,
+  altro: Partial<Colonna<Processo>> = {},
+): Colonna<Processo> => ({
+  chiave,
+  titolo,
+  larghezza,
+  numerica: true,
+  valore: (p) => p[chiave],
+  cella: (p) => p[chiave],
+  ...altro,
+});
+const colonne = [
+  colonna("nome", "Processo", "minmax(120px, 1fr)", { numerica: false }),
+  colonna("pid", "PID", "64px", { cedevole: true }),
+  colonna("cpu", "Processore", "96px", {
     cella: (p) => <CellaConBarra quota={p.cpu / 100}>{percento(p.cpu)}</CellaConBarra>,
-  },
-  {
-    chiave: "memoria",
-    titolo: "Memoria",
-    larghezza: "96px",
-    numerica: true,
-    valore: (p) => p.memoria,
-    cella: (p) => `${p.memoria} MiB`,
-  },
+  }),
+  colonna("memoria", "Memoria", "96px", { cella: (p) => `${p.memoria} MiB` }),
 ];
 const stato = statoTabella("cpu", true);
 

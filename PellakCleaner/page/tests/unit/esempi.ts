@@ -4,19 +4,12 @@ export function voce(path: string, size: number): Voce {
   return { path, size, size_h: `${size} B`, when: "-", mtime: 1 };
 }
 
-export function gruppo(paths: string[], size = 10): Gruppo {
-  const icona = { bundle: "", icon_src: "", url: "", name: "" };
+export function gruppo(paths: string[], size = 10, dati: Partial<Gruppo> = {}): Gruppo {
+  const nessuno = { name: "", bundle: "", icon_src: "", url: "" };
   const stato = { spento: false, admin: false, system: false };
-  return {
-    ...icona,
-    ...stato,
-    size,
-    size_h: `${size} B`,
-    pesi: [],
-    deboli: [],
-    paths,
-    libera: size,
-  };
+  const size_h = `${size} B`;
+  const pesi = { pesi: [], deboli: [] };
+  return { ...nessuno, ...stato, ...pesi, size, size_h, paths, libera: size, ...dati };
 }
 
 export function finding(id: string, dati: Partial<Finding> = {}): Finding {
@@ -29,12 +22,12 @@ export function finding(id: string, dati: Partial<Finding> = {}): Finding {
     hint: "",
     unmeasured: false,
     total: items.reduce((somma, v) => somma + v.size, 0),
-    total_h: "",
+    total_h: "0 B",
     count: items.length + groups.length,
     kind: "",
     items,
     groups,
-    libera: items.reduce((somma, v) => somma + (v.libera ?? v.size), 0),
+    libera: dati.total ?? items.reduce((somma, v) => somma + (v.libera ?? v.size), 0),
     ...dati,
   };
 }

@@ -4,17 +4,9 @@ import { conDimensioni, conTilde, dimensione, mostrabile, quando } from "../../s
 import { briciole, dentro, sopra } from "../../src/tools/mappaStato";
 
 test("sizes round as the native side's and read as Italians write them", () => {
-  const casi: [number, string][] = [
-    [0, "0 B"],
-    [1023, "1023 B"],
-    [1024, "1 KiB"],
-    [1536, "1,5 KiB"],
-    [1_048_575, "1024 KiB"],
-    [1_048_576, "1 MiB"],
-    [1024 ** 6, "1024 PiB"],
-    [-2048, "-2 KiB"],
-  ];
-  for (const [byte, testo] of casi) expect(dimensione(byte)).toBe(testo);
+  const casi = [0, 1023, 1024, 1536, 1_048_575, 1_048_576, 1024 ** 6, -2048];
+  const attesi = "0 B, 1023 B, 1 KiB, 1,5 KiB, 1024 KiB, 1 MiB, 1024 PiB, -2 KiB";
+  expect(casi.map(dimensione).join(", ")).toBe(attesi);
   expect(conDimensioni("Recuperabili 1.6 GiB. Scaricati 84.0 MiB di 10 B")).toBe(
     "Recuperabili 1,6 GiB. Scaricati 84 MiB di 10 B",
   );
@@ -42,17 +34,10 @@ test("the home folder shortens its own paths only", () => {
 });
 
 test("a typed number counts only when whole and inside the range", () => {
-  const casi: [string, number | null][] = [
-    ["5", 5],
-    [" 1000 ", 1000],
-    ["0", null],
-    ["1001", null],
-    ["", null],
-    ["7.5", null],
-    ["1e2", null],
-    ["-5", null],
-  ];
-  for (const [testo, valore] of casi) expect(ammesso(testo, 1, 1000), testo).toBe(valore);
+  expect(["5", " 1000 "].map((testo) => ammesso(testo, 1, 1000))).toEqual([5, 1000]);
+  for (const testo of ["0", "1001", "", "7.5", "1e2", "-5"]) {
+    expect(ammesso(testo, 1, 1000), testo).toBeNull();
+  }
 });
 
 test("folders of the map: up ends at the root, the trail begins at the home folder", () => {
