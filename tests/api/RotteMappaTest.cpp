@@ -53,14 +53,5 @@ TEST_F(RotteMappaTest, ARouteThatChangesTheDiskMakesTheNextMapMeasureAgain) {
   EXPECT_NE(finita("/v", corpo).find(R"("tot":8192)"), std::string::npos);
 }
 
-/// Names that are no text come back as the same name.
-TEST_F(RotteMappaTest, NamesOfAnyBytesCanBeFollowedDown) {
-  lister.file("/v/\xff\n\"/dentro", 4096);
-  const std::string testo = finita("/v", R"({"path":"/v"})");
-  EXPECT_NE(testo.find("\"nome\":\"\uefff\\n\\\"\""), std::string::npos) << testo;
-  const std::string sotto = chiedi("/api/mappa", "{\"path\":\"/v/\uefff\\n\\\"\"}");
-  EXPECT_NE(sotto.find(R"("nome":"dentro")"), std::string::npos) << sotto;
-}
-
 }  // namespace
 }  // namespace pellak::api

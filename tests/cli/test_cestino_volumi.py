@@ -86,15 +86,6 @@ class AltroVolume(ConVolumi):
                 self.via_e_ritorno(self.cose / f".Trash-{UTENTE}")
                 self.assertEqual(list((self.cose / ".Trash").iterdir()), [])
 
-    def test_a_mounted_volume_itself_stays(self):
-        self.cose.mkdir()
-        self.tmpfs(self.cose / "volume")
-        self.file("cose/volume/dato")
-        self.scandisci()
-        risposta = self.cestina()
-        self.assertEqual((risposta["ok"], risposta["failed"][0]["err"]),
-                         (0, "e' in uso da un programma aperto: chiudilo e riprova"))
-
     def test_a_folder_that_holds_a_volume_stays(self):
         """Also where the home folder is named through a link, and names look alike."""
         collegata = self.casa / "collegata"

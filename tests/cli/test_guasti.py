@@ -102,20 +102,6 @@ class SenzaDiritti(ConCasa):
                     os.chown(nome, NOBODY, NOBODY, follow_symlinks=False)
         return super().da_nessuno(*argomenti)
 
-    def test_unreadable_folders_are_counted_and_said(self):
-        self.regola()
-        for nome in ("privata", "privata2"):
-            (self.casa / "cose" / nome).mkdir(parents=True)
-            (self.casa / "cose" / nome / "dato").write_bytes(b"x" * 9_000)
-            os.chmod(self.casa / "cose" / nome, 0o700)
-        esito = self.da_nessuno("scan", "sviluppo", "--json")
-        self.assertEqual(esito.returncode, 0, esito.stderr)
-        sezione = json.loads(esito.stdout)["sections"][0]
-        self.assertGreaterEqual(sezione["denied"], 2)
-        self.assertTrue(sezione["status"].startswith("ATTENZIONE: "), sezione["status"])
-        self.assertEqual({voce["cartella"] for voce in sezione["denied_top"]},
-                         {"~/cose/privata", "~/cose/privata2"})
-
     def test_a_read_only_support_folder_loses_no_scan_and_no_settings(self):
         self.file(".npm/_cacache/a", 30_000)
         self.supporto.mkdir(parents=True)

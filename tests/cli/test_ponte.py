@@ -50,41 +50,6 @@ class Ponte(ConCasa):
         self.assertEqual(json.loads(uscita),
                          {"call": "__apiDone", "id": 1, "status": 200, "reply": {"ok": True}})
 
-    def test_scan_over_the_bridge_until_it_is_not_busy(self):
-        self.file(".cache/pip/a", 30_000)
-        processo = self.avvia("bridge")
-        self.addCleanup(processo.stdout.close)
-        self.addCleanup(processo.stderr.close)
-
-        def chiedi(id_, rotta, corpo=None):
-            processo.stdin.write(json.dumps(richiesta(id_, rotta, corpo)).encode() + b"\n")
-            processo.stdin.flush()
-            risposta = json.loads(processo.stdout.readline())
-            self.assertEqual(risposta["id"], id_)
-            return risposta["reply"]
-
-        self.assertEqual(chiedi(1, "/api/scan"), {"ok": True})
-        id_ = 2
-        stato = chiedi(id_, "/api/state")
-        while stato["busy"]:
-            time.sleep(0.02)
-            id_ += 1
-            stato = chiedi(id_, "/api/state")
-        self.assertTrue(all(s["scanned"] for s in stato["sections"]))
-        self.assertEqual(chiedi(9_000, "/api/voci", {"id": "pip-cache"})["count"], 1)
-        processo.stdin.close()
-        self.assertEqual(processo.wait(30), 0)
-
-    def test_names_that_are_no_utf8_survive_scan_restart_and_request(self):
-        self.regola()
-        self.file(b"cose/a\xff\nb")
-        self.esegui("scan", "sviluppo")
-        voce = self.api("/api/voci", {"id": "x"})["items"][0]["path"]
-        self.assertTrue(voce.endswith("/cose/a\uefff\nb"), voce)
-        self.api("/api/mostra", {"path": voce + "x"}, stato=1)
-        salvati = json.loads((self.supporto / "risultati.json").read_text())
-        self.assertEqual(salvati["sviluppo"]["findings"][0]["items"][0]["path"], voce)
-
     def test_quit_ends_after_its_moment_and_ready_prints_the_time(self):
         processo = self.avvia("bridge")
         inizio = time.monotonic()

@@ -300,16 +300,6 @@ TEST_F(EngineTest, SettingsAreWrittenOverTheRules) {
   EXPECT_EQ(effettive.grandi.top, 9);
 }
 
-TEST_F(EngineTest, ResultsThatCannotBeSavedAreSaidAndStayInMemory) {
-  fakes::scriviFile(home / "Library/Application Support", "occupato");
-  speciale("startup-user");
-  std::string avviso;
-  const auto engine = crea([&](const std::string& testo) { avviso = testo; });
-  scandisci(*engine, "avvio");
-  EXPECT_EQ(engine->findings("avvio").size(), 1U);
-  EXPECT_TRUE(avviso.starts_with("risultati non salvati: ")) << avviso;
-}
-
 TEST_F(EngineTest, IconsAreMadeOnceAndKeptInTheirFile) {
   fakes::scriviFile(store.icone(), "boh");
   applicazioni.icone["editor"] = "PNGDATI";

@@ -1,5 +1,4 @@
 #include <atomic>
-#include <map>
 #include <thread>
 
 #include "platform/DesktopHostGtkScene.h"

@@ -66,8 +66,12 @@ bool noChildren() {
   return ::waitid(P_ALL, 0, &ignored, WEXITED | WNOHANG | WNOWAIT) < 0 && errno == ECHILD;
 }
 
-TEST(ProcessLauncherTest, ArgumentsArriveAsTheyAre) {
+class ProcessLauncherTest : public testing::Test {
+ protected:
   ProcessLauncherPosix launcher;
+};
+
+TEST_F(ProcessLauncherTest, ArgumentsArriveAsTheyAre) {
   const Ran ran = run(launcher, {"/usr/bin/printf",
                                  {"[%s]", "", "a b", "$HOME", "'\"\\", "\xff\n*"},
                                  ChildStreams::merged,
@@ -76,8 +80,7 @@ TEST(ProcessLauncherTest, ArgumentsArriveAsTheyAre) {
   EXPECT_EQ(ran.fine, (ExitStatus{false, 0}));
 }
 
-TEST(ProcessLauncherTest, EachWayOfConnectingTheStreams) {
-  ProcessLauncherPosix launcher;
+TEST_F(ProcessLauncherTest, EachWayOfConnectingTheStreams) {
   const Ran merged = run(launcher, shell(kBoth, ChildStreams::merged));
   EXPECT_EQ(merged.output, "to output\nto error\n");
   EXPECT_EQ(merged.fine, (ExitStatus{false, 3}));
@@ -88,8 +91,7 @@ TEST(ProcessLauncherTest, EachWayOfConnectingTheStreams) {
   EXPECT_EQ(errorOnly.error, "to error\n");
 }
 
-TEST(ProcessLauncherTest, EnvironmentIsInheritedAddedToAndReplaced) {
-  ProcessLauncherPosix launcher;
+TEST_F(ProcessLauncherTest, EnvironmentIsInheritedAddedToAndReplaced) {
   ASSERT_EQ(::setenv("PELLAK_LAUNCH_TEST", "inherited", 1), 0);
   LaunchRequest what = shell("printf %s \"${PELLAK_LAUNCH_TEST-(unset)}\"");
   EXPECT_EQ(run(launcher, what).output, "inherited");
@@ -101,8 +103,7 @@ TEST(ProcessLauncherTest, EnvironmentIsInheritedAddedToAndReplaced) {
   EXPECT_EQ(run(launcher, what).output, "(unset)");
 }
 
-TEST(ProcessLauncherTest, ChildGetsNoDescriptorOfOurs) {
-  ProcessLauncherPosix launcher;
+TEST_F(ProcessLauncherTest, ChildGetsNoDescriptorOfOurs) {
   // As a careless library would open them, low and high numbers.
   const Descriptor low(::open("/dev/null", O_RDONLY));
   const Descriptor high(::fcntl(low.get(), F_DUPFD, 700));
@@ -117,8 +118,7 @@ TEST(ProcessLauncherTest, ChildGetsNoDescriptorOfOurs) {
   EXPECT_EQ((*other)->wait(), (ExitStatus{true, SIGKILL}));
 }
 
-TEST(ProcessLauncherTest, WorksInAProcessWithoutStandardDescriptors) {
-  ProcessLauncherPosix launcher;
+TEST_F(ProcessLauncherTest, WorksInAProcessWithoutStandardDescriptors) {
   const std::array<int, 3> kept = {::fcntl(0, F_DUPFD_CLOEXEC, 100),
                                    ::fcntl(1, F_DUPFD_CLOEXEC, 100),
                                    ::fcntl(2, F_DUPFD_CLOEXEC, 100)};
@@ -138,8 +138,7 @@ TEST(ProcessLauncherTest, WorksInAProcessWithoutStandardDescriptors) {
   EXPECT_FALSE(standardTaken) << "what this process prints would go down a pipe";
 }
 
-TEST(ProcessLauncherTest, SignalsAreUnblockedAndDefaultInTheChild) {
-  ProcessLauncherPosix launcher;
+TEST_F(ProcessLauncherTest, SignalsAreUnblockedAndDefaultInTheChild) {
   sigset_t blocked;
   sigset_t before;
   sigemptyset(&blocked);
@@ -161,15 +160,14 @@ TEST(ProcessLauncherTest, SignalsAreUnblockedAndDefaultInTheChild) {
 }
 
 // A process may be started with SIGCHLD ignored; the launcher must still hear of its children.
-TEST(ProcessLauncherTest, HearsOfItsChildrenWhateverItWasStartedWith) {
+TEST_F(ProcessLauncherTest, HearsOfItsChildrenWhateverItWasStartedWith) {
   const auto before = ::signal(SIGCHLD, SIG_IGN);
   ProcessLauncherPosix late;
   EXPECT_EQ(run(late, shell("exit 7")).fine, (ExitStatus{false, 7}));
   ::signal(SIGCHLD, before);
 }
 
-TEST(ProcessLauncherTest, WhatCannotBeStarted) {
-  ProcessLauncherPosix launcher;
+TEST_F(ProcessLauncherTest, WhatCannotBeStarted) {
   const auto before = openDescriptors();
   const auto kind = [&](std::string percorso, std::vector<std::string> arguments = {}) {
     const auto child = launcher.start({std::move(percorso), std::move(arguments), {}, {}});
@@ -188,8 +186,7 @@ TEST(ProcessLauncherTest, WhatCannotBeStarted) {
   EXPECT_TRUE(noChildren());
 }
 
-TEST(ProcessLauncherTest, TerminateAsksAndKillEnds) {
-  ProcessLauncherPosix launcher;
+TEST_F(ProcessLauncherTest, TerminateAsksAndKillEnds) {
   const auto started = launcher.start(shell(kStubborn));
   ASSERT_TRUE(started);
   ChildProcess& child = **started;
@@ -206,8 +203,7 @@ TEST(ProcessLauncherTest, TerminateAsksAndKillEnds) {
   EXPECT_TRUE(noChildren());
 }
 
-TEST(ProcessLauncherTest, ReadingCanBeGivenUpWhileSomebodyHoldsTheStream) {
-  ProcessLauncherPosix launcher;
+TEST_F(ProcessLauncherTest, ReadingCanBeGivenUpWhileSomebodyHoldsTheStream) {
   const auto started = launcher.start(shell("printf said; sleep 10 &", ChildStreams::separate));
   ASSERT_TRUE(started);
   ChildProcess& child = **started;
@@ -228,8 +224,7 @@ TEST(ProcessLauncherTest, ReadingCanBeGivenUpWhileSomebodyHoldsTheStream) {
   EXPECT_EQ(child.readOutput(output), ReadEnd::givenUp);
 }
 
-TEST(ProcessLauncherTest, AbandonedChildGoesOnAndIsCollectedAtItsEnd) {
-  ProcessLauncherPosix launcher;
+TEST_F(ProcessLauncherTest, AbandonedChildGoesOnAndIsCollectedAtItsEnd) {
   const auto before = openDescriptors();
   for (int i = 0; i < 3; ++i) {
     const auto child = launcher.start({"/bin/sleep", {"2"}, ChildStreams::separate, {}});
@@ -241,8 +236,7 @@ TEST(ProcessLauncherTest, AbandonedChildGoesOnAndIsCollectedAtItsEnd) {
   EXPECT_TRUE(noChildren());
 }
 
-TEST(ProcessLauncherTest, ManyThreadsStartingAtOnceLeakNothing) {
-  ProcessLauncherPosix launcher;
+TEST_F(ProcessLauncherTest, ManyThreadsStartingAtOnceLeakNothing) {
   const auto before = openDescriptors();
   std::atomic<int> right = 0;
   std::vector<std::thread> threads;

@@ -83,8 +83,6 @@ TEST(TrashRecordTest, EveryByteComesBackFromItsPercentForm) {
 
 TEST_F(TrashCanLinuxTest, NamesThatAreTakenOrPromisedGetANumberAndStayShortEnough) {
   const std::string lungo(255, 'n');
-  fs::create_directories(trash_ + "/files");
-  fs::create_directories(trash_ + "/info");
   scriviFile(trash_ + "/files/uno", "solo l'elemento");
   scriviFile(trash_ + "/info/uno.2.trashinfo", "solo la scheda");
   std::set<std::string> nomi;
@@ -290,8 +288,6 @@ TEST_F(AnnouncedMovesTest, ABatchThatIsGivenUpLeavesNothing) {
 }
 
 TEST_F(AnnouncedMovesTest, ANameTakenAfterThePlanStaysItsTakers) {
-  fs::create_directories(trash_ + "/files");
-  fs::create_directories(trash_ + "/info");
   const TrashPlan piano = plan(file("altra/7", "7"));
   EXPECT_EQ(piano.nelCestino, trash_ + "/files/7");
   scriviFile(trash_ + "/info/7.trashinfo", "di un altro");

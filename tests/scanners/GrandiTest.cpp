@@ -6,8 +6,6 @@
 #include "PellakCore/base/ScanCancelled.h"
 #include "fakes/FakeClock.h"
 #include "fakes/MemoryLister.h"
-#include "platform/posix/FilesPosix.h"
-#include "scanners/Tabella.h"
 #include "scanners/grandi/ScannerGrandi.h"
 
 namespace pellak::scanners {
@@ -182,16 +180,6 @@ TEST_F(GrandiTest, NothingToLookAtIsSaid) {
   EXPECT_EQ(nota_, "Nessuna cartella da esaminare.");
   regole_.guasto = "file delle regole illeggibile";
   EXPECT_THROW(scan(), std::runtime_error);
-}
-
-TEST_F(GrandiTest, TheTableServesThem) {
-  file("/casa/anna/film", 300);
-  posix::FilesPosix files;
-  const TabellaScanner tabella = tabellaScanner(files, Store("/casa/anna"));
-  const ScanContext ctx{regole_, Config(), "/casa/anna", {}, {}, contatore_, disco_, clock_};
-  EXPECT_EQ(tabella.speciali.at("large-old").esegui(ctx).front().items.size(), 1U);
-  EXPECT_EQ(tabella.speciali.at("duplicates").stato,
-            "Ricerca duplicati (può richiedere minuti)...");
 }
 
 }  // namespace

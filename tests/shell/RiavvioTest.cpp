@@ -1,4 +1,3 @@
-#include <csignal>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
