@@ -8,23 +8,15 @@
 namespace pellak::trash {
 namespace {
 
-constexpr std::array<std::string_view, 19> kDelSistema = {"/System",      "/bin",
-                                                          "/sbin",        "/lib",
-                                                          "/lib32",       "/lib64",
-                                                          "/libx32",      "/boot",
-                                                          "/dev",         "/proc",
-                                                          "/sys",         "/etc",
-                                                          "/private/etc", "/private/var/db",
-                                                          "/usr/bin",     "/usr/lib",
-                                                          "/usr/sbin",    "/usr/libexec",
-                                                          "/usr/share"};
-
 /// Never written to, whatever a record says. Besides these: all of "/lib…".
 constexpr std::array<std::string_view, 11> kMaiDestinazione = {
     "/bin", "/sbin", "/boot",   "/dev",     "/etc",        "/proc",
     "/sys", "/usr",  "/System", "/Library", "/private/etc"};
 constexpr std::array<std::string_view, 2> kDiAvvio = {"/Library/LaunchAgents",
                                                       "/Library/LaunchDaemons"};
+
+/// Things may come back to it, but nothing of it may go.
+constexpr std::string_view kSistemaVivo = "/private/var/db";
 
 constexpr std::array<std::string_view, 15> kDiCasa = {
     "Desktop", "Documents", "Downloads", "Library", "Library/Caches",
@@ -35,20 +27,14 @@ constexpr std::array<std::string_view, 15> kDiCasa = {
 
 bool Custode::ammesso(std::string_view percorso) const {
   const std::string_view home = store_.home();
-  if (!standard(percorso) || percorso.rfind('/') == 0) return false;
-  if (dentroCartella(home, percorso)) return false;
-  if (dentroCartella(percorso, store_.cartella())) return false;
-  if (dentroCartella(store_.cartella(), percorso)) return false;
-  const auto contiene = [&](std::string_view cartella) {
-    return dentroCartella(percorso, cartella);
-  };
-  if (std::any_of(kDelSistema.begin(), kDelSistema.end(), contiene)) return false;
+  // What goes must be able to come back.
+  if (!destinazione(percorso) || percorso.rfind('/') == 0) return false;
+  if (dentroCartella(home, percorso) || dentroCartella(percorso, kSistemaVivo)) return false;
   if (dentroCartella(percorso, home)) {
     const std::string_view inCasa = percorso.substr(home == "/" ? 1 : home.size() + 1);
     if (std::find(kDiCasa.begin(), kDiCasa.end(), inCasa) != kDiCasa.end()) return false;
   }
-  if (std::find(cartelle_.begin(), cartelle_.end(), percorso) != cartelle_.end()) return false;
-  return !can_.insideTrash(percorso);
+  return std::find(cartelle_.begin(), cartelle_.end(), percorso) == cartelle_.end();
 }
 
 bool Custode::destinazione(std::string_view percorso) const {

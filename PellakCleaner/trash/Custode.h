@@ -18,9 +18,8 @@ class Custode {
   Custode(const Store& store, const TrashCan& can, std::vector<std::string> cartelle = {})
       : store_(store), can_(can), cartelle_(std::move(cartelle)) {}
 
-  /// Not: a path that is not in its plain form, folders at the top of the disk, what the system
-  /// is made of, the home folder or one that holds it, its standard folders, the Trash, and our
-  /// own files.
+  /// Not: what could not come back (`destinazione`), folders at the top of the disk, the system's
+  /// own databases, the home folder or one that holds it, and its standard folders.
   bool ammesso(std::string_view percorso) const;
 
   /// Not: a path that is not in its plain form, what the system is made of or configured by (the

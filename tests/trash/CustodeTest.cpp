@@ -6,7 +6,7 @@
 namespace pellak::trash {
 namespace {
 
-TEST(CustodeTest, SaysWhereThingsMayComeBackTo) {
+TEST(CustodeTest, SaysWhereThingsMayComeBackToAndOnlyTheyMayGo) {
   const Store store("/home/u");
   const auto native = creaNative();
   const Custode custode(store, native->platform().trash);
@@ -14,12 +14,13 @@ TEST(CustodeTest, SaysWhereThingsMayComeBackTo) {
                          "/Library/LaunchAgents/a.plist", "/Library/LaunchDaemons/a.plist",
                          "/usrlocal", "/var/tmp/a"}) {
     EXPECT_TRUE(custode.destinazione(si)) << si;
+    EXPECT_EQ(custode.ammesso(si), std::string_view(si).rfind('/') > 0) << si;
   }
   for (const char* no :
        {"", "a", "/home/u/../x", "/bin/a", "/boot/a", "/dev/a", "/etc/cron.d/a", "/lib/a",
-        "/lib64/a", "/proc/a", "/sys/a", "/usr", "/usr/local/bin/a", "/System/a",
+        "/lib64/a", "/proc/a", "/sys/a", "/usr", "/usr/local/bin/a", "/usr/include/a", "/System/a",
         "/Library/Fonts/a", "/Library/LaunchAgentsX/a", "/home/u/.Trash/a"}) {
-    EXPECT_FALSE(custode.destinazione(no)) << no;
+    EXPECT_FALSE(custode.destinazione(no) || custode.ammesso(no)) << no;
   }
   EXPECT_FALSE(custode.destinazione(store.registro()));
   EXPECT_FALSE(custode.destinazione(store.cartella()));
