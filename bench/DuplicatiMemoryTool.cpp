@@ -12,6 +12,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/LargeBlocks.h"
 #include "platform/posix/ClockPosix.h"
 #include "scanners/duplicati/ScannerDuplicati.h"
 
@@ -155,6 +156,7 @@ std::int64_t figure(const std::string& name) {
 }  // namespace
 
 int main(int count, char** values) {
+  returnLargeBlocks();  // as the program does
   Sets sets;
   if (count > 1) sets.percent = std::strtoull(values[1], nullptr, 10);
   if (count > 2) sets.copies = std::max(1ULL, std::strtoull(values[2], nullptr, 10));

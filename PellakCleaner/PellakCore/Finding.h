@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "PellakCore/Libere.h"
+#include "PellakCore/base/Elenco.h"
 #include "PellakCore/base/Parte.h"
 #include "platform/DirectoryLister.h"
 #include "platform/Sha256.h"
@@ -69,7 +70,7 @@ struct Group {
   std::vector<std::string> paths;
   /// Of a duplicate set: one per entry of `paths`, as the copy was when it was compared. Empty
   /// otherwise, and in results of older versions.
-  std::vector<Identita> identita;
+  Elenco<Identita> identita;
   Sha256Digest hash{};      ///< of the content of a duplicate set; zeros where there is none
   bool dallaCache = false;  ///< the content of some copy was not read by the scan but remembered
   Parte<Scheda> scheda;

@@ -22,6 +22,7 @@
 #include "app/Interruzione.h"
 #include "app/RigaComando.h"
 #include "app/Terminale.h"
+#include "platform/LargeBlocks.h"
 #include "platform/Native.h"
 
 namespace pellak::app {
@@ -96,6 +97,7 @@ int esegui(const Comando& comando) {
 }  // namespace pellak::app
 
 int main(int argc, char** argv) {
+  pellak::returnLargeBlocks();
   // A reader that goes away is noticed by the write that fails.
   std::signal(SIGPIPE, SIG_IGN);
   try {

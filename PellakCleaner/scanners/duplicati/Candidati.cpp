@@ -10,10 +10,24 @@ std::size_t Candidati::scaffaleDelThread() {
   return mio;
 }
 
+std::uint64_t Candidati::Scaffale::aggiungiNome(std::string_view nome) {
+  if (kPezzo - scritti <= nome.size()) {
+    nomi.push_back(std::unique_ptr<char[]>(new char[kPezzo]));
+    scritti = 0;
+  }
+  char* posto = nomi.back().get() + scritti;
+  nome.copy(posto, nome.size());
+  posto[nome.size()] = '\0';
+  const std::uint64_t inizio = (nomi.size() - 1) * kPezzo + scritti;
+  scritti += nome.size() + 1;
+  return inizio;
+}
+
 void Candidati::aggiungi(std::string_view percorso, std::int64_t size, std::int32_t dev,
                          std::uint64_t ino) {
   const std::size_t indice = scaffaleDelThread();
   const std::size_t nome = percorso.rfind('/') + 1;
+  if (percorso.size() - nome >= kPezzo) return;  // longer than any system's names
   const std::string_view cartella = percorso.substr(0, nome);
   Scaffale& scaffale = scaffali_[indice];
   const std::lock_guard hold(scaffale.lock);
@@ -24,12 +38,10 @@ void Candidati::aggiungi(std::string_view percorso, std::int64_t size, std::int3
   candidato.size = size;
   candidato.ino = ino;
   candidato.dev = dev;
-  candidato.nome = scaffale.nomi.size();
+  candidato.nome = scaffale.aggiungiNome(percorso.substr(nome));
   candidato.cartella = static_cast<std::uint32_t>(scaffale.cartelle.size() - 1);
   candidato.scaffale = static_cast<std::uint32_t>(indice);
   scaffale.candidati.push_back(candidato);
-  scaffale.nomi += percorso.substr(nome);
-  scaffale.nomi += '\0';
 }
 
 std::vector<Candidato> Candidati::prendi() {
@@ -38,15 +50,22 @@ std::vector<Candidato> Candidati::prendi() {
   std::vector<Candidato> tutti;
   tutti.reserve(quanti);
   for (Scaffale& scaffale : scaffali_) {
-    tutti.insert(tutti.end(), scaffale.candidati.begin(), scaffale.candidati.end());
-    std::vector<Candidato>().swap(scaffale.candidati);
+    for (; !scaffale.candidati.empty(); scaffale.candidati.pop_front()) {
+      tutti.push_back(scaffale.candidati.front());
+    }
   }
   return tutti;
 }
 
 std::string Candidati::percorso(const Candidato& candidato) const {
   const Scaffale& scaffale = scaffali_[candidato.scaffale];
-  return scaffale.cartelle[candidato.cartella] + (scaffale.nomi.data() + candidato.nome);
+  const std::string& cartella = scaffale.cartelle[candidato.cartella];
+  const std::string_view nome =
+      scaffale.nomi[candidato.nome / kPezzo].get() + candidato.nome % kPezzo;
+  std::string percorso;
+  percorso.reserve(cartella.size() + nome.size());
+  percorso.append(cartella).append(nome);
+  return percorso;
 }
 
 }  // namespace pellak::scanners

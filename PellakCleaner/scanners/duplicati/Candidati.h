@@ -3,10 +3,13 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "scanners/duplicati/Fila.h"
 
 namespace pellak::scanners {
 
@@ -14,7 +17,7 @@ namespace pellak::scanners {
 struct Candidato {
   std::int64_t size = 0;
   std::uint64_t ino = 0;
-  std::uint64_t nome = 0;  ///< where its name begins
+  std::uint64_t nome = 0;  ///< where its name begins, counted over all pieces of its shelf
   std::int32_t dev = 0;
   std::uint32_t cartella = 0;
   std::uint32_t scaffale = 0;
@@ -37,11 +40,16 @@ class Candidati {
   /// What one thread fills; threads that share one take turns.
   struct alignas(64) Scaffale {
     std::mutex lock;
-    std::vector<Candidato> candidati;
-    std::vector<std::string> cartelle;  ///< with the slash at their end
-    std::string nomi;                   ///< a NUL after each
+    Fila<Candidato> candidati;
+    std::vector<std::string> cartelle;          ///< with the slash at their end
+    std::vector<std::unique_ptr<char[]>> nomi;  ///< a NUL after each name; none lies in two pieces
+    std::size_t scritti = kPezzo;               ///< bytes of the last piece
+
+    /// Where it begins.
+    std::uint64_t aggiungiNome(std::string_view nome);
   };
   static constexpr std::size_t kScaffali = 16;
+  static constexpr std::size_t kPezzo = 524'288;
 
   static std::size_t scaffaleDelThread();
 

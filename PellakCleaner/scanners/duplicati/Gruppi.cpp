@@ -1,16 +1,16 @@
 #include "scanners/duplicati/Gruppi.h"
 
 #include <algorithm>
-#include <deque>
 #include <string>
 #include <tuple>
 #include <utility>
 
+#include "scanners/duplicati/Fila.h"
+
 namespace pellak::scanners {
 namespace {
 
-/// What is left to be known of a copy. Kept in lists that give their memory back from the front:
-/// what a group takes was another's before.
+/// What is left to be known of a copy.
 struct Copia {
   Identita identita;
   std::uint64_t nome = 0;
@@ -27,8 +27,8 @@ struct Uguali {
 };
 
 struct Copie {
-  std::deque<Uguali> insiemi;
-  std::deque<Copia> copie;  ///< those of the first set, then those of the second, …
+  Fila<Uguali> insiemi;
+  Fila<Copia> copie;  ///< those of the first set, then those of the second, …
 };
 
 Copie raccogli(const std::vector<Contenuto>& contenuti, const std::vector<Candidato>& candidati) {
@@ -53,7 +53,7 @@ Copie raccogli(const std::vector<Contenuto>& contenuti, const std::vector<Candid
 
 /// Takes the copies of one set off the list, in ascending order of their paths, each file on disk
 /// once: what was found as two may have become one by the time it was read.
-std::vector<std::pair<std::string, Copia>> prendi(std::deque<Copia>& copie, std::uint32_t quante,
+std::vector<std::pair<std::string, Copia>> prendi(Fila<Copia>& copie, std::uint32_t quante,
                                                   const Candidati& testi) {
   std::vector<std::pair<std::string, Copia>> prese;
   prese.reserve(quante);

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+namespace pellak::scanners {
+
+/// A queue of values in pieces of fixed size. Growing it leaves no outgrown copies behind, and a
+/// piece that was taken off goes back to the system, which it is large enough for: of a million
+/// files each left-over counts.
+template <class T>
+class Fila {
+ public:
+  void push_back(T valore) {
+    if (pezzi_.empty() || pezzi_.back().size() == kPerPezzo) {
+      pezzi_.emplace_back().reserve(kPerPezzo);
+    }
+    pezzi_.back().push_back(std::move(valore));
+  }
+
+  bool empty() const { return size() == 0; }
+
+  std::size_t size() const {
+    return pezzi_.empty() ? 0 : (pezzi_.size() - 1) * kPerPezzo + pezzi_.back().size() - presi_;
+  }
+
+  const T& front() const { return pezzi_[presi_ / kPerPezzo][presi_ % kPerPezzo]; }
+
+  void pop_front() {
+    if (++presi_ % kPerPezzo == 0) std::vector<T>().swap(pezzi_[presi_ / kPerPezzo - 1]);
+  }
+
+ private:
+  static constexpr std::size_t kPerPezzo = 524'288 / sizeof(T);
+
+  std::vector<std::vector<T>> pezzi_;
+  std::size_t presi_ = 0;  ///< values that were taken off
+};
+
+}  // namespace pellak::scanners
