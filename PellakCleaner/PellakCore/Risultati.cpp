@@ -1,6 +1,9 @@
 #include "PellakCore/Risultati.h"
 
 #include <algorithm>
+#include <span>
+#include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "PellakCore/StatoTesto.h"
@@ -14,6 +17,33 @@ namespace {
 /// Our own file may hold far more than a request may.
 constexpr std::size_t kMaxBytes = std::size_t{1} << 30U;
 constexpr auto kUltimoTipo = static_cast<std::int64_t>(EntryType::other);
+
+/// A text of an object under its key, the same for writing and for reading.
+template <class Cosa>
+struct Testo {
+  std::string_view chiave;
+  std::string Cosa::*campo;
+};
+
+constexpr Testo<Scheda> kTestiScheda[] = {{"name", &Scheda::name},      {"bundle", &Scheda::bundle},
+                                          {"prog", &Scheda::prog},      {"url", &Scheda::url},
+                                          {"desc", &Scheda::desc},      {"label", &Scheda::label},
+                                          {"dominio", &Scheda::dominio}};
+constexpr Testo<Finding> kTestiFinding[] = {
+    {"id", &Finding::id},     {"categoria", &Finding::categoria}, {"name", &Finding::name},
+    {"mode", &Finding::mode}, {"note", &Finding::note},           {"hint", &Finding::hint},
+    {"kind", &Finding::kind}};
+
+template <class Cosa>
+void scriviTesti(JsonWriter& uscita, const Cosa& cosa,
+                 std::span<const Testo<std::type_identity_t<Cosa>>> testi) {
+  for (const auto& [chiave, campo] : testi) uscita.key(chiave).text(cosa.*campo);
+}
+
+template <class Cosa>
+void leggiTesti(Json voce, Cosa& cosa, std::span<const Testo<std::type_identity_t<Cosa>>> testi) {
+  for (const auto& [chiave, campo] : testi) cosa.*campo = voce.testo(chiave);
+}
 
 void scriviIdentita(JsonWriter& uscita, const Identita& identita) {
   uscita.beginArray();
@@ -36,13 +66,7 @@ Identita leggiIdentita(Json lista) {
 }
 
 void scriviScheda(JsonWriter& uscita, const Scheda& scheda) {
-  uscita.key("name").text(scheda.name);
-  uscita.key("bundle").text(scheda.bundle);
-  uscita.key("prog").text(scheda.prog);
-  uscita.key("url").text(scheda.url);
-  uscita.key("desc").text(scheda.desc);
-  uscita.key("label").text(scheda.label);
-  uscita.key("dominio").text(scheda.dominio);
+  scriviTesti(uscita, scheda, kTestiScheda);
   uscita.key("pesi").beginArray();
   for (const std::int64_t peso : scheda.pesi) uscita.integer(peso);
   uscita.endArray();
@@ -75,13 +99,7 @@ void scriviGruppo(JsonWriter& uscita, const Group& gruppo) {
 
 void scriviFinding(JsonWriter& uscita, const Finding& finding) {
   uscita.beginObject();
-  uscita.key("id").text(finding.id);
-  uscita.key("categoria").text(finding.categoria);
-  uscita.key("name").text(finding.name);
-  uscita.key("mode").text(finding.mode);
-  uscita.key("note").text(finding.note);
-  uscita.key("hint").text(finding.hint);
-  uscita.key("kind").text(finding.kind);
+  scriviTesti(uscita, finding, kTestiFinding);
   uscita.key("unmeasured").boolean(finding.unmeasured);
   uscita.key("items").beginArray();
   for (const Voce& voce : finding.items) {
@@ -125,13 +143,7 @@ std::int64_t leggiByte(Json valore) {
 
 Scheda leggiScheda(Json voce) {
   Scheda scheda;
-  scheda.name = voce.testo("name");
-  scheda.bundle = voce.testo("bundle");
-  scheda.prog = voce.testo("prog");
-  scheda.url = voce.testo("url");
-  scheda.desc = voce.testo("desc");
-  scheda.label = voce.testo("label");
-  scheda.dominio = voce.testo("dominio");
+  leggiTesti(voce, scheda, kTestiScheda);
   voce["pesi"].perOgni([&](Json peso) { scheda.pesi.push_back(leggiByte(peso)); });
   scheda.deboli = voce.testi("deboli");
   scheda.spento = voce.booleano("spento", false);
@@ -157,13 +169,7 @@ Group leggiGruppo(Json voce) {
 
 Finding leggiFinding(Json voce) {
   Finding finding;
-  finding.id = voce.testo("id");
-  finding.categoria = voce.testo("categoria");
-  finding.name = voce.testo("name");
-  finding.mode = voce.testo("mode");
-  finding.note = voce.testo("note");
-  finding.hint = voce.testo("hint");
-  finding.kind = voce.testo("kind");
+  leggiTesti(voce, finding, kTestiFinding);
   finding.unmeasured = voce.booleano("unmeasured", false);
   finding.items.reserve(voce["items"].quanti());
   voce["items"].perOgni([&](Json elemento) {
