@@ -16,13 +16,6 @@
 /// What the parts of the map share among themselves.
 namespace pellak {
 
-inline std::string unisci(const std::string& cartella, std::string_view nome) {
-  std::string percorso = cartella;
-  if (!percorso.ends_with('/')) percorso += '/';
-  percorso += nome;
-  return percorso;
-}
-
 /// One reading of a folder, cut down to what a map can need.
 struct MappaDisco::Elenco {
   std::vector<VoceMappa> voci;  ///< all folders and the largest files, in listing order

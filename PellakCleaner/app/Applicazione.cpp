@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "PellakCore/CartelleUtente.h"
+#include "PellakCore/base/BytePath.h"
 #include "platform/ThreadPriority.h"
 #include "scanners/Tabella.h"
 #include "shell/Incorporati.h"
@@ -23,11 +24,6 @@ std::string senzaBarre(std::string percorso) {
   return percorso;
 }
 
-std::string cartellaDi(const std::string& percorso) {
-  const std::size_t barra = percorso.rfind('/');
-  return barra == std::string::npos ? std::string(".") : percorso.substr(0, barra);
-}
-
 std::string nomeRegole(FamigliaStrumenti famiglia) {
   return famiglia == FamigliaStrumenti::macos ? "/engine/rules.json" : "/engine/rules.linux.json";
 }
@@ -38,7 +34,7 @@ std::string cartellaRisorse(const Native& native, Files& files) {
   if (std::string indicata = variabile("PELLAK_RESOURCES"); !indicata.empty()) {
     return senzaBarre(indicata);
   }
-  const std::string base = cartellaDi(native.executablePath());
+  const std::string base(cartellaSopra(native.executablePath()));
   const std::array<std::string, 3> luoghi = {base + "/resources", base + "/../Resources",
                                              base + "/../share/pellak-cleaner"};
   for (const std::string& luogo : luoghi) {

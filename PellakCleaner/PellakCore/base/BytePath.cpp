@@ -126,6 +126,22 @@ std::string_view ultimoComponente(std::string_view percorso) {
   return barra == std::string_view::npos ? percorso : percorso.substr(barra + 1);
 }
 
+std::string_view cartellaSopra(std::string_view percorso) {
+  const std::size_t barra = percorso.rfind('/');
+  if (barra == std::string_view::npos) return ".";
+  return percorso.substr(0, barra == 0 ? 1 : barra);
+}
+
+void appendNome(std::string& percorso, std::string_view nome) {
+  if (!percorso.ends_with('/')) percorso += '/';
+  percorso += nome;
+}
+
+std::string unisci(std::string cartella, std::string_view nome) {
+  appendNome(cartella, nome);
+  return cartella;
+}
+
 bool dentroCartella(std::string_view percorso, std::string_view cartella) {
   if (percorso.substr(0, cartella.size()) != cartella) return false;
   return percorso.size() == cartella.size() || percorso[cartella.size()] == '/' || cartella == "/";

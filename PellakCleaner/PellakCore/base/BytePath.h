@@ -37,6 +37,14 @@ bool standard(std::string_view percorso);
 /// The last component of a path, without trailing slashes ("/" for the root).
 std::string_view ultimoComponente(std::string_view percorso);
 
+/// The folder that a path lies in ("/" for what lies at the top and the root itself). Without a
+/// slash ".".
+std::string_view cartellaSopra(std::string_view percorso);
+
+/// Joins a folder's path and an entry's name; "/" gets no second slash.
+void appendNome(std::string& percorso, std::string_view nome);
+std::string unisci(std::string cartella, std::string_view nome);
+
 /// Whether `percorso` is `cartella` itself or lies below it (plain text comparison).
 bool dentroCartella(std::string_view percorso, std::string_view cartella);
 

@@ -7,6 +7,7 @@
 
 #include "platform/linux/GlibPtr.h"
 #include "platform/linux/KeyFile.h"
+#include "platform/posix/PathParts.h"
 
 namespace pellak::native {
 namespace {
@@ -24,8 +25,6 @@ constexpr std::array<std::string_view, 3> kPrefixes{"env", "nohup", "pkexec"};
 constexpr std::array<std::string_view, 13> kInterpreters{"sh",   "bash", "dash",  "zsh", "fish",
                                                          "perl", "ruby", "node",  "gjs", "java",
                                                          "mono", "wine", "python"};
-
-std::string_view fileName(std::string_view path) { return path.substr(path.rfind('/') + 1); }
 
 template <std::size_t N>
 bool holds(const std::array<std::string_view, N>& names, std::string_view name) {
@@ -75,11 +74,11 @@ std::string programOf(const std::string& exec) {
   };
   auto word = words.begin();
   while (word != words.end() &&
-         (holds(kPrefixes, fileName(*word)) || word->starts_with('-') || assignment(*word))) {
+         (holds(kPrefixes, posix::nameOf(*word)) || word->starts_with('-') || assignment(*word))) {
     ++word;
   }
   if (word == words.end()) return {};
-  if (!isInterpreter(fileName(*word))) return located(*word);
+  if (!isInterpreter(posix::nameOf(*word))) return located(*word);
   const auto script = std::find_if(word + 1, words.end(), [](const std::string& candidate) {
     return !candidate.starts_with('-') && !candidate.starts_with('%');
   });

@@ -11,6 +11,7 @@
 #include "platform/linux/GlibPtr.h"
 #include "platform/linux/SessionBus.h"
 #include "platform/linux/XdgFolders.h"
+#include "platform/posix/PathParts.h"
 
 namespace pellak::native {
 namespace {
@@ -67,8 +68,7 @@ Result<void> showOverBus(std::span<const std::string> percorsi) {
 std::vector<std::string> foldersOf(std::span<const std::string> percorsi) {
   std::vector<std::string> folders;
   for (const std::string& percorso : percorsi) {
-    const std::size_t slash = percorso.rfind('/');
-    std::string folder = slash == 0 ? "/" : percorso.substr(0, slash);
+    std::string folder = posix::folderOf(percorso);
     if (std::find(folders.begin(), folders.end(), folder) == folders.end()) {
       folders.push_back(std::move(folder));
     }

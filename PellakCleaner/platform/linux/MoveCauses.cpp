@@ -10,14 +10,10 @@
 #include <utility>
 
 #include "platform/linux/OpenFiles.h"
+#include "platform/posix/PathParts.h"
 
 namespace pellak::native {
 namespace {
-
-std::string parentOf(const std::string& percorso) {
-  const std::size_t barra = percorso.rfind('/');
-  return barra == 0 || barra == std::string::npos ? "/" : percorso.substr(0, barra);
-}
 
 std::string named(const std::string& percorso) { return "«" + percorso + "»"; }
 
@@ -41,13 +37,14 @@ bool someoneElses(const std::string& percorso) {
 
 /// The nearest folder above that exists and can't be entered or written.
 std::string closedFolder(const std::string& percorso) {
-  std::string cartella = parentOf(percorso);
-  while (cartella != "/" && ::access(cartella.c_str(), F_OK) != 0) cartella = parentOf(cartella);
+  std::string cartella = posix::folderOf(percorso);
+  while (cartella != "/" && ::access(cartella.c_str(), F_OK) != 0)
+    cartella = posix::folderOf(cartella);
   return cartella;
 }
 
 std::string deniedItem(const std::string& percorso) {
-  const std::string cartella = parentOf(percorso);
+  const std::string cartella = posix::folderOf(percorso);
   if (sealed(percorso)) return "è protetto dalle modifiche: toglie la protezione l'amministratore";
   if (sealed(cartella)) return "la cartella " + named(cartella) + " è protetta dalle modifiche";
   if (::access(cartella.c_str(), F_OK) != 0) {
@@ -112,8 +109,9 @@ Error itemStays(Error errore, const std::string& percorso) {
 Error trashRefuses(Error errore, const std::string& percorso, const std::string& cestino) {
   // Says itself what is wrong with that Trash.
   if (errore.code == 0 && !errore.text.empty()) return with(errore, errore.text);
-  const std::string quale = cestino.empty() ? "il Cestino del disco di " + named(parentOf(percorso))
-                                            : "il Cestino " + named(cestino);
+  const std::string quale = cestino.empty()
+                                ? "il Cestino del disco di " + named(posix::folderOf(percorso))
+                                : "il Cestino " + named(cestino);
   std::string causa;
   if (errore.kind == ErrorKind::denied) {
     causa = cestino.empty() ? quale + " non si può creare" : quale + " non è scrivibile";

@@ -9,6 +9,7 @@
 
 #include "platform/linux/KeyFile.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/PathParts.h"
 
 namespace pellak::native {
 namespace {
@@ -16,8 +17,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kMaxProcBytes = std::size_t{64} << 10U;
-
-std::string_view fileName(std::string_view path) { return path.substr(path.rfind('/') + 1); }
 
 /// Files of /proc have no size; they are read until they end.
 std::string readProc(const std::string& path) {
@@ -118,18 +117,18 @@ bool runsScript(const RunningProgram& process, const std::string& wanted, const 
   const auto script = std::find_if(words.begin() + 1, words.end(),
                                    [](const std::string& word) { return !word.starts_with('-'); });
   if (script == words.end()) return process.program == real;
-  if (!script->starts_with('/')) return fileName(*script) == fileName(wanted);
+  if (!script->starts_with('/')) return posix::nameOf(*script) == posix::nameOf(wanted);
   return *script == wanted || resolved(*script) == real;
 }
 
 bool runsProgram(const RunningProgram& process, const std::string& wanted) {
   if (wanted.empty()) return false;
   const std::string real = resolved(wanted);
-  const std::string_view name = fileName(process.program);
+  const std::string_view name = posix::nameOf(process.program);
   if (isInterpreter(name)) return runsScript(process, wanted, real);
   // The command of every Snap is a link to the one program that starts them all.
-  const std::string& target = fileName(real) == "snap" ? wanted : real;
-  if (process.program == target || name == fileName(target) || name == fileName(wanted)) {
+  const std::string& target = posix::nameOf(real) == "snap" ? wanted : real;
+  if (process.program == target || name == posix::nameOf(target) || name == posix::nameOf(wanted)) {
     return true;
   }
   const std::string_view folder = ownFolder(target);
@@ -145,7 +144,7 @@ std::vector<RunningProgram> runningPrograms() {
        !failure && place != fs::directory_iterator(); place.increment(failure)) {
     RunningProgram process;
     process.folder = place->path().native();
-    if (fileName(process.folder).find_first_not_of("0123456789") != std::string_view::npos)
+    if (posix::nameOf(process.folder).find_first_not_of("0123456789") != std::string_view::npos)
       continue;
     struct stat info {};
     if (::stat(process.folder.c_str(), &info) != 0 || info.st_uid != ::geteuid()) continue;

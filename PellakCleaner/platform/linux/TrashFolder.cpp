@@ -41,12 +41,6 @@ bool isLinkAt(int cartella, const char* nome) {
   return ::fstatat(cartella, nome, &info, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(info.st_mode);
 }
 
-std::string_view parentOf(std::string_view percorso) {
-  const std::size_t barra = percorso.rfind('/');
-  return barra == 0 || barra == std::string_view::npos ? std::string_view("/")
-                                                       : percorso.substr(0, barra);
-}
-
 /// Opens a folder of ours: no link, owned by the user.
 Result<Descriptor> ownFolderAt(int sopra, const std::string& nome, Missing mancante) {
   const bool fatta = mancante == Missing::make && ::mkdirat(sopra, nome.c_str(), kPrivate) == 0;
@@ -184,18 +178,18 @@ std::string realHomeTrashPath() {
 }
 
 Result<Volume> homeTrashVolume() {
-  std::string cartella(parentOf(homeTrashPath()));
+  std::string cartella = posix::folderOf(homeTrashPath());
   for (;;) {
     auto volume = volumeAt(cartella);
     if (volume || cartella == "/") return volume;
-    cartella = std::string(parentOf(cartella));
+    cartella = posix::folderOf(cartella);
   }
 }
 
 Result<TrashFolder> openHomeTrash() {
   TrashFolder cestino;
   cestino.percorso = homeTrashPath();
-  const std::string sopra(parentOf(cestino.percorso));
+  const std::string sopra = posix::folderOf(cestino.percorso);
   if (auto fatte = posix::makeFolders(sopra, kPrivate); !fatte) return fatte.error();
   const Descriptor dati(::open(sopra.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!dati) return errnoError(errno);
@@ -227,7 +221,7 @@ Result<TrashFolder> openVolumeTrash(const std::string& cima) {
 std::string topOfVolume(std::string_view cartella, Volume volume) {
   std::string cima(cartella);
   while (cima != "/") {
-    std::string sopra(parentOf(cima));
+    std::string sopra = posix::folderOf(cima);
     // A folder whose path is too long to ask for lies on the volume of the ones below it.
     const auto suo = volumeAt(sopra);
     if (suo && !(*suo == volume)) break;
@@ -260,10 +254,10 @@ Result<Descriptor> volumeTrashAt(std::string_view percorso, std::string_view fid
 }  // namespace
 
 Result<TrashFolder> openTrashHolding(std::string_view nelCestino, std::string_view fidata) {
-  const std::string_view files = parentOf(nelCestino);
+  const std::string files = posix::folderOf(nelCestino);
   if (!files.ends_with("/files")) return errnoError(EINVAL);
   TrashFolder cestino;
-  cestino.percorso = parentOf(files);
+  cestino.percorso = posix::folderOf(files);
   auto radice = cestino.percorso == homeTrashPath()
                     ? ownFolderAt(AT_FDCWD, cestino.percorso, Missing::fail)
                     : volumeTrashAt(cestino.percorso, fidata, cestino.cima);

@@ -16,6 +16,7 @@
 #include "platform/posix/EntryTypes.h"
 #include "platform/posix/ErrnoError.h"
 #include "platform/posix/HomeFolder.h"
+#include "platform/posix/PathParts.h"
 #include "platform/posix/RecordTimes.h"
 #include "platform/posix/SyncToDisk.h"
 
@@ -76,11 +77,6 @@ Result<std::string> trashOf(const std::string& cartella, bool make) {
                                                            error:&errore];
   if (cestino == nil) return errorOf(errore);
   return pathOf(cestino);
-}
-
-std::string parentOf(const std::string& percorso) {
-  const std::size_t barra = percorso.rfind('/');
-  return barra == 0 || barra == std::string::npos ? "/" : percorso.substr(0, barra);
 }
 
 /// The one the program was told of.
@@ -149,8 +145,8 @@ class BatchMac final : public TrashBatch {
       const bool altra = ::lstat(nelCestino.c_str(), &arrivata) == 0 && !isPlanned(arrivata, piano);
       // Something else was put at the path between the look and the move: it goes back.
       if (altra && exchange(nelCestino, piano.percorso, false)) return errnoError(EINVAL);
-      toSync_.insert(parentOf(nelCestino));
-      toSync_.insert(parentOf(piano.percorso));
+      toSync_.insert(posix::folderOf(nelCestino));
+      toSync_.insert(posix::folderOf(piano.percorso));
       return nelCestino;
     }
   }
@@ -208,7 +204,7 @@ class BatchMac final : public TrashBatch {
  private:
   /// Whether an item lies in a Trash of this user: what a record names is not trusted.
   bool inOwnTrash(const std::string& percorso) const {
-    const std::string cartella = parentOf(percorso);
+    const std::string cartella = posix::folderOf(percorso);
     return cartella == home_ + "/.Trash" || cartella == realHome_ + "/.Trash" ||
            (cartella.starts_with("/Volumes/") &&
             cartella.ends_with("/.Trashes/" + std::to_string(::getuid())));
@@ -216,7 +212,7 @@ class BatchMac final : public TrashBatch {
 
   /// The Trash of a planned item's volume, listed. Without the permission to, the system refuses.
   static Result<NSArray<NSURL*>*> itemsOfTrash(const TrashPlan& piano) {
-    const auto cestino = trashOf(parentOf(piano.percorso), false);
+    const auto cestino = trashOf(posix::folderOf(piano.percorso), false);
     if (!cestino) return cestino.error();
     NSError* errore = nil;
     NSArray<NSURL*>* voci =
@@ -231,7 +227,7 @@ class BatchMac final : public TrashBatch {
   /// Success when the system's Trash for an item is on the item's own volume, as far as it tells.
   Result<void> sameVolume(const TrashPlan& piano) {
     if (withTrash_.contains(piano.dev)) return {};
-    const auto cestino = trashOf(parentOf(piano.percorso), true);
+    const auto cestino = trashOf(posix::folderOf(piano.percorso), true);
     if (!cestino) return cestino.error();
     struct stat info {};
     const bool other = ::lstat(cestino->c_str(), &info) == 0 &&
@@ -247,8 +243,8 @@ class BatchMac final : public TrashBatch {
     const auto altrove = openFolderAbove(a, home_, make);
     if (!altrove) return altrove.error();
     if (auto mosso = renameExclusively(*qui, *altrove); !mosso) return mosso;
-    toSync_.insert(parentOf(std::string(da)));
-    toSync_.insert(parentOf(std::string(a)));
+    toSync_.insert(posix::folderOf(da));
+    toSync_.insert(posix::folderOf(a));
     return {};
   }
 

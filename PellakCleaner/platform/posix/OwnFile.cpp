@@ -29,12 +29,6 @@ void giveFolder(const std::string& cartella) {
 
 }  // namespace
 
-std::string folderOf(std::string_view percorso) {
-  const std::size_t barra = percorso.rfind('/');
-  if (barra == std::string_view::npos) return ".";
-  return barra == 0 ? "/" : std::string(percorso.substr(0, barra));
-}
-
 void giveToOwner(int file, int cartella) {
   if (::geteuid() != 0) return;
   struct stat suo {};
@@ -69,7 +63,7 @@ Result<Descriptor> openOwnAt(int cartella, const std::string& nome, int flags) {
 Result<Descriptor> openOwn(const std::string& percorso, int flags) {
   const Descriptor cartella(::open(folderOf(percorso).c_str(), kFolderFlags));
   if (!cartella) return errnoError(errno);
-  return openOwnAt(cartella.get(), percorso.substr(percorso.rfind('/') + 1), flags);
+  return openOwnAt(cartella.get(), std::string(nameOf(percorso)), flags);
 }
 
 Result<void> writeAll(int file, std::string_view testo) {

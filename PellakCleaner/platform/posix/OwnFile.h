@@ -6,14 +6,13 @@
 
 #include "platform/Result.h"
 #include "platform/posix/Descriptor.h"
+#include "platform/posix/PathParts.h"
 
 namespace pellak::posix {
 
 /// The calls that files of our own are made with. Nothing at a path makes them wait or is written
 /// to unless it is a regular file, and what root makes belongs to the owner of its folder: a home
 /// folder's user must be able to write it again.
-
-std::string folderOf(std::string_view percorso);
 
 /// Opens a regular file, a final symbolic link not followed; O_CREAT makes it for its user alone.
 /// Errors: invalid (no regular file), failed (a link among them), missing, denied, full, readOnly.

@@ -101,8 +101,7 @@ void Riserva::rifornisci() {
   // Where the number of files has no limit the system says none.
   const bool abbastanza = volume.f_files == 0 || volume.f_favail >= kFilesLeft;
   if (libero / kShare < kMinBytes || !abbastanza) return;
-  const Descriptor cartella =
-      folderAt(sopra.get(), cartella_.substr(cartella_.rfind('/') + 1).c_str());
+  const Descriptor cartella = folderAt(sopra.get(), std::string(nameOf(cartella_)).c_str());
   if (!cartella) return;
   const Descriptor nomi = folderAt(cartella.get(), kNames);
   if (!nomi) return;

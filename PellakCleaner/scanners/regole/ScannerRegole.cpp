@@ -17,23 +17,14 @@ namespace {
 
 constexpr double kSecondsPerDay = 86'400;
 
-std::string figlio(const std::string& cartella, std::string_view nome) {
-  std::string percorso = cartella == "/" ? std::string() : cartella;
-  percorso += '/';
-  percorso += nome;
-  return percorso;
-}
-
 /// A place of the rules as a path: "~" expanded and the folder above it real. Empty when the
 /// place isn't absolute or there is no such folder.
 std::string luogo(const walker::Ambiente& ambiente, std::string_view scritto,
                   const std::string& home) {
   const std::string percorso = standardizza(scritto, home);
   if (percorso.empty() || percorso == "/") return percorso;
-  const std::size_t barra = percorso.rfind('/');
-  const auto sopra =
-      walker::realPath(ambiente, percorso.substr(0, std::max<std::size_t>(barra, 1)));
-  return sopra ? figlio(*sopra, percorso.substr(barra + 1)) : std::string();
+  const auto sopra = walker::realPath(ambiente, cartellaSopra(percorso));
+  return sopra ? unisci(*sopra, ultimoComponente(percorso)) : std::string();
 }
 
 char minuscola(char lettera) {
@@ -113,7 +104,7 @@ class Raccolta {
     if (!nomi) return;
     if (trovati_.empty()) trovati_.reserve(nomi->size());
     for (const std::string& nome : *nomi) {
-      if (finisceCon(nome, suffisso)) trovati_.push_back(figlio(cartella, nome));
+      if (finisceCon(nome, suffisso)) trovati_.push_back(unisci(cartella, nome));
     }
   }
 
@@ -148,10 +139,7 @@ class SpazioComune {
 
   bool puo(std::uint64_t dev, const std::string& file) {
     const auto [volume, nuovo] = noti_.try_emplace(dev);
-    if (nuovo) {
-      const std::size_t barra = std::max<std::size_t>(file.rfind('/'), 1);
-      volume->second = walker::sharesSpace(ambiente_, std::string_view(file).substr(0, barra));
-    }
+    if (nuovo) volume->second = walker::sharesSpace(ambiente_, cartellaSopra(file));
     return volume->second;
   }
 

@@ -2,11 +2,6 @@
 
 namespace pellak::walker {
 
-void appendName(std::string& percorso, std::string_view name) {
-  if (!percorso.ends_with('/')) percorso += '/';
-  percorso += name;
-}
-
 FolderRef::FolderRef(const FolderRef& other) : folder_(other.folder_) {
   if (folder_ != nullptr) folder_->owners_.fetch_add(1, std::memory_order_relaxed);
 }
@@ -33,7 +28,7 @@ std::string Folder::path() const {
   }
   std::string percorso = chain.back()->name_;
   percorso.reserve(length);
-  for (std::size_t i = chain.size() - 1; i-- > 0;) appendName(percorso, chain[i]->name_);
+  for (std::size_t i = chain.size() - 1; i-- > 0;) appendNome(percorso, chain[i]->name_);
   return percorso;
 }
 

@@ -6,13 +6,11 @@
 #include <string_view>
 #include <utility>
 
+#include "PellakCore/base/BytePath.h"
 #include "PellakCore/base/Guarded.h"
 #include "platform/DirectoryLister.h"
 
 namespace pellak::walker {
-
-/// Joins a folder's path and an entry's name; "/" gets no second slash.
-void appendName(std::string& percorso, std::string_view name);
 
 class Folder;
 

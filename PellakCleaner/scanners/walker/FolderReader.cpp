@@ -28,7 +28,7 @@ void tellRefusal(const Ambiente& ambiente, const Error& error, const PathOf& per
 bool staysOut(const Ambiente& ambiente, std::string_view name, const PathOf& percorso) {
   if (ambiente.confini == nullptr || !ambiente.confini->forse(name)) return false;
   std::string folder = percorso();
-  appendName(folder, name);
+  appendNome(folder, name);
   return ambiente.confini->fuori(folder);
 }
 
@@ -78,7 +78,7 @@ std::optional<EntryAttributes> attributesOf(const Ambiente& ambiente, const List
   if (asked) return *asked;
   tellRefusal(ambiente, asked.error(), [&] {
     std::string child = percorso();
-    appendName(child, name);
+    appendNome(child, name);
     return child;
   });
   return std::nullopt;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "PellakCore/base/BytePath.h"
+
 namespace pellak::walker {
 
 bool FreeSpace::plain(std::size_t worker, const EntryAttributes& attributes) const {
@@ -35,15 +37,14 @@ void FreeSpace::file(std::size_t worker, std::size_t root, const DirectoryHandle
 void FreeSpace::rootFile(std::size_t worker, std::size_t root, const std::string& percorso,
                          const EntryAttributes& attributes) {
   Part& part = parts_[worker];
-  const std::size_t slash = percorso.rfind('/');
-  const std::string_view parent =
-      std::string_view(percorso).substr(0, std::max<std::size_t>(slash, 1));
+  const std::string_view parent = cartellaSopra(percorso);
   if (!plain(worker, attributes) && (part.parent == nullptr || part.parentPath != parent)) {
     auto opened = ambiente_.lister.open(parent);
     part.parentPath = parent;
     part.parent = opened ? std::move(opened).value() : nullptr;
   }
-  file(worker, root, part.parent.get(), std::string_view(percorso).substr(slash + 1), attributes);
+  file(worker, root, part.parent.get(), std::string_view(percorso).substr(percorso.rfind('/') + 1),
+       attributes);
 }
 
 void FreeSpace::count(Part& part, std::size_t root, const OwnSpace& own,

@@ -79,7 +79,7 @@ class Worker {
   static std::string pathOf(const FolderTask& task) {
     if (!task.parent) return task.name;
     std::string percorso = task.parent->path();
-    appendName(percorso, task.name);
+    appendNome(percorso, task.name);
     return percorso;
   }
 

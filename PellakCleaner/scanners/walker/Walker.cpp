@@ -18,7 +18,7 @@ class PathMaker {
     if (seen.folder.get() != folder_.get()) {
       folder_ = seen.folder;
       path_ = folder_->path();
-      appendName(path_, {});
+      appendNome(path_, {});
       stem_ = path_.size();
     }
     path_.resize(stem_);
@@ -124,7 +124,7 @@ std::vector<std::string> walkLevel(const Ambiente& ambiente, std::string_view ca
   Listing listing;
   const auto child = [&](std::string_view name) {
     std::string percorso(cartella);
-    appendName(percorso, name);
+    appendNome(percorso, name);
     return percorso;
   };
   if (filtro.entra && !filtro.entra(cartella)) return folders;
