@@ -1,7 +1,7 @@
 import { computed, signal } from "@preact/signals";
 import { type Errore, perche } from "./rotte";
 import { vista } from "./store";
-import { frase } from "./testo";
+import { frase, unSoloDuePunti } from "./testo";
 
 /** A recorded operation and how many items it moved. */
 export interface OperazioneFatta {
@@ -43,7 +43,7 @@ export function mostraAvviso(nuovo: Partial<Avviso> & { testo: string }): void {
 }
 
 export function mostraErrore(errore: Errore, prima = ""): void {
-  const testo = prima ? `${prima}: ${perche(errore)}` : perche(errore);
+  const testo = unSoloDuePunti(prima ? `${prima}: ${perche(errore)}` : perche(errore));
   mostraAvviso({ tono: "errore", testo: `${frase(testo)}.` });
 }
 

@@ -26,6 +26,8 @@ export interface Lavoro {
   nome: string;
   fatti: number;
   totale: number;
+  /** It goes in one request: how far it is can't be told, nor can it be stopped. */
+  intero: boolean;
   /** Whether it was asked to stop: it does after the request that runs. */
   fermato: boolean;
 }
@@ -98,7 +100,8 @@ export async function spostaNelCestino(spostamenti: readonly Spostamento[]): Pro
   if (alLavoro.value) return;
   const totale = spostamenti.reduce((somma, s) => somma + s.quanti, 0);
   const sezione = vista.value;
-  lavoro.value = { nome: "Spostamento nel Cestino", fatti: 0, totale, fermato: false };
+  const nome = "Spostamento nel Cestino";
+  lavoro.value = { nome, fatti: 0, totale, intero: totale === 1, fermato: false };
   chiudiAvviso();
   try {
     const bilancio: Bilancio = { mossi: 0, byte: 0, operazioni: [], falliti: [] };
@@ -133,7 +136,8 @@ export async function ripristina(
 ): Promise<void> {
   if (alLavoro.value) return;
   const totale = index === undefined ? operazioni.reduce((somma, o) => somma + o.quanti, 0) : 1;
-  lavoro.value = { nome: "Ripristino", fatti: 0, totale, fermato: false };
+  const intero = operazioni.length === 1;
+  lavoro.value = { nome: "Ripristino", fatti: 0, totale, intero, fermato: false };
   chiudiAvviso();
   try {
     let rimessi = 0;

@@ -1,5 +1,5 @@
 import type { Finding, Sezione } from "./rotte";
-import { conDimensioni, dimensione } from "./testo";
+import { conDimensioni, dimensione, unSoloDuePunti } from "./testo";
 
 /**
  * The two words for room on the disk. "libera": what emptying the Trash surely gives back;
@@ -62,7 +62,7 @@ export function statoMostrato(sezione: Sezione): string {
     return status.startsWith("Scansione:") ? `Scansione di ${fase(sezione)}` : fase(sezione);
   const [, prima = "", resto = ""] = /^(.*?(?:\.(?= )|$))(.*)$/s.exec(status) ?? [];
   const somma = prima.startsWith("Recuperabili ");
-  const stato = somma ? inDueParole(sezione) : conDimensioni(prima);
+  const stato = somma ? inDueParole(sezione) : unSoloDuePunti(conDimensioni(prima));
   if (sezione.disponibile) return `${stato}${resto}`.trim();
   if (stato && (somma || GRAVE.test(stato))) return `${stato}${resto} ${INCOMPLETA}`;
   return `${ASSENTE}${resto}`;

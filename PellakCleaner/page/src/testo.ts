@@ -15,7 +15,13 @@ export function dimensione(byte: number): string {
 }
 
 function conVirgola(cifre: string): string {
-  return cifre.replace(/\.0$/, "").replace(".", ",");
+  const [intere = "", decimali = "0"] = cifre.split(".");
+  return conPunti(intere) + (decimali === "0" ? "" : `,${decimali}`);
+}
+
+/** A point before every three figures, from a thousand on: engines differ in where they begin. */
+function conPunti(cifre: string): string {
+  return cifre.replace(/\B(?=(?:\d{3})+$)/g, ".");
 }
 
 /** The native side's texts with their sizes written that way too. */
@@ -26,10 +32,9 @@ export function conDimensioni(testo: string): string {
   );
 }
 
-const numeri = new Intl.NumberFormat("it-IT");
-
+/** A whole number: "12", "2.000". */
 export function numero(valore: number): string {
-  return numeri.format(valore);
+  return conPunti(String(valore));
 }
 
 export function quanti(valore: number, uno: string, tanti: string): string {
@@ -93,6 +98,11 @@ export function conTilde(percorso: string, casa: string): string {
   if (!casa || casa === "/") return percorso;
   if (percorso === casa) return "~";
   return percorso.startsWith(`${casa}/`) ? `~${percorso.slice(casa.length)}` : percorso;
+}
+
+/** Where a text would hold two colons, the first becomes a dot: "Categoria · npm: cache". */
+export function unSoloDuePunti(testo: string): string {
+  return /: .*: /.test(testo) ? testo.replace(": ", " · ") : testo;
 }
 
 /** A failure's words as a sentence. */

@@ -5,7 +5,9 @@ import { alLavoro, apriCestino, fermaLavoro, lavoro, ripristina } from "../cesti
 import { casa } from "../store";
 import { conTilde, frase, mostrabile, numero, quanti } from "../testo";
 import { Anello } from "./Anello";
+import { Avanzamento } from "./Avanzamento";
 import { Pulsante, PulsanteIcona } from "./Pulsante";
+import "./PiedeAzioni.css";
 import "./Avvisi.css";
 
 const MAX_FALLITI = 50;
@@ -24,16 +26,17 @@ export function Avvisi() {
 function InCorso() {
   const attuale = lavoro.value;
   if (!attuale) return null;
-  const { nome, fatti, totale, fermato } = attuale;
+  const { nome, fatti, totale, intero, fermato } = attuale;
+  const quante = intero ? numero(totale) : `${numero(fatti)} di ${numero(totale)}`;
   return (
-    <div class="avviso avviso-attesa">
+    <div class="piede avviso avviso-attesa">
       <Anello etichetta="attesa" />
       <p class="avviso-testo">
         {nome}
-        {totale > 1 && <span class="misura"> {`${numero(fatti)} di ${numero(totale)}`}</span>}
+        {totale > 1 && <span class="misura"> {quante}</span>}
       </p>
-      {totale > 1 && <progress aria-label={nome} max={totale} value={fatti} />}
-      {totale > 1 && (
+      {totale > 1 && <Avanzamento etichetta={nome} quota={intero ? null : fatti / totale} />}
+      {!intero && (
         <Pulsante Icona={Square} disabled={fermato} onClick={fermaLavoro}>
           {fermato ? "Mi fermo…" : "Interrompi"}
         </Pulsante>
@@ -65,7 +68,7 @@ function UnAvviso({ avviso: attuale }: { avviso: Avviso }) {
     if (conTasti && document.activeElement === document.body) striscia.current?.focus();
   }, [attuale]);
   return (
-    <div class={`avviso avviso-${attuale.tono}`} ref={striscia} tabIndex={-1}>
+    <div class={`piede avviso avviso-${attuale.tono}`} ref={striscia} tabIndex={-1}>
       {attuale.tono === "errore" ? (
         <CircleAlert size={17} aria-hidden="true" />
       ) : (

@@ -1,6 +1,7 @@
 import type { LucideIcon } from "lucide-preact";
 import type { ComponentChildren } from "preact";
 import { frase, mostrabile } from "../testo";
+import "./Vuoto.css";
 import "./NonDisponibile.css";
 
 interface Proprieta {
@@ -16,7 +17,7 @@ interface Proprieta {
 /** What a view shows when this system lacks what it is about. */
 export function NonDisponibile({ Icona, nome, motivo, children }: Proprieta) {
   return (
-    <section class="non-disponibile" aria-label={`${nome}: non disponibile`}>
+    <section class="vuoto non-disponibile" aria-label={`${nome}: non disponibile`}>
       <span class="non-disponibile-icona">
         <Icona size={26} strokeWidth={1.5} aria-hidden="true" />
       </span>

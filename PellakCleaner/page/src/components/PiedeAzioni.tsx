@@ -1,4 +1,5 @@
 import type { LucideIcon } from "lucide-preact";
+import type { ComponentChildren } from "preact";
 import { Pulsante } from "./Pulsante";
 import "./PiedeAzioni.css";
 
@@ -15,7 +16,7 @@ interface Proprieta {
   /** What waits, and how much of it: "3 modifiche in sospeso". */
   testo: string;
   /** Beside it: what it comes to, or what the action asks for. */
-  nota?: string;
+  nota?: ComponentChildren;
   azioni: readonly Azione[];
 }
 
@@ -23,9 +24,9 @@ interface Proprieta {
 export function PiedeAzioni({ etichetta, testo, nota, azioni }: Proprieta) {
   return (
     <section class="piede" aria-label={etichetta}>
-      <p role="status">
+      <p class="piede-testo" role="status">
         <strong>{testo}</strong>
-        {nota && <span class="tenue">{nota}</span>}
+        {nota}
       </p>
       {azioni.map(({ testo: nome, esegui, tipo = "normale", Icona, disabled = false }) => (
         <Pulsante

@@ -1,6 +1,7 @@
 import { CircleAlert, CircleCheck, Lock } from "lucide-preact";
 import { useId } from "preact/hooks";
 import { frase, mostrabile } from "../testo";
+import { Avanzamento } from "./Avanzamento";
 import { Pulsante } from "./Pulsante";
 import "./SchedaAttivita.css";
 
@@ -77,8 +78,6 @@ interface ProprietaCorsa {
 }
 
 function Corsa({ fase, percento, fasi }: ProprietaCorsa) {
-  const noto = percento !== undefined;
-  const valore = noto ? Math.min(100, Math.max(0, Math.round(percento))) : 0;
   const qui = fasi.indexOf(fase);
   return (
     <div class="attivita-corsa">
@@ -91,17 +90,10 @@ function Corsa({ fase, percento, fasi }: ProprietaCorsa) {
           ))}
         </ol>
       )}
-      <div
-        class={noto ? "attivita-barra" : "attivita-barra attivita-barra-ignota"}
-        role="progressbar"
-        aria-label={fase}
-        {...(noto ? { "aria-valuenow": valore, "aria-valuemin": 0, "aria-valuemax": 100 } : {})}
-      >
-        <span style={noto ? { width: `${valore}%` } : {}} />
-      </div>
+      <Avanzamento etichetta={fase} quota={percento === undefined ? null : percento / 100} />
       <p class="attivita-quanto">
         <span>{fase}</span>
-        {noto && <span class="misura">{valore} %</span>}
+        {percento !== undefined && <span class="misura">{Math.round(percento)} %</span>}
       </p>
     </div>
   );

@@ -303,7 +303,7 @@ function RigaSezione({ sezione }: { sezione: Sezione }) {
       <span class="pallino" style={{ background: `var(--sezione-${sezione.id})` }} />
       <span class="sezioni-nome">{sezione.name}</span>
       <span class="sezioni-stato">{statoDi(sezione)}</span>
-      {sezione.scanning ? (
+      {sezione.scanning && !preclusa(sezione) ? (
         <Anello etichetta="scansione in corso" />
       ) : (
         <span class={`misura ${testo ? classe : "tenue"}`}>{testo || "–"}</span>

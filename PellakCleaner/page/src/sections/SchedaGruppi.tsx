@@ -44,7 +44,7 @@ export function SchedaGruppi({ mostrata, sola, filtro, memoria }: ProprietaSched
           <Casella
             stato={statoDi(mostrata, scelte)}
             cambia={(si) => scegli(chiavi(mostrata), si)}
-            etichetta={`${filtro ? testoSeleziona(gruppi.length) : "Seleziona tutto"}: ${mostrabile(finding.name)}`}
+            etichetta={`${filtro ? testoSeleziona(gruppi.length) : "Seleziona tutto"} in ${mostrabile(finding.name)}`}
           />
         )
       }

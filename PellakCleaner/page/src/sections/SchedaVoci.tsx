@@ -37,7 +37,7 @@ export function SchedaVoci({ mostrata, sola, filtro, memoria }: ProprietaScheda)
           <Casella
             stato={tutte}
             cambia={(si) => scegli(chiavi(mostrata), si)}
-            etichetta={`${filtro ? testoSeleziona(voci.length) : "Seleziona tutto"}: ${mostrabile(finding.name)}`}
+            etichetta={`${filtro ? testoSeleziona(voci.length) : "Seleziona tutto"} in ${mostrabile(finding.name)}`}
           />
         )
       }

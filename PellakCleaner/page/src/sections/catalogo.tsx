@@ -25,16 +25,19 @@ function sezione(id: string, nome: string, Icona: LucideIcon): Vista {
     colore: `var(--sezione-${id})`,
     Contenuto: () => <Sezione id={id} />,
     conteggio: () => conteggio(id),
-    spenta: () => {
-      const dati = cercaSezione(id);
-      return dati !== null && preclusa(dati);
-    },
+    spenta: () => cercaSezione(id) !== null && attiva(id) === null,
     conScelta: () => memoria(id).conScelta.value,
     scansiona: () => void scansiona(id),
     parola: () => parola(id),
-    inCorso: () => cercaSezione(id)?.scanning ?? false,
-    inCoda: () => cercaSezione(id)?.queued ?? false,
+    inCorso: () => attiva(id)?.scanning ?? false,
+    inCoda: () => attiva(id)?.queued ?? false,
   };
+}
+
+/** The section where it can be scanned: another one has no part in what a scan of all is at. */
+function attiva(id: string) {
+  const dati = cercaSezione(id);
+  return dati && !preclusa(dati) ? dati : null;
 }
 
 function conteggio(id: string): string {

@@ -8,7 +8,7 @@ import {
   FolderOpen,
   RefreshCw,
 } from "lucide-preact";
-import { useEffect, useId, useMemo, useState } from "preact/hooks";
+import { useEffect, useId, useMemo } from "preact/hooks";
 import { mostra } from "../cestino";
 import { Anello } from "../components/Anello";
 import { Elenco } from "../components/Elenco";
@@ -21,9 +21,18 @@ import { casa, visibile } from "../store";
 import { conDimensioni, frase, mostrabile, numero, quanti } from "../testo";
 import type { Vista as DatiVista } from "../vista";
 import { type Indicata, MappaAlbero } from "./MappaAlbero";
-import { apriMappa, briciole, dentro, misuraDiNuovo, sopra, statoMappa, vai } from "./mappaStato";
+import {
+  apriMappa,
+  briciole,
+  dentro,
+  filtroMappa,
+  misuraDiNuovo,
+  sopra,
+  statoMappa,
+  vai,
+} from "./mappaStato";
 import { tinte } from "./tessere";
-import { tipoDi } from "./tipi";
+import { coloreDi, tipoDi } from "./tipi";
 import "./Mappa.css";
 
 export const mappa: DatiVista = {
@@ -134,7 +143,7 @@ function Briciole({ percorso }: { percorso: string }) {
 }
 
 function Cartella({ dati }: { dati: RispostaMappa }) {
-  const [filtro, setFiltro] = useState("");
+  const filtro = filtroMappa.value;
   const voci = useMemo(() => {
     const cercato = filtro.trim().toLowerCase();
     return cercato ? dati.items.filter((v) => v.nome.toLowerCase().includes(cercato)) : dati.items;
@@ -151,7 +160,11 @@ function Cartella({ dati }: { dati: RispostaMappa }) {
     <div class="mappa">
       <MappaAlbero dati={dati} entra={entra} indicata={indicata} elenco={elenco} />
       <div class="mappa-lista">
-        <Ricerca valore={filtro} cambia={setFiltro} etichetta="Filtra per nome" />
+        <Ricerca
+          valore={filtro}
+          cambia={(testo) => (filtroMappa.value = testo)}
+          etichetta="Filtra per nome"
+        />
         <Lista dati={dati} voci={voci} entra={entra} indicata={indicata} id={elenco} />
       </div>
     </div>
@@ -171,7 +184,7 @@ function Lista({ dati, voci, entra, indicata, id }: ProprietaLista) {
   const tinta = useMemo(() => tinte(dati.items), [dati.items]);
   if (voci.length === 0) return <p class="elenco-vuoto">Nessuna voce con questo nome.</p>;
   return (
-    <AreaScorrevole classe="mappa-scorri">
+    <AreaScorrevole classe="mappa-scorri" ricorda={`mappa ${dati.path}`}>
       <Elenco
         etichetta="Contenuto della cartella"
         voci={voci}
@@ -191,21 +204,19 @@ function Lista({ dati, voci, entra, indicata, id }: ProprietaLista) {
             <>
               <div role="gridcell" class="cella-nome">
                 <span class="mappa-nome">
-                  <Icona
-                    size={15}
-                    aria-label={voce.dir ? "cartella" : "file"}
-                    class={`tipo-${tipoDi(voce.nome, voce.dir)}`}
-                  />
+                  <Icona size={15} aria-label={voce.dir ? "cartella" : "file"} />
                   <bdi class="nome" title={nome}>
                     {nome}
                   </bdi>
                 </span>
                 <span class="mappa-barra" aria-hidden="true">
                   <span
-                    class={voce.dir ? "sfondo-voce" : `sfondo-${tipoDi(voce.nome, false)}`}
+                    class={voce.dir ? "sfondo-voce" : "sfondo-tipo"}
                     style={{
                       width: `${Math.max(0, (voce.size / massimo) * 100)}%`,
-                      ...(voce.dir ? { "--tinta": String(tinta.get(voce.nome)) } : {}),
+                      ...(voce.dir
+                        ? { "--tinta": String(tinta.get(voce.nome)) }
+                        : coloreDi(tipoDi(voce.nome, false))),
                     }}
                   />
                 </span>

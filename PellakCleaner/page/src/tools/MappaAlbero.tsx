@@ -3,7 +3,7 @@ import { useLayoutEffect, useMemo, useRef, useState } from "preact/hooks";
 import type { FiglioMappa, RispostaMappa, VoceMappa } from "../rotte";
 import { conDimensioni, dimensione, mostrabile, quanti } from "../testo";
 import { type Posto, type Tessera, tessere, tinte, vicina } from "./tessere";
-import { type Tipo, nomiTipi, tipoDi } from "./tipi";
+import { type Tipo, coloreDi, nomiTipi, tipoDi } from "./tipi";
 
 export interface Indicata {
   nome: string;
@@ -120,12 +120,12 @@ function UnaTessera(props: ProprietaTessera) {
   const conMisura = interne.length > 0 ? largo > 140 : largo > 68 && alto > 42;
   const accesa = useComputed(() => indicata.value?.nome === voce.nome);
   const nome = mostrabile(voce.nome);
-  const colore = tinta === undefined ? {} : { "--tinta": String(tinta) };
-  const sfondo = perTipo ? `sfondo-${tipoDi(voce.nome, voce.dir)}` : "";
+  const tipo = tipoDi(voce.nome, voce.dir);
+  const colore = tinta === undefined ? coloreDi(tipo) : { "--tinta": String(tinta) };
   const misurata = voce.size >= 0;
   const classi = [
     "tessera",
-    voce.dir ? "tessera-cartella" : sfondo || "tessera-file",
+    voce.dir ? "tessera-cartella" : perTipo ? "sfondo-tipo" : "tessera-file",
     interne.length > 0 && "tessera-aperta",
     !misurata && "tessera-ignota",
     accesa.value && "tessera-accesa",
@@ -138,6 +138,7 @@ function UnaTessera(props: ProprietaTessera) {
         class={classi.filter(Boolean).join(" ")}
         style={{ ...stile(props), ...colore }}
         data-nome={voce.nome}
+        data-tipo={tipo}
         tabIndex={attiva ? 0 : -1}
         title={`${nome}\n${conDimensioni(voce.size_h)}`}
         onClick={() => entra(voce)}
@@ -180,7 +181,7 @@ function Legenda({ lista }: { lista: Tessera[] }) {
         .filter((tipo) => presenti.has(tipo))
         .map((tipo) => (
           <li key={tipo}>
-            <span class={`pallino sfondo-${tipo}`} />
+            <span class="pallino sfondo-tipo" style={coloreDi(tipo)} />
             {nomiTipi[tipo]}
           </li>
         ))}

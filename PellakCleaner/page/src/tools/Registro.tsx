@@ -13,7 +13,15 @@ import { Vista } from "../components/Vista";
 import { Vuoto } from "../components/Vuoto";
 import { type Operazione, fallita } from "../rotte";
 import { usePorzione } from "../sections/usePorzione";
-import { cartellaDi, dimensione, mostrabile, nomeDi, quando, quanti } from "../testo";
+import {
+  cartellaDi,
+  dimensione,
+  mostrabile,
+  nomeDi,
+  quando,
+  quanti,
+  unSoloDuePunti,
+} from "../testo";
 import type { Vista as DatiVista } from "../vista";
 
 export const registro: DatiVista = {
@@ -50,7 +58,7 @@ async function rimetti(op: string, index?: number): Promise<void> {
 
 function corrisponde(op: Operazione, cercato: string): boolean {
   return (
-    op.azione.toLowerCase().includes(cercato) ||
+    unSoloDuePunti(op.azione).toLowerCase().includes(cercato) ||
     op.items.some((item) => item.orig.toLowerCase().includes(cercato))
   );
 }
@@ -104,8 +112,9 @@ function UnaOperazione({ op }: { op: Operazione }) {
   const aperta = aperte.value.has(op.id);
   const tornati = op.items.filter((item) => item.rip).length;
   const tutti = tornati === op.items.length;
+  const azione = mostrabile(unSoloDuePunti(op.azione));
   return (
-    <section class="scheda" data-operazione={op.id} aria-label={mostrabile(op.azione)}>
+    <section class="scheda" data-operazione={op.id} aria-label={azione}>
       <div class="scheda-testa">
         <div class="scheda-titoli">
           <h2>
@@ -116,7 +125,7 @@ function UnaOperazione({ op }: { op: Operazione }) {
               onClick={() => apri(op.id, !aperta)}
             >
               <ChevronRight size={15} aria-hidden="true" class="scheda-freccia" />
-              <bdi>{mostrabile(op.azione)}</bdi>
+              <bdi>{azione}</bdi>
             </button>
           </h2>
           <p class="sotto sotto-rientrato">

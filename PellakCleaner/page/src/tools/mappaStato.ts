@@ -16,6 +16,9 @@ const INTERVALLO = 500;
 
 export const statoMappa = signal<StatoMappa>({ percorso: "", mappa: null, errore: "" });
 
+/** What the list is filtered by: it stays with the view, and goes with the folder. */
+export const filtroMappa = signal("");
+
 let richiesta = 0;
 let timer: number | undefined;
 let aperta = false;
@@ -57,6 +60,7 @@ function anticipo(percorso: string): RispostaMappa | null {
 /** Goes to a folder. What is known of it shows at once, the rest when the answer is there. */
 export function vai(percorso: string): Promise<void> {
   if (percorso !== statoMappa.value.percorso) {
+    filtroMappa.value = "";
     statoMappa.value = { percorso, mappa: anticipo(percorso), errore: "" };
   }
   return chiedi(percorso, false);

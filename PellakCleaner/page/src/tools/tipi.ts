@@ -30,6 +30,11 @@ const tipi = new Map<string, Tipo>(
   ),
 );
 
+/** The colour of a kind, as a style for what has the class "sfondo-tipo". */
+export function coloreDi(tipo: Tipo): Record<string, string> {
+  return { "--tipo": `var(--tipo-${tipo})` };
+}
+
 export function tipoDi(nome: string, cartella: boolean): Tipo {
   if (cartella) return "cartella";
   const punto = nome.lastIndexOf(".");

@@ -52,7 +52,7 @@ describe("moving to the Trash and putting back", () => {
     await page.getByLabel(`Seleziona ${OSTILE}`, { exact: true }).check();
     await page.getByLabel(`Seleziona ${ROTTO_MOSTRATO}`, { exact: true }).check();
     await page.locator('[data-finding="pip-cache"] .casella').first().check();
-    expect(await page.locator(".selezione").innerText()).toMatch(
+    expect(await page.locator('[aria-label="Selezione"]').innerText()).toMatch(
       /4 elementi selezionati\s*libera almeno 4,6 MiB/,
     );
 
@@ -76,7 +76,7 @@ describe("moving to the Trash and putting back", () => {
       ".npm/_cacache/content-v2/dati",
       `.npm/_cacache/${ROTTO_MOSTRATO}`,
     ]);
-    expect(await page.locator(".selezione").count()).toBe(0);
+    expect(await page.locator('[aria-label="Selezione"]').count()).toBe(0);
     expect(await page.locator('[data-finding="pip-cache"]').count()).toBe(0);
 
     await page.getByRole("button", { name: "Rimetti a posto" }).click();
@@ -101,11 +101,11 @@ describe("moving to the Trash and putting back", () => {
     expect(await page.getByRole("heading", { level: 1 }).innerText()).toBe("Sviluppo");
     await premi("Control+f");
     expect(await fuoco()).toBe("Filtra schede, file, cartelle");
-    for (let i = 0; i < 5 && (await fuoco()) !== "Seleziona tutto: npm: cache"; i++) {
+    for (let i = 0; i < 5 && (await fuoco()) !== "Seleziona tutto in npm: cache"; i++) {
       await premi("Tab");
     }
     await premi("Space");
-    await page.locator(".selezione").waitFor();
+    await page.locator('[aria-label="Selezione"]').waitFor();
     for (let i = 0; i < 20 && (await fuoco()) !== "Sposta nel Cestino"; i++) await premi("Tab");
     await premi("Enter");
     await page.getByRole("dialog").waitFor();
@@ -132,7 +132,7 @@ describe("moving to the Trash and putting back", () => {
     expect(await page.locator("[data-finding]").count(), "cards without a match go").toBe(1);
     expect(await page.locator(".trovate span").innerText()).toMatch(/^1 di \d+ voci, 3 MiB$/);
     await page.locator('[data-finding="npm-cache"] .casella').first().check();
-    const barra = page.locator(".selezione");
+    const barra = page.locator('[aria-label="Selezione"]');
     expect(await barra.innerText()).toMatch(
       /1 elemento selezionato\s+libera almeno 3 MiB\s+1 .*nascosto dal/,
     );
@@ -173,7 +173,7 @@ describe("moving to the Trash and putting back", () => {
 
     await finestra.vai("registro");
     const operazione = page.locator("[data-operazione]");
-    await operazione.getByRole("button", { name: "Categoria: npm: cache" }).click();
+    await operazione.getByRole("button", { name: "Categoria · npm: cache" }).click();
     const voce = operazione
       .locator("li")
       .filter({ has: page.locator(".nome", { hasText: OSTILE }) });

@@ -42,7 +42,7 @@ describe("map, settings, polling", () => {
     await page.keyboard.press("ArrowUp");
     expect(await page.evaluate(() => document.activeElement?.textContent)).toContain("Filmati");
     await archivio.click({ position: { x: 12, y: 8 } });
-    await page.locator(".tessera.sfondo-archivi").waitFor();
+    await page.locator('.tessera[data-tipo="archivi"]').waitFor();
     await page.locator(".briciole").getByText("Cartella utente").click();
     await page.locator(".tessera", { hasText: "Filmati" }).waitFor();
 
@@ -52,6 +52,10 @@ describe("map, settings, polling", () => {
     await page.keyboard.press("Backspace");
     expect(await righe.allInnerTexts()).toHaveLength(1);
     expect(await page.locator(".briciole").innerText()).toBe("Cartella utente");
+    await finestra.vai("registro");
+    await finestra.vai("mappa");
+    expect(await page.locator("[data-ricerca]").inputValue(), "the filter stays").toBe("im");
+    expect(await righe.allInnerTexts()).toHaveLength(1);
   });
 
   test("settings: saved at once, never outside the range, folders one by one, reset", async () => {

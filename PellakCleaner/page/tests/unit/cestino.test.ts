@@ -66,7 +66,9 @@ test("a large lot goes in parts that can be stopped, and all of them can be undo
     [0, 500],
     [500, 1000],
   ]);
-  expect(avviso.value?.testo).toMatch(/^1500 elementi spostati nel Cestino, 1,5 KiB\. Interrotto/);
+  expect(avviso.value?.testo).toMatch(
+    /^1\.500 elementi spostati nel Cestino, 1,5 KiB\. Interrotto/,
+  );
   expect(avviso.value?.operazioni.map((o) => o.id)).toEqual(["op2", "op1"]);
 });
 

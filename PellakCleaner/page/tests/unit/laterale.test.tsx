@@ -2,8 +2,20 @@ import { render } from "preact";
 import { act } from "preact/test-utils";
 import { expect, test } from "vitest";
 import { BarraLaterale } from "../../src/components/BarraLaterale";
-import { vista } from "../../src/store";
+import { sezioni, vista } from "../../src/store";
 import { dalMenu } from "../../src/tasti";
+import { sezione } from "./esempi";
+
+test("a section that can't be scanned has no part in the queue", () => {
+  const inCoda = { queued: true, scanned: false };
+  sezioni.value = [
+    sezione("privacy", [], { ...inCoda, scandibile: false }),
+    sezione("avvio", [], inCoda),
+  ];
+  render(<BarraLaterale />, document.body);
+  const testo = (id: string) => document.querySelector(`[data-vista="${id}"]`)?.textContent;
+  expect([testo("privacy"), testo("avvio")]).toEqual(["Privacy", "App di avvioin coda"]);
+});
 
 test("arrows open the next view; a folded group keeps the one on screen and can be opened", () => {
   render(<BarraLaterale />, document.body);

@@ -1,15 +1,33 @@
 import { expect, test } from "vitest";
 import { ammesso } from "../../src/components/CampoNumero";
-import { conDimensioni, conTilde, dimensione, mostrabile, quando } from "../../src/testo";
+import {
+  conDimensioni,
+  conTilde,
+  dimensione,
+  mostrabile,
+  numero,
+  quando,
+  unSoloDuePunti,
+} from "../../src/testo";
 import { briciole, dentro, sopra } from "../../src/tools/mappaStato";
 
 test("sizes round as the native side's and read as Italians write them", () => {
   const casi = [0, 1023, 1024, 1536, 1_048_575, 1_048_576, 1024 ** 6, -2048];
-  const attesi = "0 B, 1023 B, 1 KiB, 1,5 KiB, 1024 KiB, 1 MiB, 1024 PiB, -2 KiB";
+  const attesi = "0 B, 1.023 B, 1 KiB, 1,5 KiB, 1.024 KiB, 1 MiB, 1.024 PiB, -2 KiB";
   expect(casi.map(dimensione).join(", ")).toBe(attesi);
   expect(conDimensioni("Recuperabili 1.6 GiB. Scaricati 84.0 MiB di 10 B")).toBe(
     "Recuperabili 1,6 GiB. Scaricati 84 MiB di 10 B",
   );
+  expect([0, 999, 2000, 50_000, 1_234_567, -2000].map(numero)).toEqual([
+    "0",
+    "999",
+    "2.000",
+    "50.000",
+    "1.234.567",
+    "-2.000",
+  ]);
+  expect(unSoloDuePunti("Categoria: npm: cache")).toBe("Categoria · npm: cache");
+  expect(unSoloDuePunti("npm: cache")).toBe("npm: cache");
 });
 
 test("signs that could disguise a name become visible, text stays as it is", () => {
