@@ -3,7 +3,6 @@
 import json
 import os
 import pathlib
-import select
 import shutil
 import signal
 import subprocess
@@ -11,79 +10,12 @@ import time
 import unittest
 
 from programma import PROGRAMMA, ConCasa
+from schermo import PAZIENZA, ConSchermo, riga_di
 
 NOTIFICHE = os.environ["PELLAK_NOTIFICHE"]
-PAZIENZA = 60
-BUS = """<!DOCTYPE busconfig PUBLIC '-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN'
- 'http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd'>
-<busconfig><type>session</type><listen>unix:path={}</listen><policy context='default'>
-<allow send_destination='*'/><allow receive_sender='*'/><allow own='*'/></policy></busconfig>"""
 
 
-def riga_di(flusso, pazienza=PAZIENZA):
-    """The next line of a pipe, without its end; nothing when none comes."""
-    pronti, _, _ = select.select([flusso], [], [], pazienza)
-    return flusso.readline().decode().rstrip("\n") if pronti else None
-
-
-class Finestra(ConCasa):
-    @classmethod
-    def setUpClass(cls):
-        cls.schermo = subprocess.Popen(
-            ["Xvfb", "-displayfd", "1", "-screen", "0", "1280x900x24", "-nolisten", "tcp"],
-            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-        cls.numero = ":" + riga_di(cls.schermo.stdout)
-        cls.addClassCleanup(cls._ferma, cls.schermo)
-
-    @staticmethod
-    def _ferma(processo):
-        processo.kill()
-        processo.wait()
-        for flusso in (processo.stdin, processo.stdout, processo.stderr):
-            if flusso:
-                flusso.close()
-
-    def setUp(self):
-        super().setUp()
-        indirizzo = self.casa / "bus"
-        impostazioni = self.casa / "bus.conf"
-        impostazioni.write_text(BUS.format(indirizzo))
-        bus = subprocess.Popen(["dbus-daemon", "--nofork", f"--config-file={impostazioni}"],
-                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        self.addCleanup(self._ferma, bus)
-        self.attendi(indirizzo.exists)
-        corrente = self.casa / "corrente"
-        corrente.mkdir(0o700)
-        self.ambiente.update({
-            "DISPLAY": self.numero, "DBUS_SESSION_BUS_ADDRESS": f"unix:path={indirizzo}",
-            "XDG_RUNTIME_DIR": str(corrente), "LIBGL_ALWAYS_SOFTWARE": "1",
-            "NO_AT_BRIDGE": "1", "GDK_BACKEND": "x11"})
-
-    def attendi(self, vero):
-        limite = time.monotonic() + PAZIENZA
-        while not vero():
-            self.assertLess(time.monotonic(), limite, "never happened")
-            time.sleep(0.02)
-
-    def apri(self, **variabili):
-        """Starts the program in its window."""
-        processo = subprocess.Popen([PROGRAMMA], env={**self.ambiente, **variabili},
-                                    stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-        self.addCleanup(self._ferma, processo)
-        return processo
-
-    def pagina(self, script, **variabili):
-        """What a script in the page returns, four seconds after the launch."""
-        processo = self.apri(PELLAK_JS=script, **variabili)
-        return riga_di(processo.stdout)
-
-    def righe(self, **variabili):
-        """What a run that ends by itself prints."""
-        processo = self.apri(**variabili)
-        uscita, _ = processo.communicate(timeout=PAZIENZA)
-        self.assertEqual(processo.returncode, 0)
-        return uscita.decode().splitlines()
-
+class Finestra(ConSchermo):
     def test_opens_its_own_page_and_survives_the_window(self):
         inizio = str(time.monotonic_ns())
         riga, = self.righe(PELLAK_TIME_START=inizio)

@@ -65,20 +65,18 @@ export function Vista(props: Proprieta) {
   return (
     <main class="vista" aria-label={titolo}>
       <header class="testata">
-        <div class="testata-titoli">
-          <h1>{titolo}</h1>
-          {stato && (
-            <p class="testata-stato" role="status">
-              {stato}
-            </p>
-          )}
-        </div>
+        <h1>{titolo}</h1>
         {strumenti && <div class="testata-strumenti">{strumenti}</div>}
         {(azioni || inAttesa.value) && (
           <div class="testata-azioni">
             {inAttesa.value && <Anello etichetta="attesa" />}
             {azioni}
           </div>
+        )}
+        {stato && (
+          <p class="testata-stato" role="status">
+            {stato}
+          </p>
         )}
         {sotto && <div class="testata-sotto">{sotto}</div>}
       </header>

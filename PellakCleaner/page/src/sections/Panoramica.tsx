@@ -292,10 +292,11 @@ function Sezioni() {
 
 function RigaSezione({ sezione }: { sezione: Sezione }) {
   const { testo, classe } = misuraDi(sezione);
+  const attiva = !preclusa(sezione);
   return (
     <button
       type="button"
-      class={preclusa(sezione) ? "sezioni-riga sezioni-spenta" : "sezioni-riga"}
+      class={attiva ? "sezioni-riga" : "sezioni-riga sezioni-spenta"}
       onClick={() => {
         vista.value = sezione.id;
       }}
@@ -303,9 +304,8 @@ function RigaSezione({ sezione }: { sezione: Sezione }) {
       <span class="pallino" style={{ background: `var(--sezione-${sezione.id})` }} />
       <span class="sezioni-nome">{sezione.name}</span>
       <span class="sezioni-stato">{statoDi(sezione)}</span>
-      {sezione.scanning && !preclusa(sezione) ? (
-        <Anello etichetta="scansione in corso" />
-      ) : (
+      {attiva && sezione.scanning && <Anello etichetta="scansione in corso" />}
+      {attiva && !sezione.scanning && (
         <span class={`misura ${testo ? classe : "tenue"}`}>{testo || "–"}</span>
       )}
       <ChevronRight size={15} aria-hidden="true" class="sezioni-freccia" />

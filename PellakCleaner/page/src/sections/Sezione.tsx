@@ -122,12 +122,11 @@ export function Sezione({ id }: { id: string }) {
   );
 }
 
-/** What the last scan came to, and when it was. */
+/** What the last scan came to, and when it was; where there is none to make, the view says so. */
 function statoConData(sezione: DatiSezione): string {
+  if (preclusa(sezione)) return "";
   const stato = statoMostrato(sezione) || (sezione.queued ? "In coda" : "");
-  if (sezione.scanning || sezione.queued || sezione.last_scan <= 0 || preclusa(sezione)) {
-    return stato;
-  }
+  if (sezione.scanning || sezione.queued || sezione.last_scan <= 0) return stato;
   return [stato.replace(/\.$/, ""), quando(sezione.last_scan)].filter(Boolean).join(" · ");
 }
 
@@ -195,7 +194,7 @@ function CercaIn({ sezione }: { sezione: string }) {
   const luoghi = senzaContenute(radici.value[sezione] ?? []);
   if (luoghi.length === 0) return null;
   const testo = luoghi.map((luogo) => mostrabile(conTilde(luogo, casa.value))).join(", ");
-  return <span class="descrizione-quando">Cerca in: {testo}.</span>;
+  return <span class="descrizione-luoghi">Cerca in: {testo}.</span>;
 }
 
 const SEZIONI_CON_RADICI = { duplicati: true, grandi: true };

@@ -60,7 +60,10 @@ test("a live table waits under the pointer and the focus; choice and scroll stay
   const righe = page.locator(".tabella-righe [role=row]");
   const nomi = async () =>
     (await righe.allInnerTexts()).slice(0, 8).map((testo) => testo.split("\n")[0]);
-  const scorri = (a: number) => page.locator(".tabella").evaluate((el, y) => (el.scrollTop = y), a);
+  const scorri = async (a: number) => {
+    await page.locator(".tabella").evaluate((el, y) => (el.scrollTop = y), a);
+    await page.evaluate(() => new Promise((f) => requestAnimationFrame(() => setTimeout(f, 30))));
+  };
   const prima = await nomi();
   await chiama(page, "aggiorna");
   const ferme = await nomi();
