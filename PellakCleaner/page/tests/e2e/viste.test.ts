@@ -38,12 +38,24 @@ async function distendi({ page }: Finestra): Promise<void> {
   }
 }
 
+async function senzaDifetti({ page }: Finestra, dove: string): Promise<void> {
+  await page.evaluate(axe.source);
+  const { violations } = await page.evaluate(() =>
+    (globalThis as unknown as { axe: typeof axe }).axe.run(),
+  );
+  expect(
+    violations.map((v) => `${v.id}: ${v.nodes.map((n) => n.html).join(" | ")}`),
+    dove,
+  ).toEqual([]);
+}
+
 describe.each([false, true])("every view, dark: %s", (scuro) => {
   let casa: Casa;
   let finestra: Finestra;
   beforeAll(async () => {
     casa = casaPiena();
     finestra = await Finestra.apri(casa.home, { scuro, ritocco: conScena });
+    await senzaDifetti(finestra, "first launch");
     await finestra.scansionaTutto();
     const { page } = finestra;
     await page.evaluate((p) => {
@@ -54,6 +66,8 @@ describe.each([false, true])("every view, dark: %s", (scuro) => {
     await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
     expect(await page.getByRole("dialog").innerText()).toContain(OSTILE);
     await page.getByRole("dialog").getByRole("button", { name: "Sposta nel Cestino" }).click();
+    await page.getByRole("button", { name: "Rimetti a posto" }).waitFor();
+    await senzaDifetti(finestra, "notice");
     await page.getByRole("button", { name: "Rimetti a posto" }).click();
     await page.getByText(/rimessi al loro posto/).waitFor();
     await finestra.scansionaTutto();
@@ -108,13 +122,20 @@ describe.each([false, true])("every view, dark: %s", (scuro) => {
       await finestra.vai(vista);
       if (vista === "mappa") await finestra.page.locator(".tessera").first().waitFor();
       await distendi(finestra);
-      await finestra.page.evaluate(axe.source);
-      const { violations } = await finestra.page.evaluate(() =>
-        (globalThis as unknown as { axe: typeof axe }).axe.run(),
-      );
-      const trovate = violations.map((v) => `${v.id}: ${v.nodes.map((n) => n.html).join(" | ")}`);
-      expect(trovate, vista).toEqual([]);
+      await senzaDifetti(finestra, vista);
     }
+    const { page } = finestra;
+    await finestra.vai("sviluppo");
+    await page.locator('[data-finding="npm-cache"] .casella').first().check();
+    await page.locator("[data-ricerca]").fill("content");
+    await senzaDifetti(finestra, "filter and choice");
+    await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
+    await senzaDifetti(finestra, "question");
+    await page.keyboard.press("Escape");
+    await page.locator("[data-ricerca]").fill("mai vista");
+    await senzaDifetti(finestra, "nothing found");
+    await page.getByRole("button", { name: "Cancella filtro" }).click();
+    await page.getByRole("button", { name: "Deseleziona" }).click();
   });
 
   test.each([
