@@ -30,6 +30,10 @@ class Files {
   /// `limite` bytes), failed.
   virtual Result<std::string> read(std::string_view percorso, std::size_t limite) = 0;
 
+  /// What the file gives until its end, at most `massimo` bytes of it: for files of the system,
+  /// which tell no size. Errors: missing, denied, invalid (no regular file), failed.
+  virtual Result<std::string> readToEnd(std::string_view percorso, std::size_t massimo) = 0;
+
   /// Puts `pezzi`, joined, in the place of the file or leaves the old file untouched: temporary
   /// file in the same folder, write, sync, rename, sync of the folder. Missing folders are
   /// made. Errors: denied, full, readOnly, failed.

@@ -3,6 +3,7 @@
 #include "fakes/CartellaTemporanea.h"
 #include "platform/linux/MountsLinux.h"
 #include "platform/linux/SystemProbeLinux.h"
+#include "platform/posix/FilesPosix.h"
 
 namespace pellak::native {
 namespace {
@@ -100,6 +101,9 @@ TEST_F(SystemProbeLinuxTest, AnswersWithNothingWhereNothingIsToldAndWithSenseHer
   EXPECT_GT(disk->total, disk->free);
   EXPECT_GE(disk->total, disk->used + disk->free) << "what is kept for root is neither";
   EXPECT_GT(here.memory()->total, here.memory()->used);
+  posix::FilesPosix files;
+  EXPECT_EQ(files.readToEnd("/proc/self/stat", 5)->size(), 5U) << "a file that tells no size";
+  EXPECT_EQ(files.readToEnd("/proc/self", 5).error().kind, ErrorKind::invalid);
 }
 
 }  // namespace

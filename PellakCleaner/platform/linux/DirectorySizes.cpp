@@ -9,6 +9,7 @@
 #include "platform/linux/TrashFolder.h"
 #include "platform/linux/TrashRecord.h"
 #include "platform/posix/OwnFile.h"
+#include "platform/posix/ReadToEnd.h"
 
 namespace pellak::native {
 namespace {
@@ -24,15 +25,9 @@ std::optional<std::string> readCache(int cartella) {
     const bool manca = file.error().kind == ErrorKind::missing;
     return manca ? std::optional<std::string>(std::string()) : std::nullopt;
   }
-  std::string testo;
-  char parte[8192];
-  while (testo.size() <= kMaxCache) {
-    const ssize_t letti = ::read(file->get(), parte, sizeof parte);
-    if (letti < 0 && errno == EINTR) continue;
-    if (letti <= 0) return letti < 0 ? std::nullopt : std::optional<std::string>(std::move(testo));
-    testo.append(parte, static_cast<std::size_t>(letti));
-  }
-  return std::nullopt;
+  auto testo = posix::readToEnd(file->get(), kMaxCache + 1);
+  if (!testo || testo->size() > kMaxCache) return std::nullopt;
+  return std::move(*testo);
 }
 
 bool isThere(int cartella, const std::string& nome) {

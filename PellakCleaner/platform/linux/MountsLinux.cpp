@@ -3,16 +3,18 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <fstream>
 #include <optional>
 #include <sstream>
 #include <string_view>
 #include <utility>
 
 #include "platform/posix/ErrnoError.h"
+#include "platform/posix/ReadToEnd.h"
 
 namespace pellak::native {
 namespace {
+
+constexpr std::size_t kMaxBytes = std::size_t{64} << 20U;
 
 /// Served by other computers; whatever begins with "fuse" comes from a program. "autofs" stands
 /// where looking would mount something.
@@ -64,8 +66,11 @@ std::optional<Mount> mountOf(const std::string& line) {
 }  // namespace
 
 Result<std::vector<Mount>> MountsLinux::list() {
-  std::ifstream input(table_);
-  if (!input) return posix::errnoError(errno);
+  const auto table = posix::readToEnd(table_, kMaxBytes);
+  if (!table) return table.error();
+  // A list cut short would show places as free that are not.
+  if (table->size() == kMaxBytes) return posix::errnoError(EFBIG);
+  std::istringstream input(*table);
   std::vector<Mount> mounts;
   for (std::string line; std::getline(input, line);) {
     std::optional<Mount> mount = mountOf(line);
@@ -78,8 +83,6 @@ Result<std::vector<Mount>> MountsLinux::list() {
       mounts.push_back(std::move(*mount));
     }
   }
-  // A list cut short would show places as free that are not.
-  if (input.bad()) return posix::errnoError(EIO);
   return mounts;
 }
 

@@ -3,13 +3,16 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
-#include <fstream>
 #include <sys/stat.h>
+
+#include "platform/posix/ReadToEnd.h"
 
 namespace pellak::native {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr std::size_t kMaxName = 4096;
 
 bool leadsTo(const fs::path& link, const struct stat& cosa) {
   struct stat info {};
@@ -39,9 +42,9 @@ std::optional<std::string> programHolding(const std::string& percorso) {
     const bool processo = std::all_of(numero.begin(), numero.end(),
                                       [](unsigned char c) { return std::isdigit(c) != 0; });
     if (!processo || !holds(voce->path(), cosa)) continue;
-    std::ifstream nome(voce->path() / "comm");
-    std::string riga;
-    if (std::getline(nome, riga) && !riga.empty()) return riga;
+    const auto nome = posix::readToEnd((voce->path() / "comm").native(), kMaxName);
+    const std::string riga = nome ? nome->substr(0, nome->find('\n')) : std::string();
+    if (!riga.empty()) return riga;
   }
   return {};
 }

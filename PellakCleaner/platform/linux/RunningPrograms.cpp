@@ -2,14 +2,13 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "platform/linux/KeyFile.h"
-#include "platform/posix/Descriptor.h"
 #include "platform/posix/PathParts.h"
+#include "platform/posix/ReadToEnd.h"
 
 namespace pellak::native {
 namespace {
@@ -18,18 +17,9 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kMaxProcBytes = std::size_t{64} << 10U;
 
-/// Files of /proc have no size; they are read until they end.
 std::string readProc(const std::string& path) {
-  std::string text;
-  const posix::Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  if (!file) return text;
-  char piece[4096];
-  while (text.size() < kMaxProcBytes) {
-    const ssize_t count = ::read(file.get(), piece, sizeof piece);
-    if (count <= 0) break;
-    text.append(piece, static_cast<std::size_t>(count));
-  }
-  return text;
+  auto text = posix::readToEnd(path, kMaxProcBytes);
+  return text ? *text : std::string();
 }
 
 std::string linkTarget(const std::string& link) {

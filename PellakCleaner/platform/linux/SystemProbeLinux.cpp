@@ -4,11 +4,11 @@
 #include <array>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <numeric>
 #include <sstream>
 #include <sys/statvfs.h>
+
+#include "platform/posix/ReadToEnd.h"
 
 namespace pellak::native {
 namespace {
@@ -17,16 +17,17 @@ namespace fs = std::filesystem;
 
 constexpr std::int64_t kKib = 1024;
 
+constexpr std::size_t kMaxBytes = std::size_t{1} << 20U;
+
 std::string content(const std::string& file) {
-  std::ifstream input(file);
-  return {std::istreambuf_iterator<char>(input), std::istreambuf_iterator<char>()};
+  auto text = posix::readToEnd(file, kMaxBytes);
+  return text ? *text : std::string();
 }
 
 std::string firstLine(const std::string& file) {
-  std::ifstream input(file);
-  std::string line;
-  std::getline(input, line);
-  return line;
+  std::string text = content(file);
+  text.resize(std::min(text.find('\n'), text.size()));
+  return text;
 }
 
 std::optional<double> number(const std::string& file) {
@@ -90,7 +91,7 @@ std::optional<int> minutesToFull(const std::string& folder) {
 
 std::vector<CoreTicks> SystemProbeLinux::cores() {
   std::vector<CoreTicks> found;
-  std::ifstream input(proc_ + "/stat");
+  std::istringstream input(content(proc_ + "/stat"));
   for (std::string line; std::getline(input, line);) {
     if (!line.starts_with("cpu")) break;
     std::istringstream words(line);
@@ -103,8 +104,9 @@ std::vector<CoreTicks> SystemProbeLinux::cores() {
 }
 
 std::optional<NetBytes> SystemProbeLinux::network() {
-  std::ifstream input(proc_ + "/net/dev");
-  if (!input) return {};
+  const auto table = posix::readToEnd(proc_ + "/net/dev", kMaxBytes);
+  if (!table) return {};
+  std::istringstream input(*table);
   NetBytes sum;
   for (std::string line; std::getline(input, line);) {
     const std::size_t colon = line.find(':');

@@ -13,6 +13,7 @@
 
 #include "platform/posix/ErrnoError.h"
 #include "platform/posix/OwnFile.h"
+#include "platform/posix/ReadToEnd.h"
 
 namespace pellak::native {
 namespace {
@@ -28,24 +29,14 @@ constexpr std::size_t kRecordsPerLane = 100;
 /// A line of our own, which other readers of records must pass over.
 constexpr std::string_view kOperation = "X-Pellak-Op=";
 
-std::string readAll(int file) {
-  std::string testo;
-  char parte[4096];
-  while (testo.size() < kMaxRecord) {
-    const ssize_t letti = ::read(file, parte, sizeof parte);
-    if (letti < 0 && errno == EINTR) continue;
-    if (letti <= 0) break;
-    testo.append(parte, static_cast<std::size_t>(letti));
-  }
-  return testo;
-}
-
 /// Nothing when there is no file.
 std::optional<std::string> readRecord(const TrashFolder& cestino, const std::string& nome) {
   const Descriptor file(::openat(cestino.info.get(), recordName(nome).c_str(),
                                  O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
   if (!file && errno == ENOENT) return std::nullopt;
-  return file ? readAll(file.get()) : std::string();
+  if (!file) return std::string();
+  auto testo = posix::readToEnd(file.get(), kMaxRecord);
+  return testo ? *testo : std::string();
 }
 
 /// The rest of the first whole line that begins with `chiave`.

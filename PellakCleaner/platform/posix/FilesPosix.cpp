@@ -15,6 +15,7 @@
 #include "platform/posix/Descriptor.h"
 #include "platform/posix/ErrnoError.h"
 #include "platform/posix/OwnFile.h"
+#include "platform/posix/ReadToEnd.h"
 #include "platform/posix/RoomAhead.h"
 
 namespace pellak::posix {
@@ -132,24 +133,26 @@ auto FilesPosix::conRiserva(std::string_view percorso, Scrivi&& scrivi) {
 }
 
 Result<std::string> FilesPosix::read(std::string_view percorso, std::size_t limite) {
+  const auto file = openRegular(std::string(percorso));
+  if (!file) return file.error();
   struct stat info {};
-  const std::string nome(percorso);
-  // To open a device, or a pipe, is to do something with it.
-  if (::stat(nome.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) return errnoError(EINVAL);
-  const Descriptor file = openForReading(nome);
-  if (!file || ::fstat(file.get(), &info) != 0) return lastError();
+  if (::fstat(file->get(), &info) != 0) return lastError();
   const auto attesi = static_cast<std::size_t>(info.st_size);
-  if (!S_ISREG(info.st_mode) || attesi > limite) return errnoError(EINVAL);
+  if (attesi > limite) return errnoError(EINVAL);
   std::string testo(attesi, '\0');
   std::size_t letti = 0;
   while (letti < testo.size()) {
-    const ssize_t parte = ::read(file.get(), testo.data() + letti, testo.size() - letti);
+    const ssize_t parte = ::read(file->get(), testo.data() + letti, testo.size() - letti);
     if (parte < 0 && errno != EINTR) return lastError();
     if (parte == 0) break;
     if (parte > 0) letti += static_cast<std::size_t>(parte);
   }
   testo.resize(letti);
   return testo;
+}
+
+Result<std::string> FilesPosix::readToEnd(std::string_view percorso, std::size_t massimo) {
+  return posix::readToEnd(std::string(percorso), massimo);
 }
 
 Result<void> FilesPosix::replace(std::string_view percorso,

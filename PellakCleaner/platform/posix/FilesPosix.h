@@ -12,6 +12,7 @@ class FilesPosix : public Files {
   explicit FilesPosix(Riserva* riserva = nullptr) : riserva_(riserva) {}
 
   Result<std::string> read(std::string_view percorso, std::size_t limite) override;
+  Result<std::string> readToEnd(std::string_view percorso, std::size_t massimo) override;
   Result<void> replace(std::string_view percorso, std::span<const std::string_view> pezzi) override;
   Result<void> appendLine(std::string_view percorso, std::string_view riga) override;
   Result<void> makeFolder(std::string_view percorso) override;
