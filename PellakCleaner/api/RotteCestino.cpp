@@ -97,21 +97,6 @@ Risposta spostata(const Esito& esito, bool saltati = false, bool quante = false)
   return conTesto(uscita.endObject().take());
 }
 
-void scriviOperazione(JsonWriter& uscita, const trash::Operazione& operazione) {
-  uscita.beginObject().key("id").text(operazione.id).key("ts").number(operazione.ts);
-  uscita.key("azione").text(operazione.azione).key("tot").integer(operazione.tot);
-  if (!operazione.nota.empty()) uscita.key("nota").text(operazione.nota);
-  uscita.key("items").beginArray();
-  for (const trash::Mossa& mossa : operazione.items) {
-    uscita.beginObject().key("orig").text(mossa.orig);
-    if (!mossa.trash.empty()) uscita.key("trash").text(mossa.trash);
-    uscita.key("rip").boolean(mossa.rip);
-    if (mossa.insieme != 0) uscita.key("insieme").integer(mossa.insieme);
-    uscita.endObject();
-  }
-  uscita.endArray().endObject();
-}
-
 }  // namespace
 
 Risposta trash(Servizi& servizi, Json corpo) {
@@ -190,7 +175,7 @@ Risposta log(Servizi& servizi, Json /*corpo*/) {
   JsonWriter uscita;
   uscita.beginObject().key("ops").beginArray();
   servizi.cestino.log(
-      [&](const trash::Operazione& operazione) { scriviOperazione(uscita, operazione); });
+      [&](const trash::Operazione& operazione) { trash::scriviOperazione(uscita, operazione); });
   return conTesto(uscita.endArray().endObject().take());
 }
 

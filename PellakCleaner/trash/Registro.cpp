@@ -59,8 +59,7 @@ Result<void> Registro::scrivi(std::string riga) {
   return files_.appendLine(percorso_, riga);
 }
 
-Result<void> Registro::logOperation(const Operazione& operazione) {
-  JsonWriter uscita;
+void scriviOperazione(JsonWriter& uscita, const Operazione& operazione) {
   uscita.beginObject().key("id").text(operazione.id).key("ts").number(operazione.ts);
   uscita.key("azione").text(operazione.azione).key("tot").integer(operazione.tot);
   if (!operazione.nota.empty()) uscita.key("nota").text(operazione.nota);
@@ -73,6 +72,11 @@ Result<void> Registro::logOperation(const Operazione& operazione) {
     uscita.endObject();
   }
   uscita.endArray().endObject();
+}
+
+Result<void> Registro::logOperation(const Operazione& operazione) {
+  JsonWriter uscita;
+  scriviOperazione(uscita, operazione);
   return scrivi(uscita.take());
 }
 

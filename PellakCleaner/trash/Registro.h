@@ -16,7 +16,8 @@
 
 namespace pellak {
 class Json;
-}
+class JsonWriter;
+}  // namespace pellak
 
 namespace pellak::trash {
 
@@ -39,6 +40,9 @@ struct Operazione {
   std::string nota;
   std::vector<Mossa> items;
 };
+
+/// As the log keeps it and the page lists it.
+void scriviOperazione(JsonWriter& uscita, const Operazione& operazione);
 
 /// The operations log: one JSON object a line, only ever appended to. A restore appends a line of
 /// its own ("ripristino" names the operation, "indici" its items), which readers lay over the
