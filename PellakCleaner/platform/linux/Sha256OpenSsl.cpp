@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "platform/posix/Sha256Instructions.h"
+#include "platform/posix/TwinLanes.h"
 
 namespace pellak::native {
 namespace {
@@ -41,29 +42,11 @@ class Computation {
   std::unique_ptr<EVP_MD_CTX, FreeContext> context_{EVP_MD_CTX_new()};
 };
 
-class Sha256OpenSsl final : public TwinSha256 {
- public:
-  void update(std::size_t lane, std::span<const std::byte> data) override {
-    lanes_[lane].update(data);
-  }
-  void updateBoth(std::span<const std::byte> first, std::span<const std::byte> second) override {
-    lanes_[0].update(first);
-    lanes_[1].update(second);
-  }
-  std::unique_ptr<TwinSha256> fork(std::size_t lane) const override {
-    auto forked = std::make_unique<Sha256OpenSsl>();
-    forked->lanes_[0].continueFrom(lanes_[lane]);
-    return forked;
-  }
-  Sha256Digest finish(std::size_t lane) override { return lanes_[lane].finish(); }
-
- private:
-  std::array<Computation, kLanes> lanes_;
-};
-
 }  // namespace
 
-std::unique_ptr<TwinSha256> creaSha256OpenSsl() { return std::make_unique<Sha256OpenSsl>(); }
+std::unique_ptr<TwinSha256> creaSha256OpenSsl() {
+  return std::make_unique<posix::TwinLanes<Computation>>();
+}
 
 }  // namespace pellak::native
 

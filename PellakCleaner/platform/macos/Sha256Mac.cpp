@@ -4,6 +4,7 @@
 
 #include "platform/Sha256.h"
 #include "platform/posix/Sha256Instructions.h"
+#include "platform/posix/TwinLanes.h"
 
 namespace pellak {
 namespace {
@@ -21,6 +22,8 @@ class Computation {
     }
   }
 
+  void continueFrom(const Computation& other) { context_ = other.context_; }
+
   Sha256Digest finish() {
     Sha256Digest digest{};
     CC_SHA256_Final(digest.data(), &context_);
@@ -32,31 +35,11 @@ class Computation {
   CC_SHA256_CTX context_{};
 };
 
-class Sha256CommonCrypto final : public TwinSha256 {
- public:
-  void update(std::size_t lane, std::span<const std::byte> data) override {
-    lanes_[lane].update(data);
-  }
-  void updateBoth(std::span<const std::byte> first, std::span<const std::byte> second) override {
-    lanes_[0].update(first);
-    lanes_[1].update(second);
-  }
-  std::unique_ptr<TwinSha256> fork(std::size_t lane) const override {
-    auto forked = std::make_unique<Sha256CommonCrypto>();
-    forked->lanes_[0] = lanes_[lane];
-    return forked;
-  }
-  Sha256Digest finish(std::size_t lane) override { return lanes_[lane].finish(); }
-
- private:
-  std::array<Computation, kLanes> lanes_;
-};
-
 }  // namespace
 
 std::unique_ptr<TwinSha256> creaTwinSha256() {
   if (auto fastest = posix::creaSha256Instructions()) return fastest;
-  return std::make_unique<Sha256CommonCrypto>();
+  return std::make_unique<posix::TwinLanes<Computation>>();
 }
 
 }  // namespace pellak
