@@ -36,10 +36,7 @@ class RotteCestinoTest : public Richieste {
   }
 
   std::size_t nelCestino(const std::string& cartella) const {
-    const std::string percorso = home / ".local/share/Trash/" + cartella;
-    if (!fs::exists(percorso)) return 0;
-    return static_cast<std::size_t>(
-        std::distance(fs::directory_iterator(percorso), fs::directory_iterator()));
+    return fakes::quanteVoci(home / ".local/share/Trash/" + cartella);
   }
 
   std::string primaOp() {

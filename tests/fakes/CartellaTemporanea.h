@@ -42,4 +42,11 @@ inline std::string leggiFile(const std::string& percorso) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
+/// What a folder holds; nothing where there is none.
+inline std::size_t quanteVoci(const std::string& cartella) {
+  std::error_code manca;
+  const std::filesystem::directory_iterator voci(cartella, manca);
+  return static_cast<std::size_t>(std::distance(begin(voci), end(voci)));
+}
+
 }  // namespace pellak::fakes

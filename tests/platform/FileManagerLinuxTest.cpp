@@ -15,14 +15,12 @@ namespace {
 using namespace std::chrono_literals;
 
 FakeService fileManager() {
-  FakeService service;
-  service.name = "org.freedesktop.FileManager1";
-  service.path = "/org/freedesktop/FileManager1";
-  service.description =
-      "<node><interface name='org.freedesktop.FileManager1'><method name='ShowItems'>"
-      "<arg type='as' direction='in'/><arg type='s' direction='in'/>"
-      "</method></interface></node>";
-  return service;
+  return {"org.freedesktop.FileManager1",
+          "/org/freedesktop/FileManager1",
+          "<node><interface name='org.freedesktop.FileManager1'><method name='ShowItems'>"
+          "<arg type='as' direction='in'/><arg type='s' direction='in'/>"
+          "</method></interface></node>",
+          {}};
 }
 
 class FileManagerLinuxTest : public DesktopLinux {

@@ -19,14 +19,13 @@ using namespace std::chrono_literals;
 constexpr const char* kReason = "Pellak Cleaner: tieni sveglio il Mac";
 
 FakeService screenSaver() {
-  FakeService service;
-  service.name = "org.freedesktop.ScreenSaver";
-  service.path = "/org/freedesktop/ScreenSaver";
-  service.description =
-      "<node><interface name='org.freedesktop.ScreenSaver'><method name='Inhibit'>"
-      "<arg type='s' direction='in'/><arg type='s' direction='in'/>"
-      "<arg type='u' direction='out'/></method><method name='UnInhibit'>"
-      "<arg type='u' direction='in'/></method></interface></node>";
+  FakeService service{"org.freedesktop.ScreenSaver",
+                      "/org/freedesktop/ScreenSaver",
+                      "<node><interface name='org.freedesktop.ScreenSaver'><method name='Inhibit'>"
+                      "<arg type='s' direction='in'/><arg type='s' direction='in'/>"
+                      "<arg type='u' direction='out'/></method><method name='UnInhibit'>"
+                      "<arg type='u' direction='in'/></method></interface></node>",
+                      {}};
   service.answer = [](const std::string& method, GDBusMethodInvocation* call) {
     g_dbus_method_invocation_return_value(
         call, method == "Inhibit" ? g_variant_new("(u)", 77U) : nullptr);
@@ -36,14 +35,14 @@ FakeService screenSaver() {
 
 /// Hands out the writing end of a pipe, as the real one does.
 FakeService sessionManager(int writingEnd) {
-  FakeService service;
-  service.name = "org.freedesktop.login1";
-  service.path = "/org/freedesktop/login1";
-  service.description =
+  FakeService service{
+      "org.freedesktop.login1",
+      "/org/freedesktop/login1",
       "<node><interface name='org.freedesktop.login1.Manager'><method name='Inhibit'>"
       "<arg type='s' direction='in'/><arg type='s' direction='in'/>"
       "<arg type='s' direction='in'/><arg type='s' direction='in'/>"
-      "<arg type='h' direction='out'/></method></interface></node>";
+      "<arg type='h' direction='out'/></method></interface></node>",
+      {}};
   service.answer = [writingEnd](const std::string&, GDBusMethodInvocation* call) {
     const GlibObject<GUnixFDList> list(g_unix_fd_list_new());
     const int place = g_unix_fd_list_append(list.get(), writingEnd, nullptr);

@@ -59,10 +59,7 @@ class TrashCanLinuxTest : public testing::Test {
     return piano ? *piano : TrashPlan{};
   }
 
-  std::size_t records() const {
-    return static_cast<std::size_t>(
-        std::distance(fs::directory_iterator(trash_ + "/info"), fs::directory_iterator()));
-  }
+  std::size_t records() const { return fakes::quanteVoci(trash_ + "/info"); }
 
   fakes::CartellaTemporanea home_;
   const std::string trash_ = home_ / ".local/share/Trash";

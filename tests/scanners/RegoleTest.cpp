@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <tuple>
 
 #include "PellakCore/CartelleUtente.h"
 #include "PellakCore/Regole.h"
@@ -38,29 +39,27 @@ TEST(RegoleTest, WrongTypesCountAsAbsentAndNothingBecomesDeletable) {
 }
 
 TEST(RegoleTest, TheListsOfFilesHaveTheirDefaults) {
+  const auto elenchi = [](const Regole& r) {
+    const RegoleDuplicati& d = r.duplicati;
+    return std::tuple(d.minSizeMb, d.roots, d.excludeDirNames, d.excludeBundleSuffixes,
+                      d.excludePaths, r.grandi.minSizeMb, r.grandi.minAgeDays, r.grandi.roots,
+                      r.grandi.top);
+  };
+  using Testi = std::vector<std::string>;
   for (const char* testo :
        {"{}", R"({"categories": {}, "duplicates": [], "large_old": "testo"})",
         R"({"duplicates": {"min_size_mb": "5", "roots": "~"}, "large_old": {"top": 2.5}})"}) {
-    const Regole regole = lette(testo);
-    EXPECT_THAT(regole.categorie, IsEmpty());
-    EXPECT_EQ(regole.duplicati.minSizeMb, 5) << testo;
-    EXPECT_THAT(regole.duplicati.roots, IsEmpty());
-    EXPECT_EQ(regole.grandi.minSizeMb, 200) << testo;
-    EXPECT_EQ(regole.grandi.minAgeDays, 180) << testo;
-    EXPECT_EQ(regole.grandi.top, 25) << testo;
+    EXPECT_THAT(lette(testo).categorie, IsEmpty());
+    EXPECT_EQ(elenchi(lette(testo)),
+              std::tuple(5, Testi(), Testi(), Testi(), Testi(), 200, 180, Testi(), 25))
+        << testo;
   }
-  const Regole piene = lette(R"({
+  EXPECT_EQ(
+      elenchi(lette(R"({
       "duplicates": {"min_size_mb": 9, "roots": ["~/a"], "exclude_dir_names": ["b"],
                      "exclude_bundle_suffixes": [".c"], "exclude_paths": ["~/d"]},
-      "large_old": {"min_size_mb": 1.5, "min_age_days": 3, "roots": ["~"], "top": 4}})");
-  EXPECT_EQ(piene.duplicati.minSizeMb, 9);
-  EXPECT_THAT(piene.duplicati.roots, ElementsAre("~/a"));
-  EXPECT_THAT(piene.duplicati.excludeDirNames, ElementsAre("b"));
-  EXPECT_THAT(piene.duplicati.excludeBundleSuffixes, ElementsAre(".c"));
-  EXPECT_THAT(piene.duplicati.excludePaths, ElementsAre("~/d"));
-  EXPECT_EQ(piene.grandi.minSizeMb, 1.5);
-  EXPECT_EQ(piene.grandi.minAgeDays, 3);
-  EXPECT_EQ(piene.grandi.top, 4);
+      "large_old": {"min_size_mb": 1.5, "min_age_days": 3, "roots": ["~"], "top": 4}})")),
+      std::tuple(9, Testi{"~/a"}, Testi{"b"}, Testi{".c"}, Testi{"~/d"}, 1.5, 3, Testi{"~"}, 4));
 }
 
 TEST(RegoleTest, UserFoldersMovePlacesAndRoots) {

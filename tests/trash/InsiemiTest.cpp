@@ -100,9 +100,7 @@ class InsiemiTest : public testing::Test {
   }
 
   std::size_t voci(const std::string& cartella) const {
-    const std::string percorso = home_ / ".local/share/Trash/" + cartella;
-    return static_cast<std::size_t>(
-        std::distance(fs::directory_iterator(percorso), fs::directory_iterator()));
+    return fakes::quanteVoci(home_ / ".local/share/Trash/" + cartella);
   }
 
   /// One operation of a process that meets the fault, and the next start.
