@@ -85,8 +85,7 @@ class AppDelegate final : public DesktopEvents {
   void scriptConfirm(const std::string& testo, std::function<void(bool)> risposta) override;
   void pageGone() override;
 
-  /// Of the status item now: its text and whether the timer that refreshes it runs.
-  const std::string& titoloBarra() const { return titoloBarra_; }
+  /// Whether the timer that refreshes the status item runs.
   bool barraViva() const { return barTimer_.has_value(); }
 
  private:
