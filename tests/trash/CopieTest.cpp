@@ -88,19 +88,17 @@ TEST_F(CopieTest, AWriteRightBeforeTheMoveIsSeen) {
 }
 
 TEST_F(CopieTest, WhereOnlyTheRecordIsAnotherTheContentDecides) {
-  const auto altroFile = [&](const std::string& testo) {
+  using Cambia = std::function<void(const std::string&)>;
+  const Cambia nuoviDiritti = [&](const std::string& testo) { scrivi("a", testo, kScritto); };
+  const Cambia altroFile = [&](const std::string& testo) {
     fs::remove(home_ / "a");
     scrivi("a", testo, kScritto);
   };
-  const auto altriDiritti = [&](const std::string& testo) { scrivi("a", testo, kScritto); };
-  const auto senzaIdentita = [&](const std::string& testo) {
+  const Cambia senzaIdentita = [&](const std::string& testo) {
     gruppo_.identita.clear();
     scrivi("a", testo, kScritto);
   };
-  for (const std::function<void(const std::string&)>& cambia :
-       {std::function<void(const std::string&)>(altriDiritti),
-        std::function<void(const std::string&)>(altroFile),
-        std::function<void(const std::string&)>(senzaIdentita)}) {
+  for (const Cambia& cambia : {nuoviDiritti, altroFile, senzaIdentita}) {
     cambia("12345");
     const Sha256Digest hash = std::exchange(gruppo_.hash, {});
     EXPECT_FALSE(conservabile(0)) << "nothing to compare with";
