@@ -62,12 +62,18 @@ const fuori = (scena) => {
   return [...lista, ...tagliati].map((el) => [scena, innerWidth, el.outerHTML.slice(0, 200)]);
 };
 const trovati = [];
+let comandi = [];
 let passo = 0;
 for (const [nome, prepara] of Object.entries(scene)) {
   if (!QUALI.includes(nome)) continue;
   await prepara();
   await attesa(400);
   trovati.push(...fuori(nome));
+  if (nome === 'duplicati') {
+    comandi = ['.copia [type=radio]:not(:checked)', '.copia .casella'].map((css) => {
+      const { x, y, width, height } = document.querySelector(css).getBoundingClientRect();
+      return [x, y, width, height].map(Math.round); });
+  }
   await api('/api/settings', { auto_days: ++passo });
   await finche(() => innerWidth < 900, 'small');
   await attesa(100);
@@ -75,11 +81,23 @@ for (const [nome, prepara] of Object.entries(scene)) {
   await finche(() => innerWidth > 900, 'large');
 }
 return [trovati, matchMedia('(prefers-reduced-motion: reduce)').matches,
-  matchMedia('(prefers-color-scheme: dark)').matches, devicePixelRatio];
+  matchMedia('(prefers-color-scheme: dark)').matches, devicePixelRatio, comandi];
 """
 TUTTE = ["benvenuto", "panoramica", "sviluppo", "scelta", "filtro", "vuoto", "conferma", "avviso",
          "registro", "duplicati", "pulizia", "grandi", "privacy", "mappa", "permessi",
          "impostazioni"]
+
+
+def luce(colore):
+    """Relative luminance, as the guidelines for contrast define it."""
+    parti = [v / 12.92 if v <= 0.03928 else ((v + 0.055) / 1.055) ** 2.4
+             for v in (byte / 255 for byte in colore)]
+    return 0.2126 * parti[0] + 0.7152 * parti[1] + 0.0722 * parti[2]
+
+
+def contrasto(uno, altro):
+    chiaro, scuro = sorted((luce(uno), luce(altro)), reverse=True)
+    return (chiaro + 0.05) / (scuro + 0.05)
 
 
 class Immagini(ConSchermo):
@@ -126,6 +144,15 @@ class Immagini(ConSchermo):
         if CARTELLA:
             pathlib.Path(CARTELLA).mkdir(parents=True, exist_ok=True)
             scrivi_png(pathlib.Path(CARTELLA) / f"{nome}-{misura[0]}.png", righe)
+        return righe
+
+    def si_distingue(self, righe, x, y, largo, alto):
+        """The left edge of a control that is not chosen holds 3 : 1, apart from round corners."""
+        x, y = x + 1, y + 47  # where the page begins
+        fondo = righe[y + alto // 2][3 * (x - 4):3 * (x - 3)]
+        for riga in righe[y + alto // 4:y + 3 * alto // 4]:
+            bordo = [riga[3 * i:3 * i + 3] for i in range(x - 1, x + largo // 2)]
+            self.assertGreaterEqual(max(contrasto(fondo, pixel) for pixel in bordo), 3)
 
     def percorri(self, seguito, scene=TUTTE, scuro=False, scala=1, ferma=False):
         """Shows the scenes one after the other, each at both sizes. The page says through a setting
@@ -137,15 +164,18 @@ class Immagini(ConSchermo):
         processo = self.apri(PELLAK_JS=f"const QUALI = {json.dumps(scene)};" + SCENE,
                              GTK_THEME="Adwaita:dark" if scuro else "Adwaita",
                              GDK_SCALE=str(scala))
+        foto = {}
         detto = self.supporto / "impostazioni.json"
         for passo, scena in enumerate(scene, 1):
             self.attendi(lambda: detto.exists()
                          and json.loads(detto.read_text()).get("auto_days") == passo)
-            for misura in (GRANDE, PICCOLA):
-                self.ritrai(scena + seguito, misura, scala)
+            foto[scena] = self.ritrai(scena + seguito, GRANDE, scala)
+            self.ritrai(scena + seguito, PICCOLA, scala)
             self.ridimensiona((GRANDE[0] + 10) * scala, (GRANDE[1] + 56) * scala)
-        esito = riga_di(processo.stdout)
-        self.assertEqual(json.loads(esito), [[], ferma, scuro, scala])
+        *esito, comandi = json.loads(riga_di(processo.stdout))
+        self.assertEqual(esito, [[], ferma, scuro, scala])
+        for posto in comandi:
+            self.si_distingue(foto["duplicati"], *posto)
 
     def test_light(self):
         self.percorri("-chiaro")
