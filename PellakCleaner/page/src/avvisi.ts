@@ -7,6 +7,8 @@ import { frase, unSoloDuePunti } from "./testo";
 export interface OperazioneFatta {
   id: string;
   quanti: number;
+  /** What of it is back already: that it is in the Trash no more is no failure. */
+  tornati?: ReadonlySet<string>;
 }
 
 /** What an action led to. It belongs to the view in which it is told. */

@@ -145,7 +145,7 @@ export async function ripristina(
     const falliti: Avviso["falliti"] = [];
     const sezioni = new Set<string>();
     let note = true;
-    for (const { id: op, quanti: suoi } of operazioni) {
+    for (const { id: op, quanti: suoi, tornati } of operazioni) {
       if (fermato()) break;
       const risposta = await api("/api/restore", index === undefined ? { op } : { op, index });
       avanza((trattati += suoi));
@@ -158,6 +158,7 @@ export async function ripristina(
       if (sezione && cercaSezione(sezione)) sezioni.add(sezione);
       else note = false;
       for (const fallito of risposta.failed ?? []) {
+        if (tornati?.has(fallito.percorso)) continue;
         falliti.push({ cosa: fallito.percorso, perche: perche(fallito) });
       }
       if (risposta.avviso) falliti.push({ cosa: "", perche: risposta.avviso });

@@ -51,8 +51,9 @@ async function carica(): Promise<void> {
 }
 
 async function rimetti(op: string, index?: number): Promise<void> {
-  const quanti = operazioni.value?.find((o) => o.id === op)?.items.length ?? 1;
-  await ripristina([{ id: op, quanti }], index);
+  const items = operazioni.value?.find((o) => o.id === op)?.items ?? [];
+  const tornati = new Set(items.filter((item) => item.rip).map((item) => item.orig));
+  await ripristina([{ id: op, quanti: items.length - tornati.size, tornati }], index);
   await carica();
 }
 

@@ -184,6 +184,7 @@ describe("moving to the Trash and putting back", () => {
 
     await operazione.getByRole("button", { name: "Ripristina il resto" }).click();
     await operazione.getByText("Rimesso al suo posto").waitFor();
+    expect(await page.locator(".avviso-falliti").count(), "what was back is no failure").toBe(0);
     expect(albero(casa)).toEqual(prima);
   });
 
