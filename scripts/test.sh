@@ -8,9 +8,10 @@
 # Stages:
 #   format    clang-format over the sources
 #   shell     shellcheck over the scripts
-#   libcxx    every portable source read with clang's own C++ library, as macOS has it
-#   tidy      clang-tidy: all its checks over what changed since main; where nothing tells what
-#             changed, or nothing did, the quick ones over the program's sources
+#   tidy      every portable source read with clang's own C++ library, as macOS has it; clang-tidy
+#             with all its checks over what changed since main, or, where nothing tells what
+#             changed, or nothing did, with the quick ones over the program's sources
+#   libcxx    only the first half of tidy (only when named)
 #   tidy-all  all checks over all the program's sources (only when named)
 #   asan      the tests under AddressSanitizer and UndefinedBehaviorSanitizer
 #   tsan      the tests under ThreadSanitizer
@@ -23,7 +24,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 #
 # With PELLAK_COMPLETE=1 a test that is skipped fails its stage.
-all_stages=(format shell libcxx tidy asan tsan fuzz release)
+all_stages=(format shell tidy asan tsan fuzz release)
 # Of the many checks those that find mistakes at little cost; all are in .clang-tidy.
 quick_checks='-*,bugprone-use-after-move,bugprone-dangling-handle,bugprone-unused-return-value'
 quick_checks+=',modernize-use-override,performance-for-range-copy'
@@ -58,7 +59,7 @@ described() {
 
 stage_libcxx() {
   described
-  quietly libcxx python3 scripts/libcxx.py build/tidy
+  quietly libcxx python3 scripts/libcxx.py build/tidy "$@"
 }
 
 # base_of_changes: the commit of main that this one grew from; nothing where it is one of main's own
@@ -87,9 +88,10 @@ stage_tidy() {
   local base only
   base=$(base_of_changes)
   if [[ -z $base ]]; then
-    tidied "^$PELLAK_ROOT/PellakCleaner/" "-checks=$quick_checks"
+    stage_libcxx "$quick_checks"
     return
   fi
+  stage_libcxx
   only=$(changed_sources "$base" | sort -u | sed 's/[.+]/\\&/g' | paste -sd'|')
   [[ -z $only ]] || tidied "^$PELLAK_ROOT/($only)\$"
 }
@@ -139,8 +141,11 @@ skipped_in() {
   [[ ${PELLAK_COMPLETE:-} != 1 ]] || { say "not complete: see $1"; return 1; }
 }
 
-stage_asan() { tested asan all; }
-stage_tsan() { tested tsan all; }
+# A fresh machine has no compiler's cache to lose.
+ready=()
+[[ ${PELLAK_COMPLETE:-} != 1 ]] || ready=(-DPELLAK_READY_HEADERS=ON)
+stage_asan() { tested asan all ${ready[@]+"${ready[@]}"}; }
+stage_tsan() { tested tsan all ${ready[@]+"${ready[@]}"}; }
 stage_fuzz() { tested fuzz pellak_fuzzers; }
 stage_debug() { tested debug all -DPELLAK_TESTS=ON; }
 stage_release() { tested release all -DPELLAK_TESTS=ON -DPELLAK_BENCH=ON; }
@@ -171,7 +176,7 @@ for stage in "${stages[@]}"; do
     exit 0
   fi
   if ! declare -F "stage_$stage" >/dev/null; then
-    say "unknown stage: $stage (there are: ${all_stages[*]} tidy-all debug)"
+    say "unknown stage: $stage (there are: ${all_stages[*]} libcxx tidy-all debug)"
     exit 2
   fi
 done
