@@ -3,11 +3,14 @@
 import json
 import os
 import pathlib
+import platform
 import pty
+import re
 import select
 import shutil
 import subprocess
 import tempfile
+import termios
 import time
 import unittest
 
@@ -15,6 +18,8 @@ PROGRAMMA = os.environ["PELLAK_PROGRAMMA"]
 NOBODY = 65534
 # Sanitizers make the program slow; nothing here measures time.
 PAZIENZA = 60
+# Numbers of system calls as /proc shows them: writing to standard error, waiting for a signal.
+WRITE, SIGTIMEDWAIT = {"aarch64": ("64 0x2 ", "137 ")}.get(platform.machine(), ("1 0x2 ", "128 "))
 
 
 class ConCasa(unittest.TestCase):
@@ -115,12 +120,40 @@ class ConCasa(unittest.TestCase):
         return [json.loads(riga) for riga in uscita.splitlines()]
 
 
-def su_terminale(argomenti, ambiente, invia=None, dopo=None, guarda=None):
+def interrompi_alla_prima_riga(figlio, terminale):
+    """Ctrl-C while the program waits for its first line to be taken, which it is only when the
+    signal has arrived."""
+    def attende(compito, chiamata):
+        return pathlib.Path(compito, "syscall").read_text().startswith(chiamata)
+
+    def arrivato():
+        stato = pathlib.Path(f"/proc/{figlio}/status").read_text()
+        return (int(re.search(r"ShdPnd:\s*(\w+)", stato)[1], 16) == 0 and
+                any(attende(c, SIGTIMEDWAIT) for c in pathlib.Path(f"/proc/{figlio}/task").iterdir()))
+
+    for condizione, tasto in ((lambda: attende(f"/proc/{figlio}", WRITE), b"\x03"), (arrivato, b"")):
+        limite = time.monotonic() + PAZIENZA
+        while not condizione() and time.monotonic() < limite:
+            time.sleep(0.01)
+        os.write(terminale, tasto)
+    lato = os.open(f"/proc/{figlio}/fd/0", os.O_RDWR | os.O_NOCTTY)
+    termios.tcflow(lato, termios.TCOON)
+    os.close(lato)
+
+
+def su_terminale(argomenti, ambiente, invia=None, dopo=None, guarda=None, interrotto=False):
     """Runs the program on a pseudo-terminal; sends bytes once `dopo` was seen and `guarda` was
     called with the process's number."""
     figlio, terminale = pty.fork()
     if figlio == 0:
+        if interrotto:
+            modi = termios.tcgetattr(0)
+            modi[0] &= ~termios.IXON  # else Ctrl-C would let the output go on
+            termios.tcsetattr(0, termios.TCSANOW, modi)
+            termios.tcflow(0, termios.TCOOFF)
         os.execve(PROGRAMMA, [PROGRAMMA, *argomenti], dict(ambiente, TERM="xterm"))
+    if interrotto:
+        interrompi_alla_prima_riga(figlio, terminale)
     uscita = b""
     limite = time.monotonic() + PAZIENZA
     while time.monotonic() < limite:

@@ -2,6 +2,7 @@
 
 import json
 import os
+import pathlib
 import subprocess
 import unittest
 
@@ -91,15 +92,14 @@ class MappaGrande(ConCasa):
         for i in range(20_000):
             os.mkdir(f"{self.casa}/cose/{i % 40}/{i}")
 
-    def test_progress_and_a_clean_interrupt(self):
+    def test_progress(self):
         stato, uscita = su_terminale(["map", "~/cose"], self.ambiente)
         self.assertEqual(stato, 0, uscita[-500:])
         self.assertIn("cartelle su 40", uscita)
-        for _ in range(20):  # a measure may be over before the key arrives
-            stato, uscita = su_terminale(["map", "~/cose"], self.ambiente,
-                                         invia=b"\x03", dopo=b"cartelle su 40")
-            if stato != 0:
-                break
+
+    @unittest.skipUnless(pathlib.Path("/proc/self/syscall").exists(), "nothing tells what waits")
+    def test_a_clean_interrupt(self):
+        stato, uscita = su_terminale(["map", "~/cose"], self.ambiente, interrotto=True)
         self.assertEqual(stato, 130, uscita[-500:])
         self.assertIn("Misura interrotta.", uscita)
         self.assertNotIn("Dimensione", uscita, "no table after an interrupt")
