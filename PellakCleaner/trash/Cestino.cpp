@@ -140,7 +140,8 @@ void Cestino::prepara(Lavoro& lavoro, std::span<const Lotto> lotti) const {
 
 void Cestino::preparaUno(Lavoro& lavoro, const Candidato& voce, std::size_t lotto) const {
   if (!custode_.ammesso(voce.percorso)) {
-    lavoro.esito.failed.push_back({voce.percorso, kNonValido, {}});
+    lavoro.esito.failed.push_back(
+        {voce.percorso, kNonValido, custode_.causaDelRifiuto(voce.percorso)});
     return;
   }
   auto piano = lavoro.batch->plan(voce.percorso);

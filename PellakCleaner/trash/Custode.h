@@ -22,6 +22,10 @@ class Custode {
   /// own databases, the home folder or one that holds it, and its standard folders.
   bool ammesso(std::string_view percorso) const;
 
+  /// Why a path that is not `ammesso` has to stay, an Italian fragment; nothing where its form is
+  /// all there is to say.
+  std::string causaDelRifiuto(std::string_view percorso) const;
+
   /// Not: a path that is not in its plain form, what the system is made of or configured by (the
   /// folders of items that start by themselves may be), a Trash, and our own files.
   bool destinazione(std::string_view percorso) const;

@@ -1,3 +1,4 @@
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <fcntl.h>
@@ -24,6 +25,7 @@
 #include "platform/Sha256.h"
 #include "platform/linux/DirectoryListerLinux.h"
 #include "platform/posix/FilesPosix.h"
+#include "scanners/duplicati/Fila.h"
 #include "scanners/duplicati/ScannerDuplicati.h"
 #include "scanners/walker/Walker.h"
 
@@ -593,6 +595,18 @@ TEST_F(DuplicatiTest, FindsExactlyTheSetsOfEqualContent) {
   }
   EXPECT_GT(nostri.size(), 30U);
   EXPECT_EQ(nostri, attesi);
+}
+
+TEST(Fila, EmptiesAndFillsAgainAtTheEdgesOfItsPieces) {
+  Fila<std::array<char, 262'144>> fila;  // two to a piece
+  for (char volta = 0; volta < 6; ++volta) {
+    for (char i = 0; i < volta; ++i) fila.push_back({volta, i});
+    for (char i = 0; i < volta; ++i, fila.pop_front()) {
+      ASSERT_EQ(fila.size(), static_cast<std::size_t>(volta - i));
+      ASSERT_EQ(fila.front()[1], i);
+    }
+    ASSERT_TRUE(fila.empty());
+  }
 }
 
 }  // namespace

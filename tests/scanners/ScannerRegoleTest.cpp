@@ -131,6 +131,9 @@ TEST_F(ScannerRegoleTest, RemoteVolumesAreNeitherReadNorListedButNamed) {
   const Finding offerto = scan(regola);
   EXPECT_THAT(offerto.items, IsEmpty()) << "a folder that holds a volume can't be moved";
   EXPECT_EQ(offerto.trattenuti.at(0).percorso, "/casa/anna/c/x");
+  volumi_[1] = {"/casa/anna/c/x", "tmpfs", 3, false};
+  EXPECT_EQ(scan(regola).trattenuti.at(0).perche,
+            "è un altro disco: smontalo per poterlo spostare");
 }
 
 TEST_F(ScannerRegoleTest, PatternsMatchTheLowerCasedName) {

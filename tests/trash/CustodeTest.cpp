@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "platform/Native.h"
@@ -24,6 +25,9 @@ TEST(CustodeTest, SaysWhereThingsMayComeBackToAndOnlyTheyMayGo) {
   }
   EXPECT_FALSE(custode.destinazione(store.registro()));
   EXPECT_FALSE(custode.destinazione(store.cartella()));
+  EXPECT_FALSE(custode.ammesso("/private/var"));
+  EXPECT_EQ(custode.causaDelRifiuto("/usr/local/a"), "è un posto del sistema: non lo tocco");
+  EXPECT_THAT(custode.causaDelRifiuto("/home/u/Library"), testing::StartsWith("è una cartella"));
 }
 
 TEST(CustodeTest, UserFoldersOfOtherNamesStayThemselves) {

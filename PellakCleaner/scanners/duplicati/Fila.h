@@ -13,17 +13,13 @@ template <class T>
 class Fila {
  public:
   void push_back(T valore) {
-    if (pezzi_.empty() || pezzi_.back().size() == kPerPezzo) {
-      pezzi_.emplace_back().reserve(kPerPezzo);
-    }
+    if (messi_ % kPerPezzo == 0) pezzi_.emplace_back().reserve(kPerPezzo);
     pezzi_.back().push_back(std::move(valore));
+    ++messi_;
   }
 
-  bool empty() const { return size() == 0; }
-
-  std::size_t size() const {
-    return pezzi_.empty() ? 0 : (pezzi_.size() - 1) * kPerPezzo + pezzi_.back().size() - presi_;
-  }
+  bool empty() const { return presi_ == messi_; }
+  std::size_t size() const { return messi_ - presi_; }
 
   const T& front() const { return pezzi_[presi_ / kPerPezzo][presi_ % kPerPezzo]; }
 
@@ -35,7 +31,8 @@ class Fila {
   static constexpr std::size_t kPerPezzo = 524'288 / sizeof(T);
 
   std::vector<std::vector<T>> pezzi_;
-  std::size_t presi_ = 0;  ///< values that were taken off
+  std::size_t messi_ = 0;  ///< values that were ever put in
+  std::size_t presi_ = 0;  ///< of those, values that were taken off
 };
 
 }  // namespace pellak::scanners

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "PellakCore/PostiDelSistema.h"
 #include "PellakCore/base/BytePath.h"
 #include "scanners/Luoghi.h"
 #include "scanners/duplicati/Contenuti.h"
@@ -26,6 +27,18 @@ std::int64_t byteMinimi(std::int64_t mib) {
   return mib > kMax / kMiB ? kMax : mib * kMiB;
 }
 
+/// The system's own folders that the roots lie in or hold: what is found there could never go.
+void escludiSistema(const ScanContext& ctx, std::vector<std::string>& esclusi) {
+  for (const std::string_view posto : postiDelSistema()) {
+    const auto tocca = [&](const std::string& scritta) {
+      const std::string radice = standardizza(scritta, ctx.home);
+      return dentroCartella(radice, posto) || dentroCartella(posto, radice);
+    };
+    const std::vector<std::string>& radici = ctx.regole.duplicati.roots;
+    if (std::any_of(radici.begin(), radici.end(), tocca)) esclusi.emplace_back(posto);
+  }
+}
+
 /// What the user excluded is left out under its real path as well.
 walker::Filtro filtroDi(const ScanContext& ctx) {
   const RegoleDuplicati& regole = ctx.regole.duplicati;
@@ -38,6 +51,7 @@ walker::Filtro filtroDi(const ScanContext& ctx) {
     if (auto reale = ctx.lister.resolve(escluso)) esclusi.push_back(std::move(*reale));
     esclusi.push_back(std::move(escluso));
   }
+  escludiSistema(ctx, esclusi);
   if (esclusi.empty()) return filtro;
   filtro.entra = [esclusi = std::move(esclusi)](std::string_view percorso) {
     return std::none_of(esclusi.begin(), esclusi.end(), [&](const std::string& escluso) {

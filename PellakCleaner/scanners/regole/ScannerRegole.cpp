@@ -148,6 +148,18 @@ class SpazioComune {
   std::map<std::uint64_t, bool> noti_;
 };
 
+/// Whether a candidate can't move because of a volume; it is marked then.
+bool trattenuto(const ScanContext& ctx, const std::string& candidato, Finding& finding) {
+  if (mountBelow(ctx.volumi, candidato) != nullptr) {
+    finding.trattieni(candidato, "contiene un altro disco: smontalo per poterlo spostare");
+    return true;
+  }
+  const bool volume = std::any_of(ctx.volumi.begin(), ctx.volumi.end(),
+                                  [&](const Mount& mount) { return mount.path == candidato; });
+  if (volume) finding.trattieni(candidato, "è un altro disco: smontalo per poterlo spostare");
+  return volume;
+}
+
 /// The candidates that are old enough; folders, and files that may share their room, with no size
 /// yet, the rest with what it takes. What is not offered because it could not be moved is marked in
 /// `finding`.
@@ -166,10 +178,7 @@ std::vector<Voce> filtra(const walker::Ambiente& ambiente, const ScanContext& ct
     if (!stato || S_ISLNK(stato->st_mode)) return;
     const auto mtime = static_cast<double>(stato->st_mtime);
     if (conEta && mtime > limite) return;
-    if (regola.mode == "delete" && mountBelow(ctx.volumi, candidato) != nullptr) {
-      finding.trattieni(candidato, "contiene un altro disco: smontalo per poterlo spostare");
-      return;
-    }
+    if (regola.mode == "delete" && trattenuto(ctx, candidato, finding)) return;
     const bool cartella = S_ISDIR(stato->st_mode);
     const std::int64_t byte = cartella ? 0 : static_cast<std::int64_t>(stato->st_blocks) * 512;
     if (!cartella && byte <= 0) return;
