@@ -5,6 +5,7 @@
 
 #include "PellakCore/base/JsonWriter.h"
 #include "api/Gestori.h"
+#include "trash/Messaggi.h"
 #include "trash/OperazioniCestino.h"
 
 namespace pellak::api::gestori {
@@ -174,8 +175,9 @@ Risposta restore(Servizi& servizi, Json corpo) {
 Risposta log(Servizi& servizi, Json /*corpo*/) {
   JsonWriter uscita;
   uscita.beginObject().key("ops").beginArray();
-  servizi.cestino.log(
+  const auto letto = servizi.cestino.log(
       [&](const trash::Operazione& operazione) { trash::scriviOperazione(uscita, operazione); });
+  if (!letto) return errore(trash::registroNonLeggibile(letto.error()), 500);
   return conTesto(uscita.endArray().endObject().take());
 }
 

@@ -147,11 +147,12 @@ Applicazione::Applicazione(std::unique_ptr<Native> native, Ambiente ambiente,
   cestino_.riprendi();
 }
 
-std::optional<trash::Operazione> Applicazione::operazione(std::string_view id) {
+Result<std::optional<trash::Operazione>> Applicazione::operazione(std::string_view id) {
   std::optional<trash::Operazione> trovata;
-  operazioni_.log([&](const trash::Operazione& operazione) {
+  const auto letto = operazioni_.log([&](const trash::Operazione& operazione) {
     if (!trovata && operazione.id == id) trovata = operazione;
   });
+  if (!letto) return letto.error();
   return trovata;
 }
 

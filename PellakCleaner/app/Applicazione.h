@@ -49,8 +49,9 @@ class Applicazione {
   const Platform& platform() const { return platform_; }
   trash::OperazioniCestino& operazioni() { return operazioni_; }
   FileReader& reader() { return *reader_; }
-  /// A copy of one operation of the log; nothing when there is none.
-  std::optional<trash::Operazione> operazione(std::string_view id);
+  /// A copy of one operation of the log; nothing when there is none. An error is the log's that
+  /// can't be read.
+  Result<std::optional<trash::Operazione>> operazione(std::string_view id);
   const std::string& home() const { return ambiente_.home; }
   const std::string& risorse() const { return ambiente_.risorse; }
   FamigliaStrumenti famiglia() const { return ambiente_.famiglia; }

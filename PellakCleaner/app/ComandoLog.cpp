@@ -10,16 +10,23 @@
 #include "PellakCore/base/Json.h"
 #include "app/Applicazione.h"
 #include "app/Quantita.h"
+#include "app/Richiesta.h"
 #include "app/Terminale.h"
 #include "app/Uscita.h"
+#include "trash/Messaggi.h"
 
 namespace pellak::app {
 namespace {
 
-constexpr int kUnknown = 1;
+constexpr int kFailed = 1;
 /// Fixed widths: a row is written as soon as it is known, however many there are.
 constexpr const char* kOperazione = "{:<12}  {:<16}  {:>8}  {:>10}  {:>12}  {}\n";
 constexpr const char* kElemento = "{:>6}  {:<12}  {}\n";
+
+int nonLeggibile(const std::string& perche) {
+  fmt::print(stderr, "{}\n", perTerminale(perche));
+  return kFailed;
+}
 
 std::ptrdiff_t ripristinati(const trash::Operazione& operazione) {
   return std::count_if(operazione.items.begin(), operazione.items.end(),
@@ -34,7 +41,7 @@ std::string titolo(const trash::Operazione& operazione) {
 int stampaOperazioni(Applicazione& applicazione) {
   FormatoData date;
   bool prima = true;
-  applicazione.operazioni().log([&](const trash::Operazione& operazione) {
+  const auto letto = applicazione.operazioni().log([&](const trash::Operazione& operazione) {
     if (uscitaPersa()) return;
     if (prima) {
       stampa(grassetto(fmt::format(kOperazione, "Id", "Data", "Elementi", "Dimensione",
@@ -45,6 +52,7 @@ int stampaOperazioni(Applicazione& applicazione) {
                        operazione.items.size(), dimensione(operazione.tot),
                        ripristinati(operazione), titolo(operazione)));
   });
+  if (!letto) return nonLeggibile(trash::registroNonLeggibile(letto.error()));
   if (prima) stampa("Nessuna operazione nel registro.\n");
   return chiudiUscita();
 }
@@ -66,17 +74,22 @@ void stampaElementi(const trash::Operazione& operazione, const std::string& home
 
 int comandoLog(Applicazione& applicazione, const OpzioniLog& opzioni) {
   if (opzioni.json) {
-    stampa(applicazione.router().handle("/api/log", Json()).testo);
+    const api::Risposta risposta = applicazione.router().handle("/api/log", Json());
+    stampa(risposta.testo);
     stampa("\n");
-    return chiudiUscita();
+    const int stato = chiudiUscita();
+    if (risposta.stato == 200) return stato;
+    const auto documento = JsonDocument::parse(risposta.testo.str());
+    return nonLeggibile(documento ? perche(documento->radice()) : std::string());
   }
   if (opzioni.operazione.empty()) return stampaOperazioni(applicazione);
   const auto operazione = applicazione.operazione(opzioni.operazione);
-  if (!operazione) {
+  if (!operazione) return nonLeggibile(trash::registroNonLeggibile(operazione.error()));
+  if (!*operazione) {
     fmt::print(stderr, "operazione non trovata: {}\n", perTerminale(opzioni.operazione));
-    return kUnknown;
+    return kFailed;
   }
-  stampaElementi(*operazione, applicazione.home());
+  stampaElementi(**operazione, applicazione.home());
   return chiudiUscita();
 }
 

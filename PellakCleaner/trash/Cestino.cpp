@@ -294,9 +294,9 @@ Esito Cestino::concludi(Lavoro& lavoro, const Titolo& titolo) {
   return std::move(esito);
 }
 
-void Cestino::log(const std::function<void(const Operazione&)>& visita) {
+Result<void> Cestino::log(const std::function<void(const Operazione&)>& visita) {
   riprendi();
-  registro_.visita(visita);
+  return registro_.visita(visita);
 }
 
 }  // namespace pellak::trash

@@ -105,7 +105,11 @@ class Cestino {
   void riprendi();
 
   /// Visits the operations, newest first, those of an interrupted process included.
-  void log(const std::function<void(const Operazione&)>& visita);
+  /// An error is the log's that can't be read.
+  Result<void> log(const std::function<void(const Operazione&)>& visita);
+
+  /// Whether the log can be read; one that does not exist can.
+  Result<void> leggiRegistro() { return registro_.leggi(); }
 
  private:
   struct Lavoro;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "PellakCore/base/Motivo.h"
+
 namespace pellak::trash {
 namespace {
 
@@ -22,6 +24,10 @@ std::string negato(std::string_view percorso) {
 }
 
 }  // namespace
+
+std::string registroNonLeggibile(const Error& errore) {
+  return "registro non leggibile: " + motivoCompleto(errore);
+}
 
 std::string trashMessage(std::string_view percorso, const Error& errore) {
   switch (errore.kind) {

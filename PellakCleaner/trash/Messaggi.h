@@ -20,6 +20,9 @@ inline constexpr const char* kSparito = "non esiste piu': era gia' stato rimosso
 /// Why an item of a set stays that could have moved itself.
 inline constexpr const char* kInsieme = "va spostato insieme agli altri, e non tutti si spostano";
 
+/// The log can't be read: which file, and why.
+std::string registroNonLeggibile(const Error& errore);
+
 /// Why an item could not be moved to the Trash, in words for the user. What the system itself said
 /// is used where no kind of error has words of its own.
 std::string trashMessage(std::string_view percorso, const Error& errore);

@@ -52,11 +52,11 @@ class OperazioniCestino {
   Esito dupScarta(std::string_view finding, std::int64_t gruppo,
                   const std::vector<std::string>& percorsi);
 
-  Esito restore(std::string_view operazione, std::optional<std::int64_t> indice) {
-    return cestino_.restore(operazione, indice);
+  Esito restore(std::string_view operazione, std::optional<std::int64_t> indice);
+  /// Newest first. An error is the log's that can't be read.
+  Result<void> log(const std::function<void(const Operazione&)>& visita) {
+    return cestino_.log(visita);
   }
-  /// Newest first.
-  void log(const std::function<void(const Operazione&)>& visita) { cestino_.log(visita); }
 
  private:
   /// A set of which one copy stays and the others go.

@@ -182,10 +182,11 @@ void Registro::leggiRipristino(Json riga) {
   });
 }
 
-void Registro::visita(const std::function<void(const Operazione&)>& visita) {
+Result<void> Registro::visita(const std::function<void(const Operazione&)>& visita) {
   const MutexLock hold(lock_);
-  static_cast<void>(aggiorna());
+  if (auto letto = aggiorna(); !letto) return letto;
   for (auto voce = operazioni_.rbegin(); voce != operazioni_.rend(); ++voce) visita(*voce);
+  return {};
 }
 
 std::optional<Operazione> Registro::cerca(std::string_view id) {

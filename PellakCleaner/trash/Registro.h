@@ -60,8 +60,8 @@ class Registro {
   /// large), failed (a link among them).
   Result<void> pronto(std::size_t byte);
 
-  /// Reads what is new in it. What the other functions find none of may stand in a log that could
-  /// not be read: this tells. A missing one is success. Errors: as above.
+  /// Reads what is new in it. What `cerca` finds none of may stand in a log that could not be read:
+  /// this tells. A missing one is success. Errors: as above.
   Result<void> leggi();
 
   /// On disk when it returns. Errors: denied, full, readOnly, failed.
@@ -70,8 +70,9 @@ class Registro {
                           double ts, std::string_view nota = {});
 
   std::optional<Operazione> cerca(std::string_view id);
-  /// All operations, newest first. `visita` must not call the log.
-  void visita(const std::function<void(const Operazione&)>& visita);
+  /// All operations, newest first. `visita` must not call the log; it is called for none when the
+  /// log can't be read. Errors: as of `leggi`.
+  Result<void> visita(const std::function<void(const Operazione&)>& visita);
 
  private:
   struct Aperto {

@@ -79,7 +79,11 @@ class FileRotti(ConCasa):
         for _ in self.strani(self.supporto / "registro.jsonl"):
             err = self.api("/api/trash", {"id": "x"}, stato=1)["err"]
             self.assertRegex(err, r"^registro non scrivibile: non sposto nulla \(.*registro\.jsonl: ")
-            self.assertEqual(self.api("/api/log")["ops"], [])
+            err = self.api("/api/log", stato=1)["err"]
+            self.assertRegex(err, r"^registro non leggibile: .*registro\.jsonl: .")
+            self.assertEqual(self.api("/api/restore", {"op": "A"}, stato=1)["err"], err)
+            for opzioni in ([], ["A"], ["--json"]):
+                self.assertEqual(self.esegui("log", *opzioni, stato=1)[1], err + "\n")
             self.assertTrue((self.casa / "cose/d/a").exists())
             self.assertFalse((self.supporto / "cestino-intento.json").exists())
         cestino = self.casa / ".local/share/Trash"

@@ -121,7 +121,7 @@ class InsiemiTest : public testing::Test {
   void rimettiTutto() {
     std::vector<std::string> ops;
     Cestino ora = cestino();
-    ora.log([&](const Operazione& operazione) { ops.push_back(operazione.id); });
+    ASSERT_TRUE(ora.log([&](const Operazione& operazione) { ops.push_back(operazione.id); }));
     for (const std::string& op : ops) static_cast<void>(ora.restore(op, {}));
     EXPECT_EQ(rimasti(), 3U);
     EXPECT_EQ(voci("files"), 0U);

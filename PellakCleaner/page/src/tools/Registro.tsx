@@ -33,6 +33,8 @@ export const registro: DatiVista = {
 };
 
 const operazioni = signal<Operazione[] | null>(null);
+/** Why there are none to show yet. */
+const guasto = signal("");
 /** Kept while another view is on screen, like what is open. */
 const filtro = signal("");
 const aperte = signal<ReadonlySet<string>>(new Set());
@@ -46,6 +48,7 @@ function apri(id: string, si: boolean): void {
 
 async function carica(): Promise<void> {
   const risposta = await api("/api/log");
+  guasto.value = fallita(risposta) ? risposta.err : "";
   if (fallita(risposta)) mostraErrore(risposta, "Registro");
   else operazioni.value = risposta.ops;
 }
@@ -90,7 +93,7 @@ function Registro() {
           Niente è stato spostato nel Cestino. Quando succede, da qui si rimette al suo posto.
         </Vuoto>
       )}
-      {!tutte && <Attesa />}
+      {!tutte && (guasto.value ? <Vuoto Icona={ScrollText}>{guasto.value}</Vuoto> : <Attesa />)}
       {tutte && tutte.length > 0 && lista.length === 0 && (
         <Vuoto Icona={SearchX}>
           <span>Nessuna operazione con questo nome.</span>
