@@ -163,6 +163,41 @@ GtkWidget* shown(Kind isKind) {
   return found;
 }
 
+TEST_F(DesktopHostGtkTest, TheMenuKeyOpensTheMenuAboveThePage) {
+  const auto press = [](GtkWidget* window, guint key) {
+    GdkEvent* event = gdk_event_new(GDK_KEY_PRESS);
+    event->key.window = GDK_WINDOW(g_object_ref(gtk_widget_get_window(window)));
+    event->key.keyval = key;
+    GdkDisplay* display = gdk_display_get_default();
+    gdk_event_set_device(event, gdk_seat_get_keyboard(gdk_display_get_default_seat(display)));
+    GdkKeymapKey* keys = nullptr;
+    int count = 0;
+    gdk_keymap_get_entries_for_keyval(gdk_keymap_get_for_display(display), key, &keys, &count);
+    event->key.hardware_keycode = static_cast<guint16>(keys[0].keycode);
+    g_free(keys);
+    gtk_main_do_event(event);
+    gdk_event_free(event);
+  };
+  const auto isMenu = [](GtkWidget* window) {
+    return GTK_IS_MENU(gtk_bin_get_child(GTK_BIN(window))) != 0;
+  };
+  const int stato = playPage(kPage, [&] {
+    MenuEntry about;
+    about.titolo = "Informazioni";
+    about.azione = MenuAction::about;
+    host().setMainMenu({about});
+    press(shown([](GtkWidget* window) {
+            return gtk_window_get_titlebar(GTK_WINDOW(window)) != nullptr;
+          }),
+          GDK_KEY_F10);
+    host().every(0.1, [&] {
+      if (GtkWidget* menu = shown(isMenu)) press(menu, GDK_KEY_Return);
+    });
+    next("menu " + std::to_string(static_cast<int>(MenuAction::about)), [&] { finish(); });
+  });
+  EXPECT_EQ(stato, 0);
+}
+
 TEST_F(DesktopHostGtkTest, DialogsAnswerOnceWhateverClosesThem) {
   std::vector<std::size_t> chosen;
   std::vector<std::string> folders = {"untouched"};

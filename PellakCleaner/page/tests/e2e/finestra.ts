@@ -5,12 +5,14 @@ import type { AddressInfo } from "node:net";
 import * as path from "node:path";
 import { createInterface } from "node:readline";
 import { fileURLToPath } from "node:url";
+import axe from "axe-core";
 import { type Browser, type Page, chromium } from "playwright-core";
+import { expect } from "vitest";
 
 const QUI = path.dirname(fileURLToPath(import.meta.url));
 /** The built page, as it was when the tests began. */
 export const PAGINA = fs.readFileSync(path.join(QUI, "../../dist/ui.html"), "utf8");
-const PROGRAMMA =
+export const PROGRAMMA =
   process.env.PELLAK_PROGRAMMA ?? path.join(QUI, "../../../../build/release/pellak-cleaner");
 export const CHROMIUM = process.env.PELLAK_CHROMIUM ?? "/usr/bin/chromium";
 
@@ -137,6 +139,13 @@ export class Finestra {
       .catch(() => undefined);
   }
 
+  /** While the program stands still, what it is at stays on the screen. */
+  async fermo(azione: () => Promise<unknown>): Promise<void> {
+    this.programma.kill("SIGSTOP");
+    await azione();
+    this.programma.kill("SIGCONT");
+  }
+
   async vai(vista: string): Promise<void> {
     await this.page.locator(`[data-vista="${vista}"]`).click();
     await this.page.locator(`[data-vista="${vista}"][aria-current="page"]`).waitFor();
@@ -168,4 +177,15 @@ export class Finestra {
     this.programma.kill();
     this.server.close();
   }
+}
+
+export async function senzaDifetti({ page }: Finestra, dove: string): Promise<void> {
+  await page.evaluate(axe.source);
+  const { violations } = await page.evaluate(() =>
+    (globalThis as unknown as { axe: typeof axe }).axe.run(),
+  );
+  expect(
+    violations.map((v) => `${v.id}: ${v.nodes.map((n) => n.html).join(" | ")}`),
+    dove,
+  ).toEqual([]);
 }

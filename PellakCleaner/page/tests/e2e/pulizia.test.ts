@@ -1,9 +1,11 @@
+import { execFileSync } from "node:child_process";
 import * as fs from "node:fs";
 import * as path from "node:path";
 import { afterEach, beforeEach, describe, expect, test } from "vitest";
-import type { RispostaRegistro } from "../../src/rotte";
+import type { Finding, RispostaRegistro, RispostaStato } from "../../src/rotte";
+import { dimensione } from "../../src/testo";
 import { type Casa, OSTILE, ROTTO_MOSTRATO, STRANO, casaPiena } from "./casa";
-import { Finestra, ritrai } from "./finestra";
+import { Finestra, PROGRAMMA, ritrai } from "./finestra";
 
 /** Every file and folder below the home folder but what the program keeps for itself. */
 function albero(casa: Casa): string[] {
@@ -40,6 +42,48 @@ describe("moving to the Trash and putting back", () => {
     await dialogo.getByRole("button", { name: "Sposta nel Cestino" }).click();
     return testo;
   };
+
+  test("sidebar, overview, section, cards and terminal tell the same numbers", async () => {
+    const { page } = finestra;
+    const dalTerminale = <T>(comando: string) =>
+      JSON.parse(
+        execFileSync(PROGRAMMA, [comando, "--json"], {
+          env: { HOME: casa.home, PATH: process.env.PATH ?? "" },
+          encoding: "utf8",
+        }),
+      ) as T;
+    const byte = (f: Finding) => [f.id, f.count, f.total, f.libera];
+    const stato = await finestra.api<RispostaStato>("/api/state");
+    const findings = stato.sections.flatMap((s) => s.findings);
+    expect(dalTerminale<Finding[]>("show").map(byte)).toEqual(findings.map(byte));
+    const altro = dalTerminale<RispostaStato>("scan");
+    expect(altro.libera).toBe(stato.libera);
+    const somme = (s: RispostaStato) =>
+      s.sections.map(({ id, total, libera }) => [id, total, libera]);
+    expect(somme(altro)).toEqual(somme(stato));
+
+    expect(await page.locator(".cifra-numero").innerText()).toBe(dimensione(stato.libera));
+    for (const { id, name, libera, findings: sue } of stato.sections.filter((s) => s.total > 0)) {
+      const misura = dimensione(libera || sue.reduce((somma, f) => somma + f.total, 0));
+      await finestra.vai("panoramica");
+      const riga = page.locator(".sezioni-riga", { hasText: name });
+      expect(await riga.locator(".misura").innerText()).toBe(misura);
+      const laterale = page.locator(`[data-vista="${id}"] .laterale-conteggio`);
+      expect(await laterale.innerText()).toBe(misura);
+      await finestra.vai(id);
+      expect(await page.locator(".testata-stato").innerText()).toContain(misura);
+      for (const f of sue) {
+        const parti = f.id === "duplicates" ? f.groups : [f];
+        const parole = parti.map((una) =>
+          f.mode === "delete"
+            ? `libera ${dimensione(una.libera)}`
+            : `${dimensione(f.total)} segnalati`,
+        );
+        const schede = page.locator(`[data-finding="${f.id}"] .misura-forte`);
+        expect(await schede.allInnerTexts(), f.id).toEqual(parole);
+      }
+    }
+  });
 
   test("chosen entries move, exactly they, and come back, where they are listed again", async () => {
     const { page } = finestra;

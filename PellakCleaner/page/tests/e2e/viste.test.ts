@@ -1,7 +1,6 @@
-import axe from "axe-core";
 import { afterAll, beforeAll, describe, expect, test } from "vitest";
 import { type Casa, OSTILE, ROTTO_MOSTRATO, STRANO, STRANO_MOSTRATO, casaPiena } from "./casa";
-import { Finestra, PAGINA, ritrai } from "./finestra";
+import { Finestra, PAGINA, ritrai, senzaDifetti } from "./finestra";
 import { conScena } from "./scena";
 
 const VISTE_CON_NOMI =
@@ -36,17 +35,6 @@ async function distendi({ page }: Finestra): Promise<void> {
   for (const dettaglio of await page.locator("main details:not([open]) summary").all()) {
     await dettaglio.click();
   }
-}
-
-async function senzaDifetti({ page }: Finestra, dove: string): Promise<void> {
-  await page.evaluate(axe.source);
-  const { violations } = await page.evaluate(() =>
-    (globalThis as unknown as { axe: typeof axe }).axe.run(),
-  );
-  expect(
-    violations.map((v) => `${v.id}: ${v.nodes.map((n) => n.html).join(" | ")}`),
-    dove,
-  ).toEqual([]);
 }
 
 describe.each([false, true])("every view, dark: %s", (scuro) => {

@@ -1,7 +1,10 @@
-import { beforeEach, expect, test } from "vitest";
+import { h, render } from "preact";
+import { act } from "preact/test-utils";
+import { beforeEach, expect, test, vi } from "vitest";
 import { api } from "../../src/api";
-import { avviso } from "../../src/avvisi";
+import { avviso, mostraAvviso } from "../../src/avvisi";
 import { type Spostamento, fermaLavoro, ripristina, spostaNelCestino } from "../../src/cestino";
+import { Avvisi } from "../../src/components/Avvisi";
 import { vista } from "../../src/store";
 import { Canale } from "./canale";
 import { sezione } from "./esempi";
@@ -103,4 +106,20 @@ test("a restore adds up, keeps each failure and scans the section again that it 
   expect(avviso.value?.falliti).toHaveLength(2);
   vista.value = "registro";
   expect(avviso.value, "a notice does not follow into other views").toBeNull();
+});
+
+test("a finished notice leaves by itself, unless it can be undone or something failed", () => {
+  vi.useFakeTimers();
+  render(h(Avvisi, {}), document.body);
+  const dopo = (ms: number, nuovo: Parameters<typeof mostraAvviso>[0]) => {
+    act(() => mostraAvviso(nuovo));
+    act(() => void vi.advanceTimersByTime(ms));
+    return document.querySelector(".avviso-testo")?.textContent;
+  };
+  expect(dopo(4000, { testo: "Fatto." })).toBe("Fatto.");
+  expect(dopo(10_000, { testo: "Altro." })).toBeUndefined();
+  const operazioni = [{ id: "op", quanti: 1 }];
+  expect(dopo(60_000, { testo: "Spostato.", operazioni })).toContain("Spostato.");
+  expect(dopo(60_000, { testo: "Guasto.", tono: "errore" })).toContain("Guasto.");
+  vi.useRealTimers();
 });
