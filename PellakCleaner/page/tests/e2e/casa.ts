@@ -70,7 +70,8 @@ export function casaPiena(): Casa {
   casa.file(`.npm/_cacache/${STRANO}`, 12 * KIB);
   casa.rotto(".npm/_cacache", 8 * KIB);
   casa.file(".npm/_npx/strumento", 220 * KIB);
-  casa.file(".cache/yarn/v6/pacchetti", 1500 * KIB);
+  const condiviso = casa.file(".cache/yarn/v6/pacchetti", 1500 * KIB);
+  fs.linkSync(condiviso, path.join(casa.home, "condiviso")); // so its room does not come free
   casa.file(".cache/pip/wheels", 700 * KIB);
   casa.file("go/pkg/mod/cache/download", 2 * MIB);
 
