@@ -139,13 +139,6 @@ export class Finestra {
       .catch(() => undefined);
   }
 
-  /** While the program stands still, what it is at stays on the screen. */
-  async fermo(azione: () => Promise<unknown>): Promise<void> {
-    this.programma.kill("SIGSTOP");
-    await azione();
-    this.programma.kill("SIGCONT");
-  }
-
   async vai(vista: string): Promise<void> {
     await this.page.locator(`[data-vista="${vista}"]`).click();
     await this.page.locator(`[data-vista="${vista}"][aria-current="page"]`).waitFor();

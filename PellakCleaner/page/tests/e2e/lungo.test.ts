@@ -3,7 +3,7 @@ import * as fs from "node:fs";
 import * as path from "node:path";
 import { afterAll, beforeAll, expect, test } from "vitest";
 import { Casa } from "./casa";
-import { Finestra, senzaDifetti } from "./finestra";
+import { Finestra } from "./finestra";
 
 const QUANTE = 20_000;
 
@@ -34,7 +34,7 @@ beforeAll(async () => {
     },
   );
   finestra = await Finestra.apri(casa.home);
-  await primaScansione();
+  await finestra.scansionaTutto();
   await finestra.vai("sviluppo");
   await finestra.page.locator('[role="grid"] [role="row"]').first().waitFor();
 });
@@ -42,29 +42,6 @@ afterAll(async () => {
   await finestra.chiudi();
   casa.togli();
 });
-
-/** The first scan, with what the page shows of it from beginning to end. */
-async function primaScansione(): Promise<void> {
-  const { page } = finestra;
-  await page.evaluate(() => {
-    const visti = new Set<string>();
-    Object.assign(globalThis, { visti });
-    new MutationObserver(() => {
-      const passi = [...document.querySelectorAll<HTMLElement>(".passo")];
-      const pieni = passi.filter((passo) => passo.style.background !== "").length;
-      if (passi.length > 0) visti.add(`${passi.length}: ${pieni}`);
-      if (passi.length > 0 && /\b0 B\b/.test(document.body.innerText)) visti.add("0 B");
-    }).observe(document.body, { subtree: true, childList: true, attributes: true });
-  });
-  await page.getByRole("button", { name: "Scansiona tutto" }).click();
-  await page.locator('.passo[style*="background"] ~ .passo-attuale').waitFor();
-  await finestra.fermo(() => senzaDifetti(finestra, "first scan"));
-  await page.getByText(/^Ultima scansione/).waitFor({ timeout: 50_000 });
-  const visti = await page.evaluate(() => [
-    ...(globalThis as unknown as { visti: string[] }).visti,
-  ]);
-  expect(visti.join(), "eight steps that fill, and no sum yet").toMatch(/^8: \d(,8: \d)+$/);
-}
 
 /**
  * What the page's main thread itself computes in its longest task while `azione` runs, in ms.
@@ -187,7 +164,6 @@ test("a long operation is followed in any view, stopped, and undone", async () =
   await page.getByRole("dialog").getByRole("button", { name: "Sposta nel Cestino" }).click();
   await corre.getByText(/di 20\.000/).waitFor();
   await finestra.vai("registro");
-  await finestra.fermo(() => senzaDifetti(finestra, "a long move"));
   expect(await corre.getByRole("progressbar").getAttribute("aria-valuenow")).not.toBeNull();
   await corre.getByRole("button", { name: "Interrompi" }).click();
   await page.getByText(/elementi spostati nel Cestino.*Interrotto/).waitFor();
