@@ -4,7 +4,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <fmt/format.h>
-#include <system_error>
+
+#include "PellakCore/base/Motivo.h"
+#include "platform/SystemError.h"
 
 namespace pellak::app {
 namespace {
@@ -39,8 +41,7 @@ int chiudiUscita() {
   consegna();
   const int perche = primoErrore;
   if (perche == 0 || perche == EPIPE) return 0;
-  fmt::print(stderr, "impossibile scrivere il risultato: {}\n",
-             std::generic_category().message(perche));
+  fmt::print(stderr, "impossibile scrivere il risultato: {}\n", motivo(systemError(perche)));
   return 1;
 }
 

@@ -11,7 +11,6 @@ namespace {
 constexpr std::array<std::string_view, 3> kProtette = {"/Library/Containers/",
                                                        "/Library/Group Containers/",
                                                        "/Library/Application Support/com.apple."};
-constexpr std::size_t kMaxDescription = 140;
 
 std::string negato(std::string_view percorso) {
   const bool protetta = std::any_of(kProtette.begin(), kProtette.end(), [&](auto parte) {
@@ -46,8 +45,7 @@ std::string trashMessage(std::string_view percorso, const Error& errore) {
     case ErrorKind::mounted:
       return "contiene un altro disco: smontalo e riprova";
     default:
-      if (!errore.text.empty()) return errore.text;
-      return ("errore " + std::to_string(errore.code)).substr(0, kMaxDescription);
+      return errore.text.empty() ? motivo(errore) : errore.text;
   }
 }
 

@@ -1,5 +1,9 @@
+#include <cerrno>
 #include <gtest/gtest.h>
+#include <system_error>
 
+#include "PellakCore/base/Motivo.h"
+#include "platform/SystemError.h"
 #include "trash/Messaggi.h"
 
 namespace pellak::trash {
@@ -27,6 +31,17 @@ TEST(MessaggiTest, TheFirstRuleThatMatchesWins) {
   EXPECT_EQ(dice("/a", ErrorKind::busy), "e' in uso da un programma aperto: chiudilo e riprova");
   EXPECT_EQ(dice("/a", ErrorKind::failed, "parole del sistema"), "parole del sistema");
   EXPECT_NE(dice("/a", ErrorKind::failed).find("42"), std::string::npos);
+}
+
+TEST(MessaggiTest, ErrorNumbersNeverSpeakTheSystemsLanguage) {
+  EXPECT_EQ(motivo(systemError(EMFILE)),
+            "errore di sistema (troppi file aperti: riprova fra poco)");
+  EXPECT_EQ(motivo(systemError(EBADF)), "errore di sistema (codice " + std::to_string(EBADF) + ")");
+  for (int numero = 1; numero < 140; ++numero) {
+    const std::string suo = std::generic_category().message(numero);
+    const Error errore = systemError(numero);
+    EXPECT_EQ((motivo(errore) + trashMessage("/a", errore)).find(suo), std::string::npos) << suo;
+  }
 }
 
 }  // namespace

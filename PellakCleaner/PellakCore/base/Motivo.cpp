@@ -34,7 +34,10 @@ const char* frase(ErrorKind tipo) {
 std::string motivo(const Error& errore) {
   const bool generico = errore.kind == ErrorKind::failed || errore.kind == ErrorKind::invalid;
   std::string testo = frase(errore.kind);
-  if (generico && !errore.text.empty()) testo += " (" + errore.text + ")";
+  const std::string codice =
+      errore.code == 0 ? std::string() : "codice " + std::to_string(errore.code);
+  const std::string& altro = errore.text.empty() ? codice : errore.text;
+  if (generico && !altro.empty()) testo += " (" + altro + ")";
   return testo;
 }
 
