@@ -81,6 +81,10 @@ class Engine {
   Engine(const Engine&) = delete;
   Engine& operator=(const Engine&) = delete;
 
+  /// Why the saved results could not be read at the start, as it was told then; empty when they
+  /// were, or there were none.
+  const std::string& nonLetti() const { return nonLetti_; }
+
   /// Queues the scan of one section of the catalogue, or of all of them ("all"). False when a
   /// scan is queued or running; then nothing changes. `automatica` marks the periodic check's;
   /// `radici` are folders that this scan searches for duplicates and large files besides those of
@@ -216,6 +220,7 @@ class Engine {
   std::string stampRisultati_ PELLAK_GUARDED_BY(saveLock_);
   /// What the file holds is not known and must be before it is replaced.
   bool daRileggere_ PELLAK_GUARDED_BY(saveLock_) = false;
+  std::string nonLetti_;  ///< written by the constructor alone
   Mutex lock_;
   Sezioni state_ PELLAK_GUARDED_BY(lock_);
   /// What went while the section that is being scanned was.

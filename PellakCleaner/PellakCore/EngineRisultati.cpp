@@ -21,9 +21,12 @@ void Engine::caricaRisultati() {
   const auto letti = salvati ? leggiRisultati(*salvati, state_) : Result<void>(salvati.error());
   if (letti) return;
   daRileggere_ = true;
-  avvisa(letti.error().kind == ErrorKind::invalid
-             ? "risultati salvati illeggibili: si riparte da zero"
-             : "risultati salvati non letti: " + motivo(letti.error()));
+  Error errore = letti.error();
+  errore.percorso = ambiente_.store.risultati();
+  nonLetti_ = errore.kind == ErrorKind::invalid
+                  ? "risultati salvati illeggibili: si riparte da zero (" + errore.percorso + ")"
+                  : "risultati salvati non letti: " + motivoCompleto(errore);
+  avvisa(nonLetti_);
 }
 
 /// What stands in the file: newer scans of another process win over ours. What is no results file

@@ -21,6 +21,7 @@ namespace {
 
 using FindingDiSezione = Engine::FindingDiSezione;
 
+constexpr int kUnread = 1;
 constexpr int kUnknownFinding = 2;
 
 std::string quanteVoci(std::int64_t numero) { return quantita(numero, "voce", "voci"); }
@@ -119,6 +120,8 @@ int mostraElenco(const std::vector<FindingDiSezione>& findings, const Snapshot& 
 }  // namespace
 
 int comandoShow(Applicazione& applicazione, const OpzioniShow& opzioni) {
+  // Told on standard error already: without them there is nothing to say about the disk.
+  if (!applicazione.engine().nonLetti().empty()) return kUnread;
   const std::vector<FindingDiSezione> findings = applicazione.engine().findings();
   if (opzioni.finding.empty()) {
     return mostraElenco(findings, *applicazione.engine().snapshot(), opzioni.json);

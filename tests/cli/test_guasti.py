@@ -123,6 +123,14 @@ class SenzaDiritti(ConCasa):
         esito = self.da_nessuno("api", "/api/settings")
         self.assertEqual(json.loads(esito.stdout)["valori"]["dup_min_mb"], 8)
 
+    def test_closed_books_are_not_empty_ones(self):
+        self.esegui("scan", "sviluppo")
+        os.chmod(self.supporto, 0)
+        for comando, file in (("show", "risultati.json"), ("log", "registro.jsonl")):
+            esito = self.da_nessuno(comando)
+            self.assertEqual((esito.returncode, esito.stdout), (1, ""))
+            self.assertIn(f"{self.supporto}/{file}: permesso negato\n", esito.stderr)
+
 
 @unittest.skipUnless(os.geteuid() == 0, "mounts a small volume, so it needs root")
 class DiscoPieno(ConCasa):
