@@ -19,6 +19,27 @@ void appendNames(const std::vector<std::string>& names, EntryBatch& batch) {
   }
 }
 
+Result<void> tryBulk(const OpenFolder& open, Listing& listing) {
+  auto opened = open();
+  if (!opened) return opened.error();
+  listing.handle = std::move(opened).value();
+  auto read = listing.handle->read(listing.batch);
+  if (!read) listing.batch.clear();
+  return read;
+}
+
+Result<void> tryNames(const OpenFolder& open, Listing& listing) {
+  if (!listing.handle) {
+    auto opened = open();
+    if (!opened) return opened.error();
+    listing.handle = std::move(opened).value();
+  }
+  const auto names = listing.handle->names();
+  if (!names) return names.error();
+  appendNames(*names, listing.batch);
+  return {};
+}
+
 }  // namespace
 
 void tellRefusal(const Ambiente& ambiente, const Error& error, const PathOf& percorso) {
@@ -34,40 +55,20 @@ bool staysOut(const Ambiente& ambiente, std::string_view name, const PathOf& per
 
 bool readBulk(const Ambiente& ambiente, const OpenFolder& open, const PathOf& percorso,
               Listing& listing) {
-  auto opened = open();
-  if (!opened) {
-    tellRefusal(ambiente, opened.error(), percorso);
-    return false;
-  }
-  listing.handle = std::move(opened).value();
-  const Result<void> read = listing.handle->read(listing.batch);
-  if (read) return true;
-  tellRefusal(ambiente, read.error(), percorso);
-  listing.batch.clear();
-  return false;
+  const Result<void> read = tryBulk(open, listing);
+  if (!read) tellRefusal(ambiente, read.error(), percorso);
+  return read.ok();
 }
 
+/// Both tries may be refused: the folder is told once.
 bool readFolder(const Ambiente& ambiente, const OpenFolder& open, const PathOf& percorso,
                 Listing& listing) {
-  if (readBulk(ambiente, open, percorso, listing) &&
-      (!listing.batch.entries.empty() || ambiente.lister.emptyIsCertain())) {
-    return true;
-  }
-  if (!listing.handle) {
-    auto opened = open();
-    if (!opened) {
-      tellRefusal(ambiente, opened.error(), percorso);
-      return false;
-    }
-    listing.handle = std::move(opened).value();
-  }
-  const auto names = listing.handle->names();
-  if (!names) {
-    tellRefusal(ambiente, names.error(), percorso);
-    return false;
-  }
-  appendNames(*names, listing.batch);
-  return true;
+  const Result<void> bulk = tryBulk(open, listing);
+  if (bulk && (!listing.batch.entries.empty() || ambiente.lister.emptyIsCertain())) return true;
+  const Result<void> names = tryNames(open, listing);
+  const bool first = !bulk && bulk.error().kind == ErrorKind::denied;
+  if (first || !names) tellRefusal(ambiente, first ? bulk.error() : names.error(), percorso);
+  return names.ok();
 }
 
 std::optional<EntryAttributes> attributesOf(const Ambiente& ambiente, const Listing& listing,
