@@ -29,8 +29,11 @@ interface Chiamata {
   reply: Record<string, unknown>;
 }
 
-/** Changes a reply on its way to the page: for what the program can't find on this machine. */
-export type Ritocco = (rotta: string, risposta: Record<string, unknown>) => void;
+/** Changes a reply on its way to the page, or holds it: for what can't be met on this machine. */
+export type Ritocco = (
+  rotta: string,
+  risposta: Record<string, unknown>,
+) => Promise<void> | undefined | void;
 
 export interface Opzioni {
   larga?: number;
@@ -132,7 +135,7 @@ export class Finestra {
   private async consegna(riga: string): Promise<void> {
     const { call, id, status, reply } = JSON.parse(riga) as Chiamata;
     if (call !== "__apiDone") return;
-    this.ritocco?.(this.rotte.get(id) ?? "", reply);
+    await this.ritocco?.(this.rotte.get(id) ?? "", reply);
     const testo = JSON.stringify(reply);
     await this.page
       .evaluate(([i, s, t]) => window.__apiDone?.(i, s, t), [id, status, testo] as const)

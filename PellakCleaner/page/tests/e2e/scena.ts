@@ -111,3 +111,13 @@ export const conScena: Ritocco = (rotta, risposta) => {
     }
   }
 };
+
+/** The first scan, with three of its sections done. */
+export const aMetaScansione: Ritocco = (rotta, risposta) => {
+  if (rotta !== "/api/state") return;
+  risposta.busy = true;
+  for (const [i, sezione] of ((risposta.sections ?? []) as RispostaStato["sections"]).entries()) {
+    Object.assign(sezione, { scanned: i < 3, scanning: i === 3, queued: i > 3 });
+    Object.assign(sezione, { findings: [], total: 0, libera: 0 });
+  }
+};

@@ -1,7 +1,7 @@
 import { afterAll, beforeAll, describe, expect, test } from "vitest";
 import { type Casa, OSTILE, ROTTO_MOSTRATO, STRANO, STRANO_MOSTRATO, casaPiena } from "./casa";
 import { Finestra, PAGINA, ritrai, senzaDifetti } from "./finestra";
-import { conScena } from "./scena";
+import { aMetaScansione, conScena } from "./scena";
 
 const VISTE_CON_NOMI =
   "sviluppo applicazioni duplicati grandi privacy avvio mappa registro permessi impostazioni";
@@ -42,10 +42,26 @@ describe.each([false, true])("every view, dark: %s", (scuro) => {
   let finestra: Finestra;
   beforeAll(async () => {
     casa = casaPiena();
-    finestra = await Finestra.apri(casa.home, { scuro, ritocco: conScena });
+    let scena = aMetaScansione;
+    let trattenuta: Promise<void> | undefined;
+    finestra = await Finestra.apri(casa.home, {
+      scuro,
+      ritocco: (rotta, risposta) => {
+        if (rotta.startsWith("/api/trash")) return trattenuta;
+        return scena(rotta, risposta);
+      },
+    });
+    const { page } = finestra;
+    await page.locator(".passo-attuale").waitFor();
+    expect(await page.locator("body").innerText()).not.toMatch(/\b0 B\b/);
+    expect(await page.locator(".cifra-numero").innerText()).toBe("3 di 8 sezioni");
+    await senzaDifetti(finestra, "first scan");
+    await ritrai(page, `scansione-${scuro ? "scuro" : "chiaro"}`);
+    scena = conScena;
+    await page.reload();
+    await page.locator(".benvenuto").waitFor();
     await senzaDifetti(finestra, "first launch");
     await finestra.scansionaTutto();
-    const { page } = finestra;
     await page.evaluate((p) => {
       (globalThis as unknown as { addExcludedFolder: (p: string) => void }).addExcludedFolder(p);
     }, `/altrove/${OSTILE}${STRANO}`);
@@ -53,7 +69,12 @@ describe.each([false, true])("every view, dark: %s", (scuro) => {
     await page.locator('[data-finding="npm-cache"] .casella').first().check();
     await page.getByRole("button", { name: "Sposta nel Cestino" }).click();
     expect(await page.getByRole("dialog").innerText()).toContain(OSTILE);
+    let rilascia = (): void => undefined;
+    trattenuta = new Promise((f) => (rilascia = f));
     await page.getByRole("dialog").getByRole("button", { name: "Sposta nel Cestino" }).click();
+    await page.getByRole("progressbar").waitFor();
+    await senzaDifetti(finestra, "move");
+    rilascia();
     await page.getByRole("button", { name: "Rimetti a posto" }).waitFor();
     await senzaDifetti(finestra, "notice");
     await page.getByRole("button", { name: "Rimetti a posto" }).click();
