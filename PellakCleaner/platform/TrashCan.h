@@ -58,8 +58,8 @@ class TrashBatch {
   /// another operation is another item.
   virtual std::string locate(const TrashPlan& piano) = 0;
 
-  /// Whether `locate` can find an item of this plan at all. Errors, where the Trash has to be
-  /// listed for that and can't be: denied, missing, failed.
+  /// Whether nothing found by `locate` means that the item is not in the Trash. Errors, where the
+  /// Trash can't be looked into or is not there with its volume: of any kind, `causa` says why.
   virtual Result<void> searchable(const TrashPlan& /*piano*/) { return {}; }
 
   /// Moves an item of the Trash to `destinazione`; its record leaves the Trash in `sync` at the

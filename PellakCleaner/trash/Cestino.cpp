@@ -81,7 +81,7 @@ Result<std::unique_ptr<FileLock>> Cestino::blocco() {
 }
 
 Esito Cestino::rifiutoDi(const Error& errore) {
-  if (errore.text == kNonElencato) return rifiuto(errore.text, kServerError);
+  if (errore.text.starts_with(kNonElencato)) return rifiuto(errore.text, kServerError);
   switch (errore.kind) {
     case ErrorKind::busy:
       return rifiuto(kOccupato, kConflict);

@@ -34,7 +34,9 @@ Result<void> Cestino::finisciLibri() {
   for (const Intento::Passo& passo : (*intento)->passi) {
     // What can't be looked for must not pass for not moved.
     if (const auto certo = batch->searchable(passo.piano); !certo) {
-      return Error{ErrorKind::denied, certo.error().code, kNonElencato};
+      const std::string& causa = certo.error().causa;
+      return Error{ErrorKind::denied, certo.error().code,
+                   kNonElencato + (causa.empty() ? causa : " (" + causa + ")")};
     }
   }
   auto scritto = (*intento)->ripristino.empty() ? riprendiMosse(**intento, *batch)

@@ -157,7 +157,7 @@ bool Cestino::rimettibile(Ritorno& ritorno, const Scelto& scelto) const {
   } else if (!custode_.destinazione(scelto.sguardo.orig)) {
     perche = kNonAmmessa;
   }
-  if (perche != nullptr) ritorno.fallito(scelto.indice, perche);
+  if (perche != nullptr) ritorno.fallito(scelto.indice, perche, scelto.sguardo.causa);
   return perche == nullptr;
 }
 
@@ -183,7 +183,7 @@ void Cestino::scegliInsieme(Ritorno& ritorno, std::vector<Scelto> scelti) const 
   std::unordered_set<std::string> suoi;
   for (const Scelto& scelto : scelti) suoi.insert(scelto.sguardo.orig);
   const auto tuttiLiberi = [&](const Scelto& scelto, std::size_t numero) {
-    const auto& [orig, suo, dentro, fuori] = scelto.sguardo;
+    const auto& [orig, suo, causa, dentro, fuori] = scelto.sguardo;
     const bool tornato = numero == 0 && suo && fuori && giaTornato(*dentro, *fuori);
     const std::string posto = numero == 0 ? orig : conNumeroComune(orig, numero);
     if (!tornato && !libero(posto)) return false;

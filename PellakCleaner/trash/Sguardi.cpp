@@ -15,8 +15,12 @@ Sguardo guardaUno(TrashBatch& batch, DirectoryLister& lister, const std::string&
   sguardo.orig = espandiTilde(mossa.orig, home);
   // What was put back once, or was emptied and its name given to a later item, is not there.
   if (mossa.trash.empty() || mossa.rip || mossa.superata) return sguardo;
-  sguardo.suo = !batch.locate({sguardo.orig, mossa.trash, 0, 0, 0}).empty();
-  if (!sguardo.suo) return sguardo;
+  const TrashPlan piano = {sguardo.orig, mossa.trash, 0, 0, 0};
+  sguardo.suo = !batch.locate(piano).empty();
+  if (!sguardo.suo) {
+    if (const auto certo = batch.searchable(piano); !certo) sguardo.causa = certo.error().causa;
+    return sguardo;
+  }
   sguardo.dentro = lister.attributes(mossa.trash);
   sguardo.fuori = lister.attributes(sguardo.orig);
   return sguardo;

@@ -12,8 +12,9 @@ namespace pellak::trash {
 
 /// How things stand with an item of an operation before it goes back.
 struct Sguardo {
-  std::string orig;  ///< where it came from, in full
-  bool suo = false;  ///< what lies in the Trash under its name is the item
+  std::string orig;        ///< where it came from, in full
+  bool suo = false;        ///< what lies in the Trash under its name is the item
+  std::string causa = {};  ///< why the Trash can't be asked for it
   Result<EntryAttributes> dentro = Error{};
   Result<EntryAttributes> fuori = Error{};  ///< of what lies at `orig`
 };

@@ -1,6 +1,7 @@
 """A home folder with a finding to move to the Trash, and a look at where everything lies."""
 
 import hashlib
+import json
 import os
 import urllib.parse
 
@@ -50,6 +51,13 @@ class ConCestino(ConCasa):
     def ripristina(self, posto=0):
         risposta = self.api("/api/restore", {"op": self.operazioni()[posto]["id"]})
         return {chiave: risposta[chiave] for chiave in ("ok", "items", "errors")}
+
+    def interrotta(self):
+        """Leaves the last operation's intent, as a process does that dies right after its moves."""
+        op = self.operazioni()[0]
+        visti = [(voce, os.lstat(voce["trash"])) for voce in op["items"]]
+        self.intento.write_text(json.dumps({**op, "ripristino": "", "passi": [
+            {**voce, "dev": str(v.st_dev), "ino": str(v.st_ino)} for voce, v in visti]}))
 
     def contenuti(self, *radici):
         """Every file and link below the folders by its content; nothing may be there twice.

@@ -173,10 +173,42 @@ class AltroVolume(ConVolumi):
         vuoto = self.casa / "vuoto"
         vuoto.mkdir()
         subprocess.run(["mount", "--bind", vuoto, self.cose], check=True)
-        self.assertEqual(self.ripristina()["errors"], ["a: non è più nel Cestino"])
+        op = self.operazioni()[0]["id"]
+        self.assertRegex(self.api("/api/restore", {"op": op})["failed"][0]["causa"],
+                         "^il disco «.*/cose» non ha quel Cestino: è un altro disco")
         subprocess.run(["umount", self.cose], check=True)
         self.assertEqual(self.ripristina()["items"], 1)
         self.assertEqual(self.contenuti("cose"), prima)
+
+    def test_the_home_folder_by_another_name(self):
+        (self.casa / "collegata").symlink_to(self.casa)
+        self.ambiente["HOME"] = str(self.casa / "collegata")
+        self.cosa("a", "a")
+        self.scandisci()
+        self.assertEqual(self.cestina()["ok"], 1)
+        self.ambiente["HOME"] = str(self.casa)
+        self.assertEqual(self.ripristina()["items"], 1)
+
+    def test_an_interrupted_operation_waits_for_its_volume(self):
+        self.tmpfs(self.cose)
+        self.cosa("a", "a")
+        self.scandisci()
+        self.assertEqual(self.cestina()["ok"], 1)
+        self.interrotta()
+        self.registro.unlink()
+        self.monta(self.casa / "vuoto", "-t", "tmpfs", "tmpfs")
+        for via, ritorno in (
+                (["--move", self.cose, self.casa / "altrove"],
+                 ["mount", "--move", self.casa / "altrove", self.cose]),
+                (["--bind", self.casa / "vuoto", self.cose], ["umount", self.cose])):
+            (self.casa / "altrove").mkdir(exist_ok=True)
+            subprocess.run(["mount", *via], check=True)
+            self.assertEqual(self.operazioni(), [])
+            self.assertRegex(self.api("/api/restore", {"op": "x"}, stato=1)["err"],
+                             r"^il Cestino non è leggibile: .* \(il disco «.*/cose» non ")
+            subprocess.run(ritorno, check=True)
+        self.assertEqual(self.ripristina()["items"], 1)
+        self.assertCestinoCoerente(self.cose / f".Trash-{UTENTE}")
 
 
 @unittest.skipUnless(UTENTE == 0, "mounts volumes, so it needs root")
@@ -331,9 +363,30 @@ class SenzaDiritti(ConCestino):
                 with self.subTest(cartella=cartella.name, modo=oct(modo)):
                     os.chmod(cartella, modo)
                     self.assertEqual(self.rifiuto(), PERMESSO)
-                    self.assertRegex(self.causa, "^il Cestino .*(creare|scrivibile)$")
+                    self.assertRegex(self.causa, "aprire$" if modo == 0 else "^il Cestino .* scrivibile$")
                     os.chmod(cartella, 0o700)
                     self.assertEqual(list(self.cestino.glob("*/*")), [])
+
+    def test_what_keeps_an_item_in_the_trash_is_named(self):
+        self.assertEqual(self.da_nessuno("trash", "x", "--yes").returncode, 0)
+        corpo = json.dumps({"op": self.operazioni()[0]["id"]})
+
+        def causa():
+            return json.loads(self.da_nessuno("api", "/api/restore", corpo).stdout)["failed"][0]["causa"]
+        for cartella, modo, attesa in ((self.cestino, 0, "non si può aprire"),
+                                       (self.cestino / "files", 0, "non si può aprire"),
+                                       (self.cestino / "files", 0o500, "non è scrivibile")):
+            self.interrotta()
+            os.chown(self.intento, NOBODY, NOBODY)
+            os.chmod(cartella, modo)
+            self.da_nessuno("log")
+            self.assertEqual(self.intento.exists(), modo == 0)
+            self.intento.unlink(missing_ok=True)
+            self.assertEqual(causa(), f"il Cestino «{cartella}» {attesa}")
+            os.chmod(cartella, 0o700)
+        (self.casa / "cose").rmdir()
+        (self.casa / "cose").touch()
+        self.assertEqual(causa(), f"«{self.casa}/cose» non è una cartella")
 
     def test_a_trash_of_somebody_else_or_reached_through_a_link(self):
         os.chown(self.cestino, 0, 0)

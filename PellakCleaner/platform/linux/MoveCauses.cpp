@@ -141,7 +141,8 @@ Error placeRefuses(Error errore, const std::string& destinazione) {
       causa = "nel frattempo qualcos'altro ha preso il suo posto";
       break;
     case ErrorKind::missing:
-      causa = "la cartella " + named(cartella) + " non c'è più";
+      causa = errore.code == ENOTDIR ? named(cartella) + " non è una cartella"
+                                     : "la cartella " + named(cartella) + " non c'è più";
       break;
     case ErrorKind::invalid:
       causa = errore.text;

@@ -17,6 +17,7 @@
 #include "platform/linux/MountTable.h"
 #include "platform/linux/MoveCauses.h"
 #include "platform/linux/RecordsAhead.h"
+#include "platform/linux/TrashAway.h"
 #include "platform/linux/TrashFolder.h"
 #include "platform/linux/TrashRecord.h"
 #include "platform/linux/XdgFolders.h"
@@ -71,6 +72,7 @@ class BatchLinux final : public TrashBatch {
   void announce(std::span<const TrashPlan* const> piani) override;
   Result<std::string> move(const TrashPlan& piano) override;
   std::string locate(const TrashPlan& piano) override;
+  Result<void> searchable(const TrashPlan& piano) override;
   Result<void> putBack(std::string_view nelCestino, std::string_view destinazione) override;
   Result<void> undoPutBack(std::string_view nelCestino, std::string_view destinazione) override;
   void abandon(const TrashPlan& piano) override;
@@ -271,6 +273,11 @@ std::string BatchLinux::locate(const TrashPlan& piano) {
   return (scheda ? *da == piano.percorso : suNumero) ? piano.nelCestino : std::string();
 }
 
+Result<void> BatchLinux::searchable(const TrashPlan& piano) {
+  const auto aperto = trashAt(piano.nelCestino);
+  return aperto ? lookIn((*aperto)->cestino, piano) : surelyGone(piano, aperto.error());
+}
+
 Result<void> BatchLinux::putBack(std::string_view nelCestino, std::string_view destinazione) {
   std::string nome = split(nelCestino).nome;
   const Split a = split(destinazione);
@@ -281,6 +288,10 @@ Result<void> BatchLinux::putBack(std::string_view nelCestino, std::string_view d
   if (!cartella) return placeRefuses(cartella.error(), std::string(destinazione));
   const int files = (*aperto)->cestino.files.get();
   if (auto mosso = renameExclusively(files, nome, *cartella, a.nome); !mosso) {
+    if (mosso.error().kind == ErrorKind::denied && !writable(files)) {
+      const std::string suo(nelCestino.substr(0, nelCestino.rfind('/')));
+      return trashRefuses(mosso.error(), std::string(destinazione), suo);
+    }
     return placeRefuses(mosso.error(), std::string(destinazione));
   }
   (*aperto)->tornate.push_back(std::move(nome));

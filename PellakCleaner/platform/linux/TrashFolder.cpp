@@ -75,11 +75,21 @@ bool isOverlay(int cartella) {
   return ::fstatfs(cartella, &info) == 0 && info.f_type == OVERLAYFS_SUPER_MAGIC;
 }
 
+/// What is there and keeps us out need not be made.
+Error closedTo(Error errore, const std::string& cestino) {
+  struct stat info {};
+  if (errore.kind == ErrorKind::denied &&
+      (::lstat(cestino.c_str(), &info) == 0 || errno == EACCES)) {
+    errore.causa = "il Cestino «" + cestino + "» non si può aprire";
+  }
+  return errore;
+}
+
 Result<TrashFolder> fill(TrashFolder cestino, Missing mancante) {
   auto files = ownFolderAt(cestino.radice.get(), "files", mancante);
-  if (!files) return files.error();
+  if (!files) return closedTo(files.error(), cestino.percorso + "/files");
   auto info = ownFolderAt(cestino.radice.get(), "info", mancante);
-  if (!info) return info.error();
+  if (!info) return closedTo(info.error(), cestino.percorso + "/info");
   const auto qui = itemAt(files->get());
   if (!qui) return qui.error();
   cestino.files = std::move(*files);
@@ -188,13 +198,14 @@ Result<Volume> homeTrashVolume() {
 
 Result<TrashFolder> openHomeTrash() {
   TrashFolder cestino;
-  cestino.percorso = homeTrashPath();
+  // The log names it for good, and a home folder may be reached by another name tomorrow.
+  cestino.percorso = realHomeTrashPath();
   const std::string sopra = posix::folderOf(cestino.percorso);
   if (auto fatte = posix::makeFolders(sopra, kPrivate); !fatte) return fatte.error();
   const Descriptor dati(::open(sopra.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!dati) return errnoError(errno);
+  if (!dati) return closedTo(errnoError(errno), cestino.percorso);
   auto radice = ownFolderAt(dati.get(), "Trash", Missing::make);
-  if (!radice) return radice.error();
+  if (!radice) return closedTo(radice.error(), cestino.percorso);
   cestino.radice = std::move(*radice);
   return fill(std::move(cestino), Missing::make);
 }
@@ -212,8 +223,8 @@ Result<TrashFolder> openVolumeTrash(const std::string& cima) {
     return fill(std::move(cestino), Missing::make);
   }
   auto proprio = ownFolderAt(sopra.get(), ".Trash-" + utente, Missing::make);
-  if (!proprio) return proprio.error();
   cestino.percorso = base + "/.Trash-" + utente;
+  if (!proprio) return closedTo(proprio.error(), cestino.percorso);
   cestino.radice = std::move(*proprio);
   return fill(std::move(cestino), Missing::make);
 }
@@ -230,25 +241,41 @@ std::string topOfVolume(std::string_view cartella, Volume volume) {
   return cima;
 }
 
+std::string topOfTrash(std::string_view cestino) {
+  const std::string utente = std::to_string(user());
+  for (const std::string& coda : {"/.Trash/" + utente, "/.Trash-" + utente}) {
+    if (!cestino.ends_with(coda)) continue;
+    cestino.remove_suffix(coda.size());
+    return cestino.empty() ? "/" : std::string(cestino);
+  }
+  return {};
+}
+
 namespace {
+
+/// By whatever name: records of before may hold another one.
+bool isHomeTrash(const std::string& cestino) {
+  const std::string vera = realHomeTrashPath();
+  if (cestino == vera || cestino == homeTrashPath()) return true;
+  std::error_code fallito;
+  const auto sopra = std::filesystem::weakly_canonical(posix::folderOf(cestino), fallito);
+  return !fallito && cestino.ends_with("/Trash") && sopra.native() + "/Trash" == vera;
+}
 
 /// The root of a volume's own Trash, by its path; `cima` is set to the volume's top.
 Result<Descriptor> volumeTrashAt(std::string_view percorso, std::string_view fidata,
                                  std::string& cima) {
-  const std::string utente = std::to_string(user());
-  const std::string comune = "/.Trash/" + utente;
-  const std::string proprio = "/.Trash-" + utente;
-  const bool condiviso = percorso.ends_with(comune);
-  if (!condiviso && !percorso.ends_with(proprio)) return errnoError(EINVAL);
-  percorso.remove_suffix(condiviso ? comune.size() : proprio.size());
-  cima = percorso.empty() ? "/" : percorso;
+  cima = topOfTrash(percorso);
+  if (cima.empty()) return errnoError(EINVAL);
   const auto sopra = openWithoutLinks(cima, fidata);
   if (!sopra) return sopra.error();
   const auto volume = isTop(sopra->get());
   if (!volume) return volume.error();
   if (!*volume) return errnoError(EINVAL);
-  return condiviso ? sharedTrash(sopra->get(), utente, Missing::fail)
-                   : ownFolderAt(sopra->get(), proprio.substr(1), Missing::fail);
+  const std::string utente = std::to_string(user());
+  return percorso.ends_with("/" + utente)
+             ? sharedTrash(sopra->get(), utente, Missing::fail)
+             : ownFolderAt(sopra->get(), ".Trash-" + utente, Missing::fail);
 }
 
 }  // namespace
@@ -258,7 +285,7 @@ Result<TrashFolder> openTrashHolding(std::string_view nelCestino, std::string_vi
   if (!files.ends_with("/files")) return errnoError(EINVAL);
   TrashFolder cestino;
   cestino.percorso = posix::folderOf(files);
-  auto radice = cestino.percorso == homeTrashPath()
+  auto radice = isHomeTrash(cestino.percorso)
                     ? ownFolderAt(AT_FDCWD, cestino.percorso, Missing::fail)
                     : volumeTrashAt(cestino.percorso, fidata, cestino.cima);
   if (!radice) return radice.error();

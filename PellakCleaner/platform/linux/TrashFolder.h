@@ -77,6 +77,10 @@ Result<TrashFolder> openVolumeTrash(const std::string& cima);
 /// The highest folder above `cartella` on the same volume.
 std::string topOfVolume(std::string_view cartella, Volume volume);
 
+/// The top of the volume that a Trash folder of this user's is for, by its name alone; empty when
+/// it is none of a volume's.
+std::string topOfTrash(std::string_view cestino);
+
 /// The Trash folder that a path "<Trash>/files/<name>" lies in, when it is one of this user's: the
 /// home Trash, or ".Trash/<uid>" or ".Trash-<uid>" at the top of a volume. Nothing is made.
 /// `fidata` as for openWithoutLinks. Errors: invalid (no such path), missing, failed (a link, or
