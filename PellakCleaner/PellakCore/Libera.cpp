@@ -99,6 +99,14 @@ std::size_t quantiPercorsi(std::span<const Finding* const> findings) {
 /// Whether no entry can lie below another one.
 bool pari(const std::vector<Voce>& voci) {
   if (voci.empty()) return true;
+  // What lies below another has its last slash behind all of the other's path.
+  std::size_t ultima = 0;
+  std::size_t corta = kTutti;
+  for (const Voce& voce : voci) {
+    ultima = std::max(ultima, voce.path.rfind('/') + 1);
+    corta = std::min(corta, voce.path.size());
+  }
+  if (ultima <= corta && corta > 1) return true;
   const std::size_t livello = profondita(voci.front().path);
   return std::all_of(voci.begin(), voci.end(),
                      [&](const Voce& voce) { return profondita(voce.path) == livello; });
