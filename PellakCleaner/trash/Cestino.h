@@ -108,9 +108,6 @@ class Cestino {
   /// An error is the log's that can't be read.
   Result<void> log(const std::function<void(const Operazione&)>& visita);
 
-  /// Whether the log can be read; one that does not exist can.
-  Result<void> leggiRegistro() { return registro_.leggi(); }
-
  private:
   struct Lavoro;
   struct Ritorno;

@@ -13,11 +13,6 @@
 #include "trash/Messaggi.h"
 
 namespace pellak::trash {
-namespace {
-
-constexpr int kServerError = 500;
-
-}  // namespace
 
 Esito OperazioniCestino::sposta(std::string_view finding, const Cestino::Titolo& titolo,
                                 std::span<const Lotto> lotti) {
@@ -111,14 +106,6 @@ Esito OperazioniCestino::trashSel(std::string_view id, std::span<const std::int6
   }
   esito.saltati = std::move(saltati);
   return esito;
-}
-
-Esito OperazioniCestino::restore(std::string_view operazione, std::optional<std::int64_t> indice) {
-  // In a log that can't be read any operation would pass for unknown.
-  if (const auto letto = cestino_.leggiRegistro(); !letto) {
-    return rifiuto(registroNonLeggibile(letto.error()), kServerError);
-  }
-  return cestino_.restore(operazione, indice);
 }
 
 }  // namespace pellak::trash

@@ -52,7 +52,9 @@ class OperazioniCestino {
   Esito dupScarta(std::string_view finding, std::int64_t gruppo,
                   const std::vector<std::string>& percorsi);
 
-  Esito restore(std::string_view operazione, std::optional<std::int64_t> indice);
+  Esito restore(std::string_view operazione, std::optional<std::int64_t> indice) {
+    return cestino_.restore(operazione, indice);
+  }
   /// Newest first. An error is the log's that can't be read.
   Result<void> log(const std::function<void(const Operazione&)>& visita) {
     return cestino_.log(visita);

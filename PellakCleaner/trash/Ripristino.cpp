@@ -10,6 +10,7 @@
 #include "PellakCore/base/BytePath.h"
 #include "trash/Cestino.h"
 #include "trash/Insiemi.h"
+#include "trash/Messaggi.h"
 #include "trash/Sguardi.h"
 
 namespace pellak::trash {
@@ -22,6 +23,7 @@ constexpr const char* kPermesso =
 constexpr const char* kNonAmmessa =
     "il posto da cui veniva è riservato al sistema: non lo ripristino";
 constexpr int kNotFound = 404;
+constexpr int kServerError = 500;
 
 bool giaTornato(const EntryAttributes& dentro, const EntryAttributes& fuori) {
   return dentro.type != EntryType::directory && fuori.type != EntryType::directory &&
@@ -93,6 +95,10 @@ struct Cestino::Ritorno {
 };
 
 Esito Cestino::restore(std::string_view id, std::optional<std::int64_t> indice) {
+  // In a log that can't be read any operation would pass for unknown.
+  if (const auto letto = registro_.leggi(); !letto) {
+    return rifiuto(registroNonLeggibile(letto.error()), kServerError);
+  }
   const auto preso = blocco();
   if (!preso) return rifiutoDi(preso.error());
   auto operazione = registro_.cerca(id);
